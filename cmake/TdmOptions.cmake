@@ -1,0 +1,11 @@
+# What all our own targets are compiled with: warnings, and the sanitizers where they are asked for.
+add_library(tdm_options INTERFACE)
+target_compile_options(tdm_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(TDM_WERROR)
+  target_compile_options(tdm_options INTERFACE -Werror)
+endif()
+if(TDM_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,127 @@
+/*
+ * The values that cross the interface of tdm_c: opaque handles, arrays, messages, addresses,
+ * intervals and the numbers of enumerations. Plain C99, usable from C++ as it is.
+ */
+#ifndef TDM_C_TDM_TYPES_H
+#define TDM_C_TDM_TYPES_H
+
+#include <stdint.h>
+
+/** The version of the interface; compare in the preprocessor: `#if TDM_C_VERSION >= 40000`. */
+#define TDM_C_VERSION_MAJOR 4
+#define TDM_C_VERSION_MINOR 0
+#define TDM_C_VERSION (TDM_C_VERSION_MAJOR * 10000 + TDM_C_VERSION_MINOR * 100)
+
+/** Marks a function that the shared library exports. */
+#if defined(__GNUC__)
+#define TDM_API __attribute__((visibility("default")))
+#else
+#define TDM_API
+#endif
+
+/** Marks a class that C++ clients may call or derive from. */
+#define TDM_CLIENT_API TDM_API
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Handles. Each is the address of an object of the model; the library uses it as it is, with no
+ * validation. Handles of one spec die with it (tdm_spec_free).
+ */
+typedef struct TDMSpec tdm_spec;
+typedef struct TDMProcessor tdm_processor;
+typedef struct TDMCore tdm_core;
+typedef struct TDMBus tdm_bus;
+typedef struct TDMMemory tdm_memory;
+typedef struct TDMSpace tdm_space;
+typedef struct TDMMapSource tdm_mapsource;
+typedef struct TDMMapDestination tdm_mapdestination;
+typedef struct TDMSourceLocation tdm_source_location;
+typedef struct TDMRange tdm_range;
+typedef struct TDMStartAddress tdm_start_address;
+typedef struct TDMFillSpec tdm_fillspec;
+typedef struct TDMAttributes tdm_attributes;
+
+/**
+ * An array. The library makes one for each result; give it back with tdm_arr_del(). A caller
+ * builds its own for arguments, in the same layout, with elements of pointer size.
+ */
+typedef struct tdm_arr {
+  uint32_t element_size; /**< bytes of one element */
+  uint32_t capacity;     /**< elements allocated; 32 in a new array */
+  uint32_t count;        /**< elements in use */
+  void *items;           /**< capacity * element_size bytes; elements are stored by value */
+} tdm_arr;
+
+/** The place of a token of the preprocessor, or of a message. All zero: no place. */
+typedef struct tdm_srcpos {
+  const char *file;    /**< name as positions show it, from the string pool; null for no place */
+  int line;            /**< from 1 */
+  int column;          /**< from 1 */
+  const void *pragmas; /**< opaque: the pragma values in force */
+} tdm_srcpos;
+
+/** One error or warning of the preprocessor. */
+typedef struct tdm_message {
+  int number;          /**< number in the message catalogue, 948 for instance */
+  tdm_srcpos position; /**< where it was reported */
+  const char *text;    /**< from the string pool, at most 1,024 characters, without prefix */
+  int note;            /**< -1, or the index of a note that belongs to this message */
+} tdm_message;
+
+/** A position in a space, a bus or a memory, to the bit. */
+typedef struct tdm_addressvalue {
+  int64_t value; /**< whole MAUs from address 0 */
+  int32_t bits;  /**< bit offset inside that MAU, 0 to mau - 1, from the least significant line */
+  int32_t mau;   /**< bits of one MAU of the object that the address is meant in */
+  int32_t bank;  /**< bank number, or -1 for none */
+} tdm_addressvalue;
+
+/**
+ * A span of positions, [low, high), with a mask that repeats over the bit addresses from bit
+ * address 0: a bit b of the span belongs to the interval if bit (b mod width) of `bits` is set.
+ */
+typedef struct tdm_interval {
+  tdm_addressvalue low;  /**< first position */
+  tdm_addressvalue high; /**< first position past the end; the same MAU as low */
+  int32_t width;         /**< period of the mask in bits, 1 to 64; 1 with bits 1 is every bit */
+  uint64_t bits;         /**< the mask, least significant bit first */
+  int32_t priority;      /**< fixed point with 16 fractional bits, 0x10000 is 1 */
+  int32_t exec_priority; /**< the same, for execution */
+} tdm_interval;
+
+/** One route of a translated interval: what it reaches, and where. */
+typedef struct tdm_map_interval_result {
+  void *object; /**< tdm_mapdestination * or tdm_memory * forward, tdm_mapsource * backward */
+  tdm_interval interval;
+  int reserved; /**< 1 if a mapping on the route is reserved */
+} tdm_map_interval_result;
+
+/** One route of a translated address. */
+typedef struct tdm_map_address_result {
+  void *object; /**< tdm_mapdestination * or tdm_memory * forward, tdm_mapsource * backward */
+  tdm_addressvalue address;
+  int reserved; /**< 1 if a mapping on the route is reserved */
+} tdm_map_address_result;
+
+/** What tdm_memory_get_type() gives. */
+enum tdm_memory_type {
+  TDM_MEMORY_RAM = 1,
+  TDM_MEMORY_ROM = 2,
+  TDM_MEMORY_NVRAM = 3,
+  TDM_MEMORY_BLOCKRAM = 4
+};
+
+/** What tdm_space_get_locate_direction() gives. */
+enum tdm_locate_direction { TDM_LOW_TO_HIGH = 0, TDM_HIGH_TO_LOW = 1 };
+
+/** The elements of tdm_core_get_endianness(). */
+enum tdm_endianness { TDM_ENDIANNESS_NOT_SET = 0, TDM_ENDIANNESS_BIG = 1, TDM_ENDIANNESS_LITTLE = 2 };
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
