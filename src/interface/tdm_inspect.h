@@ -1,0 +1,74 @@
+/*
+ * Readers beside <tdm_c/tdm.h>, for tools that show what the library found. They are versioned on
+ * their own: what stands here may grow with every delivery, and tdm.h stays what it is. The
+ * conventions of tdm.h hold.
+ */
+#ifndef TDM_C_TDM_INSPECT_H
+#define TDM_C_TDM_INSPECT_H
+
+#include <stdint.h>
+
+#include <tdm_c/tdm_types.h>
+
+/** The version of this header, to be compared in the preprocessor; 10000 is 1.0. */
+#define TDM_C_INSPECT_VERSION_MAJOR 1
+#define TDM_C_INSPECT_VERSION_MINOR 0
+#define TDM_C_INSPECT_VERSION                                                                      \
+  (TDM_C_INSPECT_VERSION_MAJOR * 10000 + TDM_C_INSPECT_VERSION_MINOR * 100)
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ============================================================================================== */
+/* Failures                                                                                       */
+/* ============================================================================================== */
+
+/**
+ * How many calls have failed since the program began: rises by one with each failure.
+ *
+ * Tells a failure from an answer, and a fresh text from a stale one: ask before a call and
+ * after it. Nothing sets it back. Works at any time.
+ */
+TDM_API int64_t tdm_inspect_failure_count(void);
+
+/**
+ * The text of the latest failure, "" before the first one; never null.
+ *
+ * The same as tdm_get_last_error(), but it also tells the failures that leave the last error text
+ * as it was: those of address arithmetic in tdm_parse_file(), for instance of a mapping of more
+ * than 64 data lines, and exhausted memory. Lives as the last error text does. Works at any time.
+ */
+TDM_API const char *tdm_inspect_failure_text(void);
+
+/* ============================================================================================== */
+/* Messages of the preprocessor                                                                   */
+/* ============================================================================================== */
+
+/** One message of the preprocessor, whatever its severity. */
+typedef struct tdm_inspect_message {
+  char letter;         /**< 'E' error, 'W' warning, 'I' note */
+  int number;          /**< number in the message catalogue, 948 for instance */
+  tdm_srcpos position; /**< where it was reported; all zero for no place */
+  const char *text;    /**< from the pool of texts, without position or severity */
+  int note;            /**< index of the note that belongs to it, in this same sequence; or -1 */
+} tdm_inspect_message;
+
+/** How many messages were reported since tdm_init(): errors, warnings and notes. */
+TDM_API int tdm_inspect_message_count(void);
+
+/**
+ * One of the messages since tdm_init(), in the order in which they were reported, all severities in
+ * one sequence.
+ *
+ * @param index  from 0 to tdm_inspect_message_count() - 1
+ * @param out    receives the message; not null. Left as it is when the index is out of range.
+ * @return 1 if there is such a message, else 0
+ */
+TDM_API int tdm_inspect_get_message(int index, tdm_inspect_message *out);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
