@@ -1,0 +1,44 @@
+// The name in a `select` statement: a pattern in the style of a file name.
+//
+// `*` is any text, `?` any character, `[...]` a set, `\` takes the next character as it is. The
+// pattern is translated to a regular expression that is anchored at both ends. A pattern without
+// wildcards is a plain name, which is compared as text and can be looked up in an index.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "common/source_location.h"
+
+class RegularExpression;
+
+class TDMSelectionPattern
+{
+public:
+  /// A wrong pattern is refused at the location.
+  TDMSelectionPattern(std::string_view pattern_text, const TDMSourceLocation &location);
+  ~TDMSelectionPattern();
+
+  /// The name that alone matches, or null if the pattern has wildcards. Lives as the pattern does.
+  [[nodiscard]] const std::string *literal_name() const;
+
+  [[nodiscard]] bool matches(std::string_view name) const;
+
+private:
+  std::string literal_;                      ///< the pattern without its escapes
+  std::unique_ptr<RegularExpression> regex_; ///< null if no character needed a look
+};
+
+namespace tdm
+{
+
+struct TranslatedPattern {
+  std::string expression;
+  std::string plain; ///< the pattern without its escapes
+};
+
+/// Every pattern has a translation; what is wrong with it shows when the expression is compiled.
+[[nodiscard]] TranslatedPattern translate_pattern(std::string_view pattern);
+
+} // namespace tdm

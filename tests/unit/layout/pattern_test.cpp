@@ -1,0 +1,414 @@
+// Selection patterns: their translation, the graphs of their expressions, and what they match.
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common/failures.h"
+#include "layout/regular_expression.h"
+#include "layout/selection_pattern.h"
+
+namespace
+{
+
+TEST(PatternTranslation, CharacterByCharacter)
+{
+  struct Row {
+    const char *pattern;
+    const char *expression;
+    const char *plain;
+  };
+  const Row rows[] = {
+      {"", "^$", ""},
+      {"abc", "^abc$", "abc"},
+      {"*", "^.*$", "*"},
+      {"a?c", "^a.c$", "a?c"},
+      {".text*", "^\\.text.*$", ".text*"},
+      {"$a^", "^\\$a\\^$", "$a^"},
+      {"[a-c]", "^[a-c]$", "[a-c]"},
+      {"[^a-c]x", "^[^a-c]x$", "[^a-c]x"},
+      {"[a^.*]", "^[a\\^\\..*]$", "[a^.*]"},
+      {"a\\*b", "^a\\*b$", "a*b"},
+      {"\\\\", "^\\\\$", "\\"},
+      {"\\[^\\]", "^\\[\\^\\]$", "[^]"},
+      {"[\\^a]", "^[\\^a]$", "[^a]"},
+      {"\\d\\x", "^\\d\\x$", "dx"},
+      {"a|b(c)+", "^a|b(c)+$", "a|b(c)+"},
+      {"a\\", "^a$", "a"},
+      {"a\\\\\\", "^a\\\\$", "a\\"},
+  };
+  for (const Row &row : rows) {
+    const tdm::TranslatedPattern translated = tdm::translate_pattern(row.pattern);
+    EXPECT_EQ(translated.expression, row.expression) << row.pattern;
+    EXPECT_EQ(translated.plain, row.plain) << row.pattern;
+  }
+}
+
+std::string shown(int character)
+{
+  if (character > ' ' && character < 127) return std::string(1, static_cast<char>(character));
+  return "#" + std::to_string(character);
+}
+
+/// `0>2; 1; 2'a'>1` : number, test, and the numbers of what follows, for each node in order.
+std::string dump(const RegularExpression &expression)
+{
+  std::ostringstream out;
+  for (const auto &node : expression.nodes()) {
+    if (node->number != 0) out << "; ";
+    out << node->number;
+    if (&expression.start() == node.get()) out << "!";
+    if (const auto *literal = dynamic_cast<const RELiteralNode *>(node.get()))
+      out << "'" << shown(literal->character()) << "'";
+    if (dynamic_cast<const REWildcardNode *>(node.get()) != nullptr) out << ".";
+    if (dynamic_cast<const REBeginOfStringNode *>(node.get()) != nullptr) out << "^";
+    if (dynamic_cast<const REEndOfStringNode *>(node.get()) != nullptr) out << "$";
+    if (const auto *set = dynamic_cast<const RESetNode *>(node.get())) {
+      out << (set->negated() ? "[^" : "[");
+      for (const auto &[low, high] : set->ranges())
+        out << shown(low) << (low == high ? "" : "-" + shown(high));
+      out << "]";
+    }
+    for (std::size_t i = 0; i < node->next.size(); ++i)
+      out << (i == 0 ? ">" : ",") << node->next[i]->number;
+  }
+  return out.str();
+}
+
+/// The graph, or the text of the error.
+std::string compiled(const std::string &text)
+{
+  try {
+    return dump(RegularExpression(text, true));
+  } catch (SyntaxError *error) {
+    std::string shown_text = error->text();
+    delete error;
+    return shown_text;
+  }
+}
+
+TEST(RegularExpression, Graphs)
+{
+  struct Row {
+    const char *expression;
+    const char *graph;
+  };
+  const Row rows[] = {
+      {"^a$", "0!>2; 1; 2^>3; 3'a'>4; 4$>1"},
+      {"a|.", "0!>2,3; 1; 2'a'>1; 3.>1"},
+      {"a*", "0!>3; 1; 2'a'>4,2; 3>2,4; 4>1"},
+      {"a+", "0!>3; 1; 2'a'>4,2; 3>2; 4>1"},
+      {"a?", "0!>3; 1; 2'a'>4; 3>2,4; 4>1"},
+      {"(a)b", "0!>2; 1; 2>4; 3>5; 4'a'>3; 5'b'>1"},
+      {"(a|b)+", "0!>6; 1; 2>4,5; 3>7,2; 4'a'>3; 5'b'>3; 6>2; 7>1"},
+      {"[a-cx]", "0!>2; 1; 2[a-cx]>1"},
+      {"[^^\\]]", "0!>2; 1; 2[^^]]>1"},
+      {"\\d", "0!>2; 1; 2[0-9]>1"},
+      {"\\S", "0!>2; 1; 2[^#12#10#13#9#32]>1"},
+      {"\\w", "0!>2; 1; 2[A-Za-z0-9_]>1"},
+      {"\\b\\F\\n\\R\\t", "0!>2; 1; 2'#8'>3; 3'#12'>4; 4'#10'>5; 5'#13'>6; 6'#9'>1"},
+      {"\\u0041\\U1f7A\\x", "0!>2; 1; 2'A'>3; 3'z'>4; 4'x'>1"},
+      {"[\\d\\t-\\u0020]", "0!>2; 1; 2[d#9-#32]>1"},
+  };
+  for (const Row &row : rows) EXPECT_EQ(compiled(row.expression), row.graph) << row.expression;
+}
+
+TEST(RegularExpression, Errors)
+{
+  const char *end = "unexpected end of input";
+  struct Row {
+    const char *expression;
+    std::string error;
+  };
+  const Row rows[] = {
+      {"", "syntax error at 0"},
+      {"^a)$", "syntax error at 2"},
+      {"^.*)$", "syntax error at 3"},
+      {"^(a$", "syntax error at 4"},
+      {"(", end},
+      {"a()", "syntax error at 2"},
+      {"(a|)", "syntax error at 3"},
+      {"a||b", "syntax error at 2"},
+      {"|a", "syntax error at 0"},
+      {"a|", "syntax error at 2"},
+      {"^+", "syntax error at 1"},
+      {"a**", "syntax error at 2"},
+      {"a]", "syntax error at 1"},
+      {"?", "syntax error at 0"},
+      {"[]", "syntax error at 1"},
+      {"[^]", "syntax error at 2"},
+      {"[-a]", "syntax error at 1"},
+      {"[a-]", "syntax error at 3"},
+      {"[a-c-]", "syntax error at 4"},
+      {"[z-a]", "syntax error at 3"},
+      {"[z-\\u0061]", "syntax error at 3"},
+      {"[a-\\u00ff]", "syntax error at 3"}, // the character 255 is negative
+      {"[a", end},
+      {"[a-", end},
+      {"[a\\", end},
+      {"[", end},
+      {"[^", end},
+      {"\\", end},
+      {"\\u123", end},
+      {"\\u12g4", "syntax error at 4"},
+  };
+  for (const Row &row : rows) EXPECT_EQ(compiled(row.expression), row.error) << row.expression;
+}
+
+TEST(RegularExpression, CaseAndStart)
+{
+  RegularExpression folded("^x[a-c]\\u0053$", false);
+  EXPECT_TRUE(folded.match("XBs", 0));
+  EXPECT_FALSE(folded.match("XDs", 0));
+  RegularExpression anchored("^b", true);
+  EXPECT_FALSE(anchored.match("ab", 0));
+  EXPECT_TRUE(anchored.match("ab", 1)); // `^` is where the search begins
+  RegularExpression free("b", true);
+  EXPECT_TRUE(free.match("aab", 0));
+  EXPECT_FALSE(free.match("ba", 1));
+  EXPECT_FALSE(free.match("ab", 5));
+}
+
+TEST(SelectionPattern, Matches)
+{
+  struct Row {
+    const char *pattern;
+    const char *name;
+    bool yes;
+  };
+  const Row rows[] = {
+      {"*", "", true},
+      {"*", ".text.main", true},
+      {"a?c", "abc", true},
+      {"a?c", "ac", false},
+      {".text*", ".text", true},
+      {".text*", ".text.a", true},
+      {".text*", "xtext", false},
+      {"[a-c]x", "bx", true},
+      {"[^a-c]x", "bx", false},
+      {"[^a-c]x", "dx", true},
+      {"a\\*b", "a*b", true},
+      {"a\\*b", "ab", false},
+      {"a|b", "a|b", true},
+      {"a|b", "a", false},
+      {"a*|b", "axx", true},
+      {"a*|b", "xxb", true},
+      {"a*|b", "xxc", false},
+      {"\\d", "7", true},
+      {"\\d", "d", false},
+      {"", "", true},
+      {"", "a", false},
+      {"a+b", "a+b", true},
+      {"a+b*", "aabx", true},
+      {"a+b*", "a+bx", false},
+      {"(a*)*b", "axab", true},
+      {"(a*)*b", "xab", false},
+      {"(*)+", "", true},
+      {"[\\^a]*", "^", true},
+      {"?", "\xff", true},
+      {"[^a]", "\xff", true},
+  };
+  for (const Row &row : rows)
+    EXPECT_EQ(TDMSelectionPattern(row.pattern, {}).matches(row.name), row.yes)
+        << row.pattern << " on " << row.name;
+}
+
+TEST(SelectionPattern, PlainNames)
+{
+  struct Row {
+    const char *pattern;
+    const char *name; ///< null for a pattern with wildcards
+  };
+  const Row rows[] = {
+      {".text", ".text"}, {"", ""},         {"a\\*b", "a*b"}, {"a|b", "a|b"},
+      {"a+(b)", "a+(b)"}, {"x\\n", "xn"},   {"a*", nullptr},  {"a?", nullptr},
+      {"[a]", nullptr},   {"\\w", nullptr}, {"a\\", "a"},     {"a-$^b", "a-$^b"},
+  };
+  for (const Row &row : rows) {
+    const TDMSelectionPattern pattern(row.pattern, {});
+    const std::string *name = pattern.literal_name();
+    EXPECT_EQ(name != nullptr ? *name : "<none>", row.name != nullptr ? row.name : "<none>")
+        << row.pattern;
+  }
+}
+
+TEST(SelectionPattern, ErrorsHaveThePlaceAndThePositionInTheExpression)
+{
+  struct Row {
+    const char *pattern;
+    const char *text;
+  };
+  const Row rows[] = {
+      {"[z-a]", "syntax error at 4"}, {"[-a]", "syntax error at 2"},
+      {"[a-]", "syntax error at 4"},  {"[]", "syntax error at 2"},
+      {"a)", "syntax error at 2"},    {"*)", "syntax error at 3"},
+      {"(a", "syntax error at 4"},    {"(", "syntax error at 3"},
+      {".)", "syntax error at 3"},    {"[a", "unexpected end of input"},
+      {"a]", "syntax error at 2"},    {"\\u00", "syntax error at 5"},
+  };
+  const TDMSourceLocation place{"f.tdm", 3, 7};
+  for (const Row &row : rows) {
+    try {
+      const TDMSelectionPattern pattern(row.pattern, place);
+      ADD_FAILURE() << row.pattern << " is accepted";
+    } catch (TDMSyntaxException *failure) {
+      EXPECT_EQ(failure->text(),
+                "[\"f.tdm\" 3/7] syntax error: selection pattern error: " + std::string(row.text));
+      delete failure;
+    }
+  }
+}
+
+/// A slow matcher that reads the expression anew for every question. Answers with sets of
+/// positions, a bit for each: where a part of the expression can end if it begins in the set.
+class PlainMatcher
+{
+public:
+  PlainMatcher(const std::string &text, const std::string &subject) : text_(text), subject_(subject)
+  {
+  }
+
+  /// Nothing if the expression is wrong.
+  std::optional<bool> run()
+  {
+    const unsigned everywhere = (2U << subject_.size()) - 1;
+    const unsigned ends = alternatives(everywhere);
+    if (wrong_ || at_ != text_.size()) return std::nullopt;
+    return ends != 0;
+  }
+
+private:
+  bool ends_sequence() const
+  {
+    return at_ == text_.size() || text_[at_] == ')' || text_[at_] == '|';
+  }
+
+  unsigned alternatives(unsigned from)
+  {
+    unsigned ends = sequence(from);
+    while (!wrong_ && at_ < text_.size() && text_[at_] == '|') {
+      ++at_;
+      ends |= sequence(from);
+    }
+    return ends;
+  }
+
+  unsigned sequence(unsigned from)
+  {
+    wrong_ = wrong_ || ends_sequence();
+    while (!wrong_ && !ends_sequence()) from = item(from);
+    return from;
+  }
+
+  unsigned item(unsigned from)
+  {
+    const std::size_t begin = at_;
+    unsigned ends = atom(from);
+    const char repetition = at_ < text_.size() ? text_[at_] : '\0';
+    if (wrong_ || (repetition != '*' && repetition != '+' && repetition != '?')) return ends;
+    if (repetition != '?')
+      for (unsigned more = ends, old = 0; more != old;) {
+        old = more;
+        at_ = begin;
+        more |= atom(more);
+        ends = more;
+      }
+    ++at_;
+    return repetition == '+' ? ends : ends | from;
+  }
+
+  unsigned atom(unsigned from)
+  {
+    const char c = text_[at_++];
+    switch (c) {
+    case '(': {
+      const unsigned ends = alternatives(from);
+      wrong_ = wrong_ || at_ == text_.size() || text_[at_] != ')';
+      ++at_;
+      return ends;
+    }
+    case '*':
+    case '+':
+    case '?':
+      wrong_ = true;
+      return 0;
+    case '^':
+    case '$':
+      // An anchor takes no repetition.
+      wrong_ = at_ < text_.size() && (text_[at_] == '*' || text_[at_] == '?');
+      return from & (c == '^' ? 1U : 1U << subject_.size());
+    default:
+      break;
+    }
+    unsigned ends = 0;
+    for (std::size_t i = 0; i < subject_.size(); ++i)
+      if ((from >> i & 1U) != 0 && (c == '.' || subject_[i] == c)) ends |= 2U << i;
+    return ends;
+  }
+
+  const std::string &text_;
+  const std::string &subject_;
+  std::size_t at_ = 0;
+  bool wrong_ = false;
+};
+
+/// Every text of the alphabet with up to `length` characters.
+std::vector<std::string> all_texts(const std::string &alphabet, std::size_t length)
+{
+  std::vector<std::string> texts{""};
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    if (texts[i].size() < length)
+      for (const char c : alphabet) texts.push_back(texts[i] + c);
+  return texts;
+}
+
+TEST(RegularExpression, AgreesWithASlowMatcher)
+{
+  const std::vector<std::string> names = all_texts("ab", 4);
+  std::size_t accepted = 0;
+  for (const std::string &text : all_texts("ab.*?|()^$", 5)) {
+    std::unique_ptr<RegularExpression> expression;
+    try {
+      expression = std::make_unique<RegularExpression>(text, true);
+      ++accepted;
+    } catch (SyntaxError *error) {
+      delete error;
+    }
+    for (const std::string &name : names) {
+      const std::optional<bool> wanted = PlainMatcher(text, name).run();
+      ASSERT_EQ(wanted.has_value(), expression != nullptr) << text;
+      if (expression == nullptr) break;
+      ASSERT_EQ(expression->match(name, 0), *wanted) << text << " on " << name;
+    }
+  }
+  EXPECT_GT(accepted, 1000U);
+}
+
+TEST(RegularExpression, StepsStayNodesTimesLength)
+{
+  const std::string name(100'000, 'a');
+  for (const char *text : {"^.*a.*a.*a.*a.*a.*a.*a.*a.*b$", "^((a*)*)*b$", "(a|a|.)*b"}) {
+    RegularExpression expression(text, true);
+    EXPECT_FALSE(expression.match(name, 0));
+    EXPECT_LE(expression.steps(), expression.nodes().size() * (name.size() + 1)) << text;
+    EXPECT_TRUE(expression.match(name + "b", 0));
+  }
+}
+
+TEST(SelectionPattern, AnyDepthAndLength)
+{
+  std::string deep(100'000, '(');
+  deep += "a*";
+  deep.append(100'000, ')');
+  EXPECT_TRUE(TDMSelectionPattern(deep, {}).matches("abc"));
+  EXPECT_FALSE(TDMSelectionPattern(deep, {}).matches("b"));
+
+  const std::string letters(1'000'000, 'a');
+  EXPECT_TRUE(TDMSelectionPattern(letters + "?", {}).matches(letters + "b"));
+  EXPECT_FALSE(TDMSelectionPattern(letters + "?", {}).matches(letters));
+  EXPECT_TRUE(TDMSelectionPattern(std::string(300'000, '*'), {}).matches("abc"));
+}
+
+} // namespace
