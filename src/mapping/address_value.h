@@ -1,0 +1,99 @@
+// One position of a space, a bus or a memory, to the bit.
+//
+// Conventions:
+// - The unit travels with the value: `value` counts whole MAUs of `mau` bits, `bits` is the
+//   remainder inside one MAU from the least significant data line, and the bit address is
+//   value * mau + bits.
+// - The bank is compared before the value, and -1, no bank, sorts below every bank.
+// - Values of different MAUs are unequal; to order, add or subtract them is a MauException.
+// - A value of more than 64 bits wraps. A MAU below 1 (numbers of a file and of callers are not
+//   restricted) is a MauException wherever it would have to divide.
+#pragma once
+
+#include <cstdint>
+
+#include "common/failures.h"
+#include "common/tdm_types.h"
+#include "mapping/wrapping.h"
+
+struct AddressValue {
+  /// Two positions that are counted in different units met. Thrown by pointer.
+  class MauException : public MauLibException
+  {
+  };
+
+  int64_t value = 0;
+  int16_t bits = 0;
+  int16_t mau = 1;
+  int32_t bank = -1;
+
+  constexpr AddressValue() = default;
+  /// `bits` and `mau` are cut to 16 bits, as at the boundary of the library.
+  constexpr AddressValue(int64_t value_, int64_t bits_, int32_t mau_, int32_t bank_ = -1)
+      : value(value_), bits(static_cast<int16_t>(bits_)), mau(static_cast<int16_t>(mau_)),
+        bank(bank_)
+  {
+  }
+
+  explicit AddressValue(const tdm_addressvalue &record)
+      : AddressValue(record.value, record.bits, record.mau, record.bank)
+  {
+  }
+  [[nodiscard]] tdm_addressvalue to_record() const { return {value, bits, mau, bank}; }
+
+  /// Of all four fields; never throws.
+  friend bool operator==(const AddressValue &, const AddressValue &) = default;
+
+  /// By bank, value and bits. MauException if the MAUs differ.
+  friend bool operator<(const AddressValue &a, const AddressValue &b)
+  {
+    require_same_mau(a, b);
+    if (a.bank != b.bank) return a.bank < b.bank;
+    return a.value != b.value ? a.value < b.value : a.bits < b.bits;
+  }
+  friend bool operator>(const AddressValue &a, const AddressValue &b) { return b < a; }
+  friend bool operator<=(const AddressValue &a, const AddressValue &b) { return !(b < a); }
+  friend bool operator>=(const AddressValue &a, const AddressValue &b) { return !(a < b); }
+
+  /// The bits carry into the value; the bank is that of `a`. MauException if the MAUs differ.
+  friend AddressValue operator+(const AddressValue &a, const AddressValue &b)
+  {
+    require_same_mau(a, b);
+    if (a.mau < 1) throw_mau_exception();
+    const int bits = a.bits + b.bits;
+    return {tdm::wrap_add(tdm::wrap_add(a.value, b.value), int64_t{bits / a.mau}), bits % a.mau,
+            a.mau, a.bank};
+  }
+
+  /// The bits borrow from the value; the bank stays. MauException if the MAUs differ.
+  AddressValue &operator-=(const AddressValue &b)
+  {
+    require_same_mau(*this, b);
+    const bool borrow = bits < b.bits;
+    value = tdm::wrap_sub(tdm::wrap_sub(value, b.value), int64_t{borrow});
+    bits = static_cast<int16_t>(bits - b.bits + (borrow ? mau : 0));
+    return *this;
+  }
+
+  /// The same position, or size, counted in another unit: the only place that converts between
+  /// units. It never forms the bit address, so that the result is exact whenever it fits; numbers
+  /// below 0 round towards 0, with the rest in negative bits.
+  [[nodiscard]] AddressValue in_mau(int16_t unit) const
+  {
+    if (unit == mau) return *this;
+    if (unit < 1) throw_mau_exception();
+    const int64_t whole = value / unit;
+    // |value % unit| and |mau| are at most 2^15, so this product is small.
+    const int64_t rest = value % unit * mau + bits;
+    return {tdm::wrap_add(tdm::wrap_mul(whole, int64_t{mau}), rest / unit), rest % unit, unit,
+            bank};
+  }
+
+  static void require_same_mau(const AddressValue &a, const AddressValue &b)
+  {
+    if (a.mau != b.mau) throw_mau_exception();
+  }
+
+private:
+  [[noreturn]] static void throw_mau_exception();
+};

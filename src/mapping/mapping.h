@@ -1,0 +1,118 @@
+// The edge of the mapping graph: a span of a source's addresses that shows up at a span of a
+// destination's, over some of the data lines of each.
+//
+// A mapping is made with the end that defines it; the other end is set once its name is resolved,
+// and then the two intervals are computed that translations work with (translation.h). Until then
+// no translation crosses it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "common/tdm_object.h"
+#include "mapping/interval.h"
+#include "mapping/map_graph.h"
+
+namespace tdm
+{
+
+class MappingIndex;
+enum class Direction : uint8_t;
+
+/// A run of data lines, both numbers included.
+struct DataLines {
+  int32_t low = 0;
+  int32_t high = 0;
+
+  [[nodiscard]] int64_t count() const { return int64_t{high} - low + 1; }
+};
+
+/// A `map` entry in plain numbers, named as they are written, seen from the defining object.
+struct MapEntry {
+  std::optional<DataLines> src_dbits;
+  int64_t src_offset = 0;
+  std::optional<DataLines> dest_dbits;
+  int64_t dest_offset = 0;
+  int64_t size = 0; ///< in MAUs of the defining object
+  int32_t bank = -1;
+  int32_t dest_bank = -1;
+  bool reserved = false;
+  int32_t priority = 0;       ///< whole number
+  int32_t exec_priority = -1; ///< whole number; below 0: as the priority
+};
+
+} // namespace tdm
+
+struct TDMMapping : TDMObject {
+  /// The defining object is the source: a map of a space, or of a bus of a template.
+  [[nodiscard]] static std::unique_ptr<TDMMapping>
+  forward(const tdm::MapEntry &entry, TDMMapSource &source, const tdm::MapEnd &end);
+  /// The defining object is the destination: a map of a memory or of a global bus. The entry's
+  /// destination is the model's source, priorities count negative, and the size is rescaled when
+  /// the source is known.
+  [[nodiscard]] static std::unique_ptr<TDMMapping>
+  reversed(const tdm::MapEntry &entry, TDMMapDestination &destination, const tdm::MapEnd &end);
+
+  ~TDMMapping();
+  TDMMapping(const TDMMapping &) = delete;
+  TDMMapping &operator=(const TDMMapping &) = delete;
+
+  /// Completes a forward mapping and adds it to the destination. TDMUnexpectedErrorException if
+  /// there is one; MauException and PatternOverflowException if the ends don't fit a translation.
+  void set_destination(TDMMapDestination &object, const tdm::MapEnd &end);
+  /// Completes a reversed mapping and adds it to the source; failures as above.
+  void set_source(TDMMapSource &object, const tdm::MapEnd &end);
+
+  /// Whether both ends are set and the intervals computed.
+  [[nodiscard]] bool is_complete() const { return complete_; }
+
+  [[nodiscard]] TDMMapSource *source() const { return source_; }
+  [[nodiscard]] TDMMapDestination *destination() const { return destination_; }
+  [[nodiscard]] tdm::NodeKind source_kind() const { return source_end_.kind; }
+  [[nodiscard]] tdm::NodeKind destination_kind() const { return destination_end_.kind; }
+  /// The source as what mappings reach, and the destination as what mappings leave: the next node
+  /// of a walk, or null where it ends.
+  [[nodiscard]] TDMMapDestination *source_as_destination() const { return source_onward_; }
+  [[nodiscard]] TDMMapSource *destination_as_source() const { return destination_onward_; }
+
+  [[nodiscard]] const Interval &source_interval() const { return source_interval_; }
+  [[nodiscard]] const Interval &destination_interval() const { return destination_interval_; }
+
+  tdm::DataLines dest_dbits;
+  int64_t dest_offset = 0; ///< MAUs of the destination
+  int64_t size = 0;        ///< MAUs of the source, once complete
+  tdm::DataLines src_dbits;
+  int64_t src_offset = 0; ///< MAUs of the source
+  int32_t bank = -1;      ///< the only bank of the source that it serves, -1 for any
+  int32_t dest_bank = -1; ///< the bank that it selects at the destination, -1 for none
+  bool reserved = false;
+  int32_t priority = 0;      ///< what a route forward adds, 16 fractional bits
+  int32_t exec_priority = 0; ///< the same for execution
+  std::optional<std::string> name;
+
+private:
+  friend class tdm::MappingIndex;
+
+  TDMMapping(const tdm::MapEntry &entry, int32_t sign);
+
+  void store_source(TDMMapSource &object, const tdm::MapEnd &end);
+  void store_destination(TDMMapDestination &object, const tdm::MapEnd &end);
+  void rescale_size();
+  void compute_intervals();
+
+  TDMMapSource *source_ = nullptr;
+  TDMMapDestination *destination_ = nullptr;
+  TDMMapDestination *source_onward_ = nullptr;
+  TDMMapSource *destination_onward_ = nullptr;
+  tdm::MapEnd source_end_{};
+  tdm::MapEnd destination_end_{};
+  bool complete_ = false;
+  Interval source_interval_;
+  Interval destination_interval_;
+
+  // The first mapping of a long list keeps the index of that list: nodes have no place for it.
+  mutable std::unique_ptr<const tdm::MappingIndex> outgoing_index_;
+  mutable std::unique_ptr<const tdm::MappingIndex> incoming_index_;
+};
