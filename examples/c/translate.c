@@ -1,7 +1,10 @@
+/* Reads a description and asks which memories an address of core 0 reaches. Run it from the root
+ * of the project; relative names are found through the directories of the second array. */
 #include <stdio.h>
 #include <tdm_c/tdm.h>
 
-int main(void) {
+int main(void)
+{
   const char *file = "examples/rp2040/rp2040.tdm", *dir = ".";
   tdm_arr files = {sizeof file, 1, 1, &file}, dirs = {sizeof dir, 1, 1, &dir}, *found;
   tdm_init(NULL);
