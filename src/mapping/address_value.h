@@ -60,8 +60,8 @@ struct AddressValue {
   {
     require_same_mau(a, b);
     if (a.mau < 1) throw_mau_exception();
-    const int bits = a.bits + b.bits;
-    return {tdm::wrap_add(tdm::wrap_add(a.value, b.value), int64_t{bits / a.mau}), bits % a.mau,
+    const int sum = a.bits + b.bits;
+    return {tdm::wrap_add(tdm::wrap_add(a.value, b.value), int64_t{sum / a.mau}), sum % a.mau,
             a.mau, a.bank};
   }
 

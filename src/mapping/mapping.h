@@ -19,7 +19,6 @@ namespace tdm
 {
 
 class MappingIndex;
-enum class Direction : uint8_t;
 
 /// A run of data lines, both numbers included.
 struct DataLines {

@@ -1,0 +1,132 @@
+// Building the edges of the mapping graph, and the intervals that translations work with.
+#include "mapping/mapping.h"
+
+#include "common/failures.h"
+#include "mapping/mapping_index.h"
+
+namespace
+{
+
+/// The lines of an end as a mask over its width; lines beyond the width don't exist.
+Interval::Pattern line_pattern(const tdm::DataLines &lines, int32_t width)
+{
+  using Pattern = Interval::Pattern;
+  Pattern pattern(width, 0);
+  // A run of more than 64 lines has no mask, wherever it lies.
+  if (lines.count() > Pattern::max_width) return {lines.count(), 0};
+  if (lines.high < 0 || lines.low >= width) return pattern;
+  const uint64_t up_to_high = Pattern::mask(int64_t{lines.high} + 1);
+  const uint64_t below_low = Pattern::mask(lines.low < 0 ? 0 : lines.low);
+  return {width, up_to_high & ~below_low};
+}
+
+/// 0 and 0 at the end that an entry names stand for all lines.
+void default_lines(tdm::DataLines &lines, const tdm::MapEnd &end)
+{
+  if (lines.low == 0 && lines.high == 0) lines.high = tdm::wrap_sub(end.width, 1);
+}
+
+tdm::DataLines all_lines(const tdm::MapEnd &end)
+{
+  return {0, tdm::wrap_sub(end.width, 1)};
+}
+
+} // namespace
+
+TDMMapping::TDMMapping(const tdm::MapEntry &entry, int32_t sign)
+    : size(entry.size), bank(entry.bank), dest_bank(entry.dest_bank), reserved(entry.reserved),
+      priority(tdm::wrap_mul(tdm::wrap_mul(entry.priority, Interval::priority_one), sign)),
+      exec_priority(
+          entry.exec_priority < 0
+              ? priority
+              : tdm::wrap_mul(tdm::wrap_mul(entry.exec_priority, Interval::priority_one), sign))
+{
+}
+
+TDMMapping::~TDMMapping() = default;
+
+std::unique_ptr<TDMMapping> TDMMapping::forward(const tdm::MapEntry &entry, TDMMapSource &source,
+                                                const tdm::MapEnd &end)
+{
+  std::unique_ptr<TDMMapping> mapping(new TDMMapping(entry, 1));
+  mapping->store_source(source, end);
+  mapping->src_dbits = entry.src_dbits.value_or(all_lines(end));
+  mapping->src_offset = entry.src_offset;
+  mapping->dest_dbits = entry.dest_dbits.value_or(tdm::DataLines{});
+  mapping->dest_offset = entry.dest_offset;
+  return mapping;
+}
+
+std::unique_ptr<TDMMapping> TDMMapping::reversed(const tdm::MapEntry &entry,
+                                                 TDMMapDestination &destination,
+                                                 const tdm::MapEnd &end)
+{
+  std::unique_ptr<TDMMapping> mapping(new TDMMapping(entry, -1));
+  mapping->store_destination(destination, end);
+  mapping->dest_dbits = entry.src_dbits.value_or(all_lines(end));
+  mapping->dest_offset = entry.src_offset;
+  mapping->src_dbits = entry.dest_dbits.value_or(tdm::DataLines{});
+  mapping->src_offset = entry.dest_offset;
+  return mapping;
+}
+
+void TDMMapping::store_source(TDMMapSource &object, const tdm::MapEnd &end)
+{
+  source_ = &object;
+  source_end_ = end;
+  source_onward_ = dynamic_cast<TDMMapDestination *>(&object);
+}
+
+void TDMMapping::store_destination(TDMMapDestination &object, const tdm::MapEnd &end)
+{
+  destination_ = &object;
+  destination_end_ = end;
+  destination_onward_ = dynamic_cast<TDMMapSource *>(&object);
+}
+
+void TDMMapping::set_destination(TDMMapDestination &object, const tdm::MapEnd &end)
+{
+  if (destination_ != nullptr)
+    throw new TDMUnexpectedErrorException(location_or("map"),
+                                          "trying to set the destination of a mapping twice");
+  store_destination(object, end);
+  object.add_incoming_mapping(this);
+  default_lines(dest_dbits, end);
+  compute_intervals();
+}
+
+void TDMMapping::set_source(TDMMapSource &object, const tdm::MapEnd &end)
+{
+  if (source_ != nullptr)
+    throw new TDMUnexpectedErrorException(location_or("map"),
+                                          "trying to set the source of a mapping twice");
+  store_source(object, end);
+  rescale_size();
+  default_lines(src_dbits, end);
+  object.add_outgoing_mapping(this);
+  compute_intervals();
+}
+
+/// From MAUs of the destination to MAUs of the source, rounded down.
+void TDMMapping::rescale_size()
+{
+  const int64_t from = destination_->get_mau_size();
+  const int64_t to = source_->get_mau_size();
+  if (to < 1) throw new AddressValue::MauException;
+  // The remainder and both units are below 2^31, so that only a result that is too big wraps.
+  size = tdm::wrap_add(tdm::wrap_mul(size / to, from), size % to * from / to);
+}
+
+void TDMMapping::compute_intervals()
+{
+  const Interval::Pattern source_lines = line_pattern(src_dbits, source_end_.width);
+  const Interval::Pattern destination_lines = line_pattern(dest_dbits, destination_end_.width);
+  const AddressValue source_low(src_offset, 0, source_->get_mau_size(), bank);
+  const AddressValue source_size(size, 0, source_low.mau);
+  const AddressValue destination_low(dest_offset, 0, destination_->get_mau_size(), dest_bank);
+  source_interval_ = Interval(source_low, source_low + source_size, source_lines);
+  destination_interval_ =
+      Interval(destination_low, destination_low + source_size.in_mau(destination_low.mau),
+               destination_lines);
+  complete_ = true;
+}
