@@ -1,0 +1,48 @@
+// What a caller asks a processor.
+#include "interface/guard.h"
+#include "interface/tdm.h"
+#include "interface/values.h"
+#include "model/processor.h"
+
+using tdm::guarded;
+using tdm::guarded_array;
+
+const char *tdm_processor_get_name(const tdm_processor *processor)
+{
+  return guarded([&] { return tdm::pooled(processor->name); });
+}
+
+const char *tdm_processor_get_derivative_name(const tdm_processor *processor)
+{
+  return guarded([&] { return tdm::pooled(processor->derivative_name); });
+}
+
+tdm_source_location *tdm_processor_get_source_location(const tdm_processor *processor)
+{
+  return tdm::handle(processor->location("name"));
+}
+
+tdm_arr *tdm_processor_get_cores(const tdm_processor *processor)
+{
+  return guarded_array<void *>([&] { return tdm::array_of_pointers(processor->cores); });
+}
+
+tdm_core *tdm_processor_get_core(const tdm_processor *processor, const char *name)
+{
+  return guarded([&] { return name != nullptr ? processor->find_core(name) : nullptr; });
+}
+
+tdm_arr *tdm_processor_get_memories(const tdm_processor *processor)
+{
+  return guarded_array<void *>([&] { return tdm::array_of_pointers(processor->memories); });
+}
+
+tdm_memory *tdm_processor_get_memory(const tdm_processor *processor, const char *full_name)
+{
+  return guarded([&]() -> tdm_memory * {
+    if (full_name == nullptr) return nullptr;
+    for (const auto &memory : processor->memories)
+      if (memory->full_name() == full_name) return memory.get();
+    return nullptr;
+  });
+}

@@ -1,0 +1,50 @@
+// Pins the records that cross the interface: a client that was built against an older header reads
+// them at the same places.
+#include <cstddef>
+
+#include "common/tdm_types.h"
+#include "interface/tdm_inspect.h"
+
+namespace {
+
+constexpr size_t pointer = sizeof(void *);
+static_assert(pointer == 8, "the records are laid out for pointers of 64 bits");
+
+static_assert(sizeof(tdm_arr) == 24 && offsetof(tdm_arr, element_size) == 0 &&
+              offsetof(tdm_arr, capacity) == 4 && offsetof(tdm_arr, count) == 8 &&
+              offsetof(tdm_arr, items) == 16);
+
+static_assert(sizeof(tdm_srcpos) == 24 && offsetof(tdm_srcpos, file) == 0 &&
+              offsetof(tdm_srcpos, line) == 8 && offsetof(tdm_srcpos, column) == 12 &&
+              offsetof(tdm_srcpos, pragmas) == 16);
+
+static_assert(sizeof(tdm_message) == 48 && offsetof(tdm_message, number) == 0 &&
+              offsetof(tdm_message, position) == 8 && offsetof(tdm_message, text) == 32 &&
+              offsetof(tdm_message, note) == 40);
+
+static_assert(sizeof(tdm_addressvalue) == 24 && offsetof(tdm_addressvalue, value) == 0 &&
+              offsetof(tdm_addressvalue, bits) == 8 && offsetof(tdm_addressvalue, mau) == 12 &&
+              offsetof(tdm_addressvalue, bank) == 16);
+
+static_assert(sizeof(tdm_interval) == 72 && offsetof(tdm_interval, low) == 0 &&
+              offsetof(tdm_interval, high) == 24 && offsetof(tdm_interval, width) == 48 &&
+              offsetof(tdm_interval, bits) == 56 && offsetof(tdm_interval, priority) == 64 &&
+              offsetof(tdm_interval, exec_priority) == 68);
+
+static_assert(sizeof(tdm_map_interval_result) == 88 &&
+              offsetof(tdm_map_interval_result, object) == 0 &&
+              offsetof(tdm_map_interval_result, interval) == 8 &&
+              offsetof(tdm_map_interval_result, reserved) == 80);
+
+static_assert(sizeof(tdm_map_address_result) == 40 &&
+              offsetof(tdm_map_address_result, object) == 0 &&
+              offsetof(tdm_map_address_result, address) == 8 &&
+              offsetof(tdm_map_address_result, reserved) == 32);
+
+static_assert(sizeof(tdm_inspect_message) == 48 && offsetof(tdm_inspect_message, letter) == 0 &&
+              offsetof(tdm_inspect_message, number) == 4 &&
+              offsetof(tdm_inspect_message, position) == 8 &&
+              offsetof(tdm_inspect_message, text) == 32 &&
+              offsetof(tdm_inspect_message, note) == 40);
+
+} // namespace

@@ -1,0 +1,107 @@
+// The ten translations: what is given is checked and converted, the mapping engine walks, and each
+// route becomes a record of the result.
+#include "mapping/walk.h"
+
+#include "interface/guard.h"
+#include "interface/tdm.h"
+#include "interface/values.h"
+#include "model/memory.h"
+#include "model/space.h"
+
+namespace {
+
+// What a value looks like when it comes back. Memories and their role as a destination have one
+// address, so the routes to memories need no conversion of their own.
+template <class Given> struct Result;
+template <> struct Result<tdm_addressvalue> {
+  using Record = tdm_map_address_result;
+};
+template <> struct Result<tdm_interval> {
+  using Record = tdm_map_interval_result;
+};
+
+/// Hands the value, meant in the node, to the walk, and its routes to the caller.
+template <class Node, class Given, class Walk>
+int translate(const Node &node, const Given &given, tdm_arr **results, Walk walk)
+{
+  using Record = typename Result<Given>::Record;
+  *results = tdm::guarded_array<Record>([&] {
+    return tdm::array_of(walk(node, tdm::imported(given, node.mau_size)), [](const auto &route) {
+      return Record{route.object, route.value.to_record(), route.reserved ? 1 : 0};
+    });
+  });
+  return *results != nullptr && (*results)->count > 0 ? 1 : 0;
+}
+
+template <class Value> auto back_to_bus(const TDMMemory &memory, const Value &value)
+{
+  return tdm::map_back_to(tdm::NodeKind::bus, memory, value);
+}
+
+template <class Value> auto back_to_space(const TDMMemory &memory, const Value &value)
+{
+  return tdm::map_back_to(tdm::NodeKind::space, memory, value);
+}
+
+} // namespace
+
+int tdm_space_map_interval_forward(const tdm_space *space, const tdm_interval *interval,
+                                   tdm_arr **results)
+{
+  return translate(*space, *interval, results, tdm::map_forward<Interval>);
+}
+
+int tdm_space_map_addressvalue_forward(const tdm_space *space, const tdm_addressvalue *address,
+                                       tdm_arr **results)
+{
+  return translate(*space, *address, results, tdm::map_forward<AddressValue>);
+}
+
+int tdm_space_map_interval_forward_to_memory(const tdm_space *space, const tdm_interval *interval,
+                                             tdm_arr **results)
+{
+  return translate(*space, *interval, results, tdm::map_to_memory<Interval>);
+}
+
+int tdm_space_map_addressvalue_forward_to_memory(const tdm_space *space,
+                                                 const tdm_addressvalue *address, tdm_arr **results)
+{
+  return translate(*space, *address, results, tdm::map_to_memory<AddressValue>);
+}
+
+int tdm_memory_map_interval_backward(const tdm_memory *memory, const tdm_interval *interval,
+                                     tdm_arr **results)
+{
+  return translate(*memory, *interval, results, tdm::map_backward<Interval>);
+}
+
+int tdm_memory_map_addressvalue_backward(const tdm_memory *memory, const tdm_addressvalue *address,
+                                         tdm_arr **results)
+{
+  return translate(*memory, *address, results, tdm::map_backward<AddressValue>);
+}
+
+int tdm_memory_map_interval_backward_to_bus(const tdm_memory *memory, const tdm_interval *interval,
+                                            tdm_arr **results)
+{
+  return translate(*memory, *interval, results, back_to_bus<Interval>);
+}
+
+int tdm_memory_map_addressvalue_backward_to_bus(const tdm_memory *memory,
+                                                const tdm_addressvalue *address, tdm_arr **results)
+{
+  return translate(*memory, *address, results, back_to_bus<AddressValue>);
+}
+
+int tdm_memory_map_interval_backward_to_space(const tdm_memory *memory,
+                                              const tdm_interval *interval, tdm_arr **results)
+{
+  return translate(*memory, *interval, results, back_to_space<Interval>);
+}
+
+int tdm_memory_map_addressvalue_backward_to_space(const tdm_memory *memory,
+                                                  const tdm_addressvalue *address,
+                                                  tdm_arr **results)
+{
+  return translate(*memory, *address, results, back_to_space<AddressValue>);
+}

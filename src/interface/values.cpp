@@ -1,0 +1,104 @@
+#include "interface/values.h"
+
+#include <cstdlib>
+#include <new>
+
+#include "common/failures.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+constexpr uint32_t first_capacity = 32;
+
+tdm_arr *allocate(size_t element_size, uint32_t capacity) noexcept
+{
+  auto *arr = static_cast<tdm_arr *>(std::calloc(1, sizeof(tdm_arr)));
+  void *items = std::calloc(capacity, element_size);
+  if (arr == nullptr || items == nullptr) {
+    std::free(arr);
+    std::free(items);
+    return nullptr;
+  }
+  *arr = {static_cast<uint32_t>(element_size), capacity, 0, items};
+  return arr;
+}
+
+void require_mau(int32_t given, int expected)
+{
+  if (given != expected)
+    throw new TDMFileException("address given in MAUs of " + std::to_string(given) +
+                               " bits, expected " + std::to_string(expected));
+}
+
+} // namespace
+
+void ArrayDelete::operator()(tdm_arr *arr) const
+{
+  std::free(arr->items);
+  std::free(arr);
+}
+
+Array new_array(size_t element_size, size_t expected)
+{
+  uint32_t capacity = first_capacity;
+  while (capacity < expected) {
+    if (capacity > UINT32_MAX / 2) throw std::bad_alloc();
+    capacity *= 2;
+  }
+  Array arr(allocate(element_size, capacity));
+  if (arr == nullptr) throw std::bad_alloc();
+  return arr;
+}
+
+tdm_arr *empty_array(size_t element_size) noexcept
+{
+  return allocate(element_size, first_capacity);
+}
+
+std::vector<std::string> texts_of(const tdm_arr *arr)
+{
+  std::vector<std::string> texts;
+  if (arr == nullptr) return texts;
+  const auto *items = static_cast<const char *const *>(arr->items);
+  for (uint32_t i = 0; i < arr->count; ++i)
+    if (items[i] != nullptr) texts.emplace_back(items[i]);
+  return texts;
+}
+
+const char *pooled(const char *text)
+{
+  if (!string_pool_started()) throw new TDMFileException("tdm_init has not been called");
+  return intern(text);
+}
+
+const char *pooled(const std::string &text)
+{
+  return pooled(text.c_str());
+}
+
+const char *pooled(const std::string *text)
+{
+  return text != nullptr ? pooled(*text) : nullptr;
+}
+
+const char *pooled(const std::optional<std::string> &text)
+{
+  return text.has_value() ? pooled(*text) : nullptr;
+}
+
+AddressValue imported(const tdm_addressvalue &address, int mau_size)
+{
+  require_mau(address.mau, mau_size);
+  return AddressValue(address);
+}
+
+Interval imported(const tdm_interval &interval, int mau_size)
+{
+  require_mau(interval.low.mau, mau_size);
+  require_mau(interval.high.mau, mau_size);
+  return Interval(interval);
+}
+
+} // namespace tdm
