@@ -106,6 +106,17 @@ typedef struct tdm_map_address_result {
   int reserved; /**< 1 if a mapping on the route is reserved */
 } tdm_map_address_result;
 
+/**
+ * What the conditions of a layout may ask the caller during a walk. Either entry may be null, which
+ * answers no. The name is valid during the call.
+ */
+typedef struct tdm_expression_callbacks {
+  /** Whether the caller has a section of that name, for `exists`; any number but 0 is yes. */
+  int (*section_exists)(const char *name, void *user);
+  /** Whether the caller has a definition of that symbol, for `defined`. */
+  int (*symbol_defined)(const char *name, void *user);
+} tdm_expression_callbacks;
+
 /** What tdm_memory_get_type() gives. */
 enum tdm_memory_type {
   TDM_MEMORY_RAM = 1,
@@ -118,7 +129,11 @@ enum tdm_memory_type {
 enum tdm_locate_direction { TDM_LOW_TO_HIGH = 0, TDM_HIGH_TO_LOW = 1 };
 
 /** The elements of tdm_core_get_endianness(). */
-enum tdm_endianness { TDM_ENDIANNESS_NOT_SET = 0, TDM_ENDIANNESS_BIG = 1, TDM_ENDIANNESS_LITTLE = 2 };
+enum tdm_endianness {
+  TDM_ENDIANNESS_NOT_SET = 0,
+  TDM_ENDIANNESS_BIG = 1,
+  TDM_ENDIANNESS_LITTLE = 2
+};
 
 #ifdef __cplusplus
 }

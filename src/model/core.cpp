@@ -1,0 +1,273 @@
+// Instantiates the architecture of a core, and checks the core once its processor stands.
+#include "model/core.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "language/records.h"
+#include "layout/record_values.h"
+#include "model/buses_in_reach.h"
+#include "model/core_space_lookup.h"
+#include "model/templates.h"
+
+namespace tdm {
+
+namespace {
+
+using ArchitectureLevel = ChainLevel<TDMFileArchitecture>;
+using ArchitectureChain = std::vector<ArchitectureLevel>;
+
+/// Builds the objects of a core from its chain of architectures. The first pass creates, and the
+/// second wires by name once everything that a `map` entry may name exists.
+class ArchitectureInstance {
+public:
+  ArchitectureInstance(TDMCore &core, const Templates &templates)
+      : core_(core), templates_(templates)
+  {
+  }
+
+  void create(const TDMFileArchitecture &first,
+              const std::vector<std::unique_ptr<TDMFileExpression>> &arguments)
+  {
+    const TDMFileArchitecture *record = &first;
+    std::vector<std::unique_ptr<TDMFileExpression>> passed_on;
+    const auto *bound = &arguments;
+    while (record != nullptr) {
+      ArchitectureLevel level = bind(*record, *bound);
+      create_objects(*record, level.scope);
+      merge_endianness(*record);
+      if (record->base) passed_on = substitute_arguments(*record, level.scope);
+      bound = &passed_on;
+      const TDMFileArchitecture *base = find_base(*record);
+      chain_.push_back(std::move(level));
+      record = base;
+    }
+  }
+
+  void resolve()
+  {
+    size_t next_bus = 0;
+    size_t next_space = 0;
+    BusesInReach reach;
+    reach.add(core_.buses);
+    for (const ArchitectureLevel &level : chain_) {
+      for (const auto &bus : level.record->buses)
+        core_.buses[next_bus++]->resolve_mappings(*bus, TDMBus::Form::forward, reach,
+                                                  core_.processor_name, &core_.name, level.scope);
+      for (const auto &space : level.record->spaces)
+        core_.spaces[next_space++]->resolve_mappings(core_, reach, *space);
+    }
+  }
+
+private:
+  ArchitectureLevel bind(const TDMFileArchitecture &record,
+                         const std::vector<std::unique_ptr<TDMFileExpression>> &arguments)
+  {
+    if (!visited_.insert(*record.name).second)
+      throw new TDMSyntaxException(place_of(record, "name"), "architecture " + *record.name +
+                                                                 " used as recursive base in " +
+                                                                 listed(visited_));
+    ArchitectureLevel level{&record, {}};
+    try {
+      level.scope.bind(record.parameters, arguments);
+    } catch (TDMArgumentsException *failure) {
+      const std::string text = failure->text();
+      delete failure;
+      throw new TDMSyntaxException(place_of(record, "name"), "cannot instantiate architecture \"" +
+                                                                 *record.name + "\" for core \"" +
+                                                                 core_.full_name() + "\": " + text);
+    }
+    return level;
+  }
+
+  void create_objects(const TDMFileArchitecture &record, const ArgumentScope &scope)
+  {
+    for (const auto &bus_record : record.buses) {
+      auto bus = std::make_unique<TDMBus>(*bus_record, TDMBus::Form::forward, scope);
+      bus->core_name = &core_.name;
+      bus->processor_name = core_.processor_name;
+      core_.buses.push_back(std::move(bus));
+    }
+    for (const auto &space_record : record.spaces)
+      core_.add_space(std::make_unique<TDMAllocSpace>(*space_record, core_, scope));
+  }
+
+  /// A core may narrow what its architecture offers, and a base must offer all that is left.
+  void merge_endianness(const TDMFileArchitecture &record)
+  {
+    if (core_.endianness.empty()) {
+      core_.endianness = record.endianness;
+      return;
+    }
+    for (const int32_t value : core_.endianness)
+      if (std::find(record.endianness.begin(), record.endianness.end(), value) ==
+          record.endianness.end())
+        throw new TDMSyntaxException(place_of(record, "name"),
+                                     "supported endiannesses not all declared for parent");
+  }
+
+  static std::vector<std::unique_ptr<TDMFileExpression>>
+  substitute_arguments(const TDMFileArchitecture &record, const ArgumentScope &scope)
+  {
+    return scope.substitute(record.baseArguments, place_of(record, "base"));
+  }
+
+  const TDMFileArchitecture *find_base(const TDMFileArchitecture &record) const
+  {
+    if (!record.base) return nullptr;
+    const TDMFileArchitecture *base = templates_.architecture(*record.base);
+    if (base == nullptr)
+      throw new TDMSyntaxException(place_of(record, "name"), "base architecture " + *record.base +
+                                                                 " not found for architecture " +
+                                                                 *record.name);
+    return base;
+  }
+
+  TDMCore &core_;
+  const Templates &templates_;
+  std::set<std::string> visited_;
+  ArchitectureChain chain_;
+};
+
+} // namespace
+
+TDMSpace *CoreSpaceLookup::find(const std::string &name) const
+{
+  return core_.find_space(name);
+}
+
+TDMSpace *CoreSpaceLookup::resolve(const TDMFileCopySubTableSpace &reference) const
+{
+  if (reference.cpuName)
+    throw new TDMSyntaxException(place_of(reference, "cpuName"),
+                                 "processor name not allowed in space reference");
+  if (reference.coreName)
+    throw new TDMSyntaxException(place_of(reference, "coreName"),
+                                 "core name not allowed in space reference");
+  return core_.find_space(reference.spaceName.value_or(""));
+}
+
+} // namespace tdm
+
+TDMCore::TDMCore(const TDMFileCore &record, const std::string &processor,
+                 const tdm::Templates &templates, const tdm::ArgumentScope &scope)
+    : TDMObject{record.sourceLocations}, name(record.name.value_or("")),
+      architecture_name(record.archName.value_or("")), processor_name(&processor),
+      endianness(record.endianness), space_id_offset(record.spaceIdOffset)
+{
+  const TDMFileArchitecture *architecture = templates.architecture(architecture_name);
+  if (architecture == nullptr)
+    throw new TDMSyntaxException(tdm::place_of(record, "name"), "parent architecture " +
+                                                                    architecture_name +
+                                                                    " not found for core " + name);
+  const auto arguments = scope.substitute(record.arguments, tdm::place_of(record, "archName"));
+  tdm::ArchitectureInstance instance(*this, templates);
+  instance.create(*architecture, arguments);
+  instance.resolve();
+}
+
+TDMCore::~TDMCore() = default;
+
+std::string TDMCore::full_name() const
+{
+  return *processor_name + ":" + name;
+}
+
+void TDMCore::add_space(std::unique_ptr<TDMSpace> space)
+{
+  by_full_name_.emplace(space->full_name(), spaces.size());
+  by_plain_name_.emplace(space->name, spaces.size());
+  spaces.push_back(std::move(space));
+}
+
+TDMSpace *TDMCore::find_space(const std::string &wanted) const
+{
+  const auto full = by_full_name_.find(wanted);
+  const auto plain = by_plain_name_.find(wanted);
+  size_t place = spaces.size();
+  if (full != by_full_name_.end()) place = full->second;
+  if (plain != by_plain_name_.end()) place = std::min(place, plain->second);
+  return place < spaces.size() ? spaces[place].get() : nullptr;
+}
+
+TDMSpace *TDMCore::find_space_by_id(int64_t id) const
+{
+  for (const auto &space : spaces)
+    if (space->id == id) return space.get();
+  return nullptr;
+}
+
+TDMSpace *TDMCore::find_space_by_full_name(const std::string &full_name) const
+{
+  const auto found = by_full_name_.find(full_name);
+  return found != by_full_name_.end() ? spaces[found->second].get() : nullptr;
+}
+
+TDMSpace *TDMCore::find_space_by_plain_name(const std::string &plain_name) const
+{
+  const auto found = by_plain_name_.find(plain_name);
+  return found != by_plain_name_.end() ? spaces[found->second].get() : nullptr;
+}
+
+void TDMCore::check()
+{
+  const TDMSourceLocation at_name = location_or("name");
+  if (buses.empty()) throw new TDMSyntaxException(at_name, "core " + full_name() + " has no buses");
+  if (spaces.empty())
+    throw new TDMSyntaxException(at_name, "core " + full_name() + " has no spaces");
+  check_names();
+  for (const auto &space : spaces) space->check_mappings();
+  if (!imported) add_space(std::make_unique<TDMVoidSpace>("non alloc", 0, 8));
+  for (const auto &space : spaces)
+    if (space->start_address != nullptr)
+      set_start_address(*space, space->location_or("start_address"));
+  for (const auto &space : spaces)
+    if (space->copy_table != nullptr) set_copy_table_space(*space, space->location_or("table"));
+}
+
+void TDMCore::check_names() const
+{
+  std::unordered_set<std::string> space_names;
+  std::unordered_set<std::string> stack_names;
+  std::unordered_set<std::string> heap_names;
+  for (const auto &space : spaces) {
+    if (!space_names.insert(space->full_name()).second)
+      throw new TDMSyntaxException(space->location_or("name"),
+                                   "space " + space->full_name() +
+                                       " defined more than once in core " + full_name());
+    for (const auto &stack : space->stacks)
+      if (!stack_names.insert(stack->name).second)
+        throw new TDMSyntaxException(stack->location_or("name"),
+                                     "stack " + stack->name + " defined more than once in core " +
+                                         full_name());
+    for (const auto &heap : space->heaps)
+      if (!heap_names.insert(heap->name).second)
+        throw new TDMSyntaxException(heap->location_or("name"),
+                                     "heap " + heap->name + " defined more than once in core " +
+                                         full_name());
+  }
+  std::unordered_set<std::string> bus_names;
+  for (const auto &bus : buses)
+    if (!bus_names.insert(bus->full_name()).second)
+      throw new TDMSyntaxException(bus->location_or("name"),
+                                   "bus " + bus->full_name() + " defined more than once in core " +
+                                       full_name());
+}
+
+void TDMCore::set_start_address(TDMSpace &space, const TDMSourceLocation &place)
+{
+  if (start_address != nullptr)
+    throw new TDMSyntaxException(place, "start address for core " + full_name() +
+                                            " defined in more than one space");
+  start_address = space.start_address.get();
+  start_address_space = &space;
+}
+
+void TDMCore::set_copy_table_space(TDMSpace &space, const TDMSourceLocation &place)
+{
+  if (copytable_space == nullptr) copytable_space = &space;
+  if (copytable_space != &space)
+    throw new TDMSyntaxException(place, "copy table for " + full_name() + " refers to " +
+                                            copytable_space->full_name() +
+                                            " and defined locally in " + space.name);
+}

@@ -1,0 +1,70 @@
+// A core: one instance of an architecture in a processor, with its buses and address spaces.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "common/tdm_object.h"
+#include "model/bus.h"
+#include "model/space.h"
+
+class TDMFileCore;
+
+namespace tdm {
+class ArgumentScope;
+class Templates;
+} // namespace tdm
+
+struct TDMCore : TDMObject {
+  /// Runs both passes over the chain of architectures that the record names.
+  TDMCore(const TDMFileCore &record, const std::string &processor, const tdm::Templates &templates,
+          const tdm::ArgumentScope &scope);
+  ~TDMCore();
+  TDMCore(const TDMCore &) = delete;
+  TDMCore &operator=(const TDMCore &) = delete;
+
+  [[nodiscard]] std::string full_name() const;
+
+  /// The first space whose full name or plain name is this one, or null.
+  [[nodiscard]] TDMSpace *find_space(const std::string &name) const;
+  [[nodiscard]] TDMSpace *find_space_by_id(int64_t id) const;
+  /// The first space of exactly this full name, or of exactly this plain name, or null.
+  [[nodiscard]] TDMSpace *find_space_by_full_name(const std::string &full_name) const;
+  [[nodiscard]] TDMSpace *find_space_by_plain_name(const std::string &plain_name) const;
+
+  /// Appends a space; its names must be final.
+  void add_space(std::unique_ptr<TDMSpace> space);
+
+  /// The checks that close a core once its processor stands; adds the placeholder space and takes
+  /// start address and copy table over from the spaces.
+  void check();
+
+  /// Keeps the start address of one of the spaces as that of the core; a second one is refused.
+  void set_start_address(TDMSpace &space, const TDMSourceLocation &place);
+  /// Makes the space of a copy table that of the core, unless the core refers to another.
+  void set_copy_table_space(TDMSpace &space, const TDMSourceLocation &place);
+
+  std::string name;
+  std::string architecture_name;
+  const std::string *processor_name;
+  std::vector<int32_t> endianness; ///< enum tdm_endianness, in the order of the text
+  std::vector<std::unique_ptr<TDMBus>> buses;
+  std::vector<std::unique_ptr<TDMSpace>> spaces;
+  const TDMStartAddress *start_address = nullptr;
+  TDMSpace *start_address_space = nullptr;
+  TDMSpace *copytable_space = nullptr;
+  int32_t space_id_offset = 0;
+  bool imported = false;
+  std::vector<TDMCore *> imported_cores;
+
+private:
+  using SpaceIndex = std::unordered_map<std::string, size_t>;
+
+  void check_names() const;
+
+  SpaceIndex by_full_name_;  ///< place of the first space of that full name in `spaces`
+  SpaceIndex by_plain_name_; ///< the same for plain names
+};

@@ -1,0 +1,22 @@
+// Finds the spaces of a core for the definitions inside its architecture.
+#pragma once
+
+#include "layout/space_lookup.h"
+
+struct TDMCore;
+
+namespace tdm {
+
+/// Inside an architecture neither a processor nor a core can be named: the core at hand is meant.
+class CoreSpaceLookup final : public SpaceLookup {
+public:
+  explicit CoreSpaceLookup(const TDMCore &core) : core_(core) {}
+
+  [[nodiscard]] TDMSpace *find(const std::string &name) const override;
+  [[nodiscard]] TDMSpace *resolve(const TDMFileCopySubTableSpace &reference) const override;
+
+private:
+  const TDMCore &core_;
+};
+
+} // namespace tdm

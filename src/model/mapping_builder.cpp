@@ -1,0 +1,110 @@
+// Evaluates `map` entries into mappings. An entry is written as seen from the definition that
+// holds it, so that one entry gives a mapping of either direction.
+#include "model/mapping_builder.h"
+
+#include "language/records.h"
+#include "layout/record_values.h"
+#include "model/bus.h"
+#include "model/memory.h"
+#include "model/space.h"
+
+namespace tdm {
+
+namespace {
+
+/// Needed before all else; the name is that of the defining object as far as it is known.
+void require(const TDMFileMapping &record, const std::string &owner)
+{
+  if (record.size == nullptr)
+    throw new TDMSyntaxException(place_of(record, "map"), "no size given for mapping in " + owner);
+  if (!record.destination)
+    throw new TDMSyntaxException(place_of(record, "map"),
+                                 "no destination given for mapping in " + owner);
+}
+
+std::optional<DataLines> data_lines(const TDMFileMapping &record, LocationKey key,
+                                    const std::optional<FileRange> &range,
+                                    const ArgumentScope &scope)
+{
+  if (!range) return std::nullopt;
+  return DataLines{number32_of(record, key, *range->low, scope),
+                   number32_of(record, key, *range->high, scope)};
+}
+
+int64_t offset_or_zero(const TDMFileMapping &record, LocationKey key,
+                       const std::unique_ptr<TDMFileExpression> &offset, const ArgumentScope &scope)
+{
+  return offset != nullptr ? number_of(record, key, *offset, scope) : 0;
+}
+
+MapEntry evaluate(const TDMFileMapping &record, const ArgumentScope &scope)
+{
+  MapEntry entry;
+  entry.dest_dbits =
+      data_lines(record, "connectedDestinationLines", record.connectedDestinationLines, scope);
+  entry.dest_offset = offset_or_zero(record, "destinationOffset", record.destinationOffset, scope);
+  entry.size = number_of(record, "size", *record.size, scope);
+  entry.src_dbits = data_lines(record, "connectedSourceLines", record.connectedSourceLines, scope);
+  entry.src_offset = offset_or_zero(record, "sourceOffset", record.sourceOffset, scope);
+  entry.bank = record.bankNum;
+  entry.dest_bank = record.destinationBankNum;
+  entry.reserved = record.reserved;
+  entry.priority = record.priority;
+  entry.exec_priority = record.execPriority;
+  return entry;
+}
+
+std::string name_of(const TDMMapSource &source)
+{
+  std::string name;
+  source.get_full_name(name);
+  return name;
+}
+
+std::string name_of(const TDMMapDestination &destination)
+{
+  std::string name;
+  destination.get_full_name(name);
+  return name;
+}
+
+} // namespace
+
+MapEnd map_end(const TDMBus &bus)
+{
+  return {NodeKind::bus, bus.width};
+}
+
+MapEnd map_end(const TDMMemory &memory)
+{
+  return {NodeKind::memory, memory.mau_size};
+}
+
+MapEnd map_end(const TDMSpace &space)
+{
+  return {NodeKind::space, space.mau_size};
+}
+
+std::unique_ptr<TDMMapping> make_forward_mapping(const TDMFileMapping &record,
+                                                 const ArgumentScope &scope, TDMMapSource &source,
+                                                 const MapEnd &end)
+{
+  require(record, name_of(source));
+  auto mapping = TDMMapping::forward(evaluate(record, scope), source, end);
+  mapping->sourceLocations = record.sourceLocations;
+  mapping->name = record.name;
+  return mapping;
+}
+
+std::unique_ptr<TDMMapping> make_reversed_mapping(const TDMFileMapping &record,
+                                                  const ArgumentScope &scope,
+                                                  TDMMapDestination &destination, const MapEnd &end)
+{
+  require(record, name_of(destination));
+  auto mapping = TDMMapping::reversed(evaluate(record, scope), destination, end);
+  mapping->sourceLocations = record.sourceLocations;
+  mapping->name = record.name;
+  return mapping;
+}
+
+} // namespace tdm

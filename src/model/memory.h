@@ -1,0 +1,66 @@
+// A memory: what addresses reach in the end. Global, or of one processor.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "common/tdm_object.h"
+#include "layout/fill_spec.h"
+#include "mapping/interval.h"
+#include "mapping/map_graph.h"
+#include "mapping/mapping.h"
+
+class TDMFileMemory;
+
+namespace tdm {
+class ArgumentScope;
+class BusesInReach;
+} // namespace tdm
+
+struct TDMMemory : TDMMapDestination, TDMObject {
+  TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
+  virtual ~TDMMemory();
+  TDMMemory(const TDMMemory &) = delete;
+  TDMMemory &operator=(const TDMMemory &) = delete;
+
+  /// Finds the bus that each mapping comes from, and checks that it stays inside the memory.
+  void resolve_mappings(const TDMFileMemory &record, const tdm::BusesInReach &reach,
+                        const std::string *processor);
+
+  int get_mau_size() const override { return mau_size; }
+  void get_full_name(std::string &out) const override;
+  void add_incoming_mapping(TDMMapping *mapping) override { mappings_.push_back(mapping); }
+  const std::vector<TDMMapping *> &incoming_mappings() const override { return mappings_; }
+
+  [[nodiscard]] std::string full_name() const;
+  /// The whole memory, [0, size) in its own MAUs.
+  [[nodiscard]] Interval address_range() const;
+
+  std::string name;
+  const std::string *processor_name = nullptr; ///< null for a global memory
+  int32_t mau_size = 0;                        ///< bits
+  int64_t size = 0;                            ///< MAUs
+  int32_t priority = 1;
+  int32_t exec_priority = 1;
+  std::unique_ptr<TDMFillSpec> fill_spec; ///< null without `fill`
+  int32_t type = 0;                       ///< enum tdm_memory_type
+  bool reserved = false;
+  int32_t write_unit = 1;
+  std::optional<std::string> write_mode;
+  int32_t setup_time = 0;
+  int32_t hold_time = 0;
+  int32_t cycles = 0;
+  int32_t area = 0;
+  int32_t read_ports = 0;
+  int32_t write_ports = 0;
+  int32_t readwrite_ports = 0;
+
+private:
+  void read_ports_of(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
+
+  std::vector<TDMMapping *> mappings_;
+  std::vector<std::unique_ptr<TDMMapping>> owned_;
+};

@@ -1,0 +1,33 @@
+// Refuses memories that lie over each other on a bus.
+#pragma once
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "mapping/interval_set.h"
+#include "mapping/map_graph.h"
+
+struct TDMMemory;
+
+namespace tdm {
+
+/// Takes the memories one after the other and throws at the first that collides.
+class OverlapCheck {
+public:
+  void add(const TDMMemory &memory);
+
+private:
+  /// What is taken of one bus. The list is read only when there is a collision to explain.
+  struct Occupied {
+    IntervalSet ranges;
+    std::vector<std::pair<Interval, const TDMMemory *>> owners;
+  };
+
+  [[noreturn]] static void report(const TDMMemory &memory, const TDMMapSource &bus,
+                                  const Interval &interval, const Occupied &occupied);
+
+  std::unordered_map<const TDMMapSource *, Occupied> buses_;
+};
+
+} // namespace tdm

@@ -1,0 +1,57 @@
+// A processor: one chip as a description instantiates it, with its cores, buses and memories.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/tdm_object.h"
+#include "model/core.h"
+#include "model/memory.h"
+#include "model/name_index.h"
+
+class TDMFileCPU;
+class TDMFileDerivative;
+class TDMFileExpression;
+
+namespace tdm {
+class Templates;
+} // namespace tdm
+
+struct TDMProcessor : TDMObject {
+  /// From a `processor` definition.
+  TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates);
+  /// The default processor of a derivative, with no arguments.
+  TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates);
+  ~TDMProcessor();
+  TDMProcessor(const TDMProcessor &) = delete;
+  TDMProcessor &operator=(const TDMProcessor &) = delete;
+
+  /// The first core of that name, or null.
+  [[nodiscard]] TDMCore *find_core(const std::string &core_name) const
+  {
+    return core_index_.find(core_name);
+  }
+  /// The first memory of that full name, `<processor>:<memory>`, or null.
+  [[nodiscard]] TDMMemory *find_memory(const std::string &full_name) const
+  {
+    return memory_index_.find(full_name);
+  }
+
+  /// Refuses cores, buses and memories of one full name.
+  void check_names() const;
+
+  std::string name;
+  std::string derivative_name;
+  std::vector<std::unique_ptr<TDMCore>> cores;
+  std::vector<std::unique_ptr<TDMBus>> buses;
+  std::vector<std::unique_ptr<TDMMemory>> memories;
+
+private:
+  void instantiate(const TDMFileDerivative &derivative,
+                   const std::vector<std::unique_ptr<TDMFileExpression>> &arguments,
+                   const tdm::Templates &templates);
+
+  tdm::NameIndex<TDMCore> core_index_;
+  tdm::NameIndex<TDMMemory> memory_index_;
+};

@@ -1,0 +1,127 @@
+// Address spaces: what a core addresses, and where sections are located. Three kinds: those that
+// a description defines, the placeholder for what isn't allocated, and those that stand for a
+// group of spaces.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/tdm_object.h"
+#include "layout/bank_def.h"
+#include "layout/copy_table.h"
+#include "layout/stack_heap_def.h"
+#include "layout/start_address.h"
+#include "mapping/interval.h"
+#include "mapping/map_graph.h"
+#include "mapping/mapping.h"
+#include "model/range.h"
+
+struct TDMBus;
+struct TDMCore;
+class TDMFileMapping;
+class TDMFileSpace;
+
+namespace tdm {
+class ArgumentScope;
+class BusesInReach;
+} // namespace tdm
+
+struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
+  int get_mau_size() const override { return mau_size; }
+  void get_full_name(std::string &out) const override;
+  void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
+  const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
+
+  /// Refuses mappings that share addresses and data lines.
+  virtual void check_mappings() const = 0;
+  /// Finds the destinations of the mappings among the spaces and buses of the core, then all else
+  /// that the definition names.
+  virtual void resolve_mappings(TDMCore &core, const tdm::BusesInReach &buses,
+                                const TDMFileSpace &record) = 0;
+  virtual ~TDMSpace();
+
+  void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
+  const std::vector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
+
+  TDMSpace(const TDMSpace &) = delete;
+  TDMSpace &operator=(const TDMSpace &) = delete;
+
+  [[nodiscard]] std::string full_name() const;
+  [[nodiscard]] const Interval &valid_interval() const { return valid_interval_; }
+
+  std::string name;
+  const std::string *core_name = nullptr;
+  const std::string *processor_name = nullptr;
+  int32_t id = 0;
+  int32_t mau_size = 0; ///< bits
+  int32_t alignment = 0;
+  int32_t page_size = 0;
+  std::vector<std::unique_ptr<TDMRange>> page_ranges;
+  bool page_restrict_sections = false;
+  int32_t locate_direction = 0; ///< enum tdm_locate_direction
+  TDMSpace *address_literal_space = nullptr;
+  std::vector<std::unique_ptr<TDMStackDef>> stacks;
+  std::vector<std::unique_ptr<TDMHeapDef>> heaps;
+  std::unique_ptr<TDMCopyTable> copy_table;
+  std::unique_ptr<TDMDirectInit> direct_init;
+  std::vector<std::unique_ptr<std::pair<int64_t, int64_t>>> reserved_ranges;
+  std::unique_ptr<TDMStartAddress> start_address;
+  std::unique_ptr<TDMBankDef> bank_def;
+
+protected:
+  TDMSpace() = default;
+
+  /// From the lowest source offset of the mappings to the highest end, holes counted in; the empty
+  /// interval at -1 without mappings.
+  void compute_valid_interval();
+
+  Interval valid_interval_;
+  std::vector<TDMMapping *> outgoing_;
+  std::vector<TDMMapping *> incoming_;
+  std::vector<std::unique_ptr<TDMMapping>> owned_;
+};
+
+/// A space that a description defines.
+struct TDMAllocSpace final : TDMSpace {
+  TDMAllocSpace(const TDMFileSpace &record, const TDMCore &core, const tdm::ArgumentScope &scope);
+
+  void check_mappings() const override;
+  void resolve_mappings(TDMCore &core, const tdm::BusesInReach &buses,
+                        const TDMFileSpace &record) override;
+
+private:
+  void read_pages(const TDMFileSpace &record, const tdm::ArgumentScope &scope);
+  void create_definitions(const TDMFileSpace &record, const tdm::ArgumentScope &scope);
+  void resolve_mapping(TDMMapping &mapping, const TDMFileMapping &record, TDMCore &core,
+                       const tdm::BusesInReach &buses);
+};
+
+/// The placeholder for what isn't allocated; every core that isn't imported gets one.
+struct TDMVoidSpace final : TDMSpace {
+  TDMVoidSpace(std::string space_name, int32_t space_id, int32_t mau);
+
+  void check_mappings() const override {}
+  void resolve_mappings(TDMCore &, const tdm::BusesInReach &, const TDMFileSpace &) override {}
+};
+
+/// A space that stands for several at once, reaching each memory through one of them.
+struct TDMCloneSpace final : TDMSpace {
+  TDMCloneSpace(std::vector<TDMSpace *> spaces, const std::string &core,
+                const std::string &processor, int32_t space_id, const TDMSourceLocation &place);
+
+  void check_mappings() const override {}
+  void resolve_mappings(TDMCore &, const tdm::BusesInReach &, const TDMFileSpace &) override {}
+
+  std::vector<TDMSpace *> members;
+
+private:
+  void connect();
+  void connect_memory(const TDMMapDestination &memory, const Interval &interval);
+  void add_member_mapping(const Interval &span, TDMSpace &member);
+
+  std::string owned_core_name_;
+  std::string owned_processor_name_;
+};

@@ -1,0 +1,153 @@
+// The road of a parse, from file names to a checked model.
+#include "model/spec.h"
+
+#include <unordered_set>
+
+#include "common/failures.h"
+#include "language/parse_driver.h"
+#include "language/records.h"
+#include "model/buses_in_reach.h"
+#include "model/default_derivative.h"
+#include "model/overlap_check.h"
+#include "model/templates.h"
+#include "preprocessor/preprocessed_file_input_stream.h"
+#include "preprocessor/string_pool.h"
+
+namespace {
+
+/// The place of a failure that belongs to no line: the first file as a whole.
+TDMSourceLocation whole_input(const std::vector<std::string> &files)
+{
+  return {files.empty() ? "" : tdm::intern(files.front()), 0, 0};
+}
+
+/// Runs `work`; a failure goes on as a finished text, which nothing behind it changes any more.
+template <typename Work> void with_finished_texts(Work work)
+{
+  try {
+    work();
+  } catch (TDMFileException *failure) {
+    auto *finished = new TDMSyntaxError(failure->text());
+    delete failure;
+    throw finished;
+  }
+}
+
+} // namespace
+
+TDMSpec::TDMSpec(const std::vector<std::string> &files)
+{
+  const std::unique_ptr<TDMFileInterface> records = parse(files);
+  if (records == nullptr)
+    throw new TDMUnexpectedErrorException(whole_input(files), "could not allocate TDM file");
+  if (records->architectures.empty())
+    throw new TDMSyntaxException(whole_input(files), "no architectures defined");
+  with_finished_texts([&] {
+    build(*records);
+    check();
+  });
+}
+
+TDMSpec::~TDMSpec() = default;
+
+std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> &files)
+{
+  // A file that can't be opened is told as it is, without a position.
+  TDMPreprocessedFileInputStream stream(files, &file_dependencies);
+  try {
+    return parse_target_file(stream);
+  } catch (TDMFileSyntaxError *failure) {
+    auto *finished = new TDMSyntaxError(failure->text());
+    delete failure;
+    throw finished;
+  } catch (TDMFileException *failure) {
+    auto *positioned = new TDMSyntaxException(whole_input(files), failure->text());
+    delete failure;
+    throw positioned;
+  }
+}
+
+void TDMSpec::build(const TDMFileInterface &records)
+{
+  create_processors(records);
+  create_globals(records);
+  processor_index_.build(processors, [](const TDMProcessor &object) { return object.name; });
+  memory_index_.build(memories, [](const TDMMemory &object) { return object.name; });
+}
+
+void TDMSpec::create_processors(const TDMFileInterface &records)
+{
+  const tdm::Templates templates(records.architectures, records.derivatives);
+  for (const auto &record : records.processors)
+    processors.push_back(std::make_unique<TDMProcessor>(*record, templates));
+  if (processors.empty())
+    for (const auto &record : records.derivatives)
+      processors.push_back(std::make_unique<TDMProcessor>(*record, templates));
+  if (processors.empty()) create_default_processors(records, templates);
+}
+
+/// With neither processors nor derivatives, each architecture that is no base of another stands
+/// for a chip of its own.
+void TDMSpec::create_default_processors(const TDMFileInterface &records,
+                                        const tdm::Templates &templates)
+{
+  std::unordered_set<std::string> bases;
+  for (const auto &record : records.architectures)
+    if (record->base && *record->base != *record->name) bases.insert(*record->base);
+  for (const auto &record : records.architectures) {
+    if (bases.count(*record->name) != 0) continue;
+    const auto derivative = tdm::make_default_derivative(*record, templates);
+    processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates));
+  }
+}
+
+void TDMSpec::create_globals(const TDMFileInterface &records)
+{
+  const tdm::ArgumentScope no_parameters;
+  memories.reserve(records.memories.size());
+  for (const auto &record : records.memories)
+    memories.push_back(std::make_unique<TDMMemory>(*record, no_parameters));
+  for (const auto &record : records.buses)
+    buses.push_back(std::make_unique<TDMBus>(*record, TDMBus::Form::reversed, no_parameters));
+
+  // Buses of cores are out of reach for what is global.
+  tdm::BusesInReach reach;
+  reach.add(buses);
+  for (const auto &processor : processors) reach.add(processor->buses);
+  for (size_t i = 0; i < memories.size(); ++i)
+    memories[i]->resolve_mappings(*records.memories[i], reach, nullptr);
+  for (size_t i = 0; i < buses.size(); ++i)
+    buses[i]->resolve_mappings(*records.buses[i], TDMBus::Form::reversed, reach, nullptr, nullptr,
+                               no_parameters);
+}
+
+void TDMSpec::check() const
+{
+  check_names();
+  tdm::OverlapCheck overlaps;
+  for (const auto &memory : memories) overlaps.add(*memory);
+  for (const auto &processor : processors)
+    for (const auto &memory : processor->memories) overlaps.add(*memory);
+}
+
+void TDMSpec::check_names() const
+{
+  std::unordered_set<std::string> names;
+  for (const auto &memory : memories)
+    if (!names.insert(memory->full_name()).second)
+      throw new TDMSyntaxException(memory->location_or("name"), "global memory " +
+                                                                    memory->full_name() +
+                                                                    " defined more than once");
+  names.clear();
+  for (const auto &bus : buses)
+    if (!names.insert(bus->full_name()).second)
+      throw new TDMSyntaxException(bus->location_or("name"),
+                                   "global bus " + bus->full_name() + " defined more than once");
+  names.clear();
+  for (const auto &processor : processors) {
+    if (!names.insert(processor->name).second)
+      throw new TDMSyntaxException(processor->location_or("name"),
+                                   "Processor " + processor->name + " defined more than once");
+    processor->check_names();
+  }
+}

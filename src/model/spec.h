@@ -1,0 +1,65 @@
+// The root of the model: what one parse gives. Its constructor is the whole road from the names of
+// the files to a checked model.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "model/bus.h"
+#include "model/clone_space_registry.h"
+#include "model/memory.h"
+#include "model/name_index.h"
+#include "model/processor.h"
+
+class TDMFileInterface;
+
+namespace tdm {
+class Templates;
+} // namespace tdm
+
+struct TDMSpec : TDMCloneSpaceRegistry {
+  /// Reads the files as one input. Throws the failures of the language and the model by pointer.
+  explicit TDMSpec(const std::vector<std::string> &files);
+
+  TDMCloneSpace *find_clone_space(const std::set<std::string> &names) const override;
+  TDMCloneSpace *create_clone_space(TDMCore &core,
+                                    const std::vector<std::unique_ptr<TDMCore>> &siblings,
+                                    const std::set<std::string> &names,
+                                    const TDMSourceLocation &place) override;
+  virtual ~TDMSpec();
+
+  TDMSpec(const TDMSpec &) = delete;
+  TDMSpec &operator=(const TDMSpec &) = delete;
+
+  /// The processor, or the global memory, of that name, or null.
+  [[nodiscard]] TDMProcessor *find_processor(const std::string &name) const
+  {
+    return processor_index_.find(name);
+  }
+  [[nodiscard]] TDMMemory *find_memory(const std::string &name) const
+  {
+    return memory_index_.find(name);
+  }
+
+  // In the order of destruction, last to first: processors go first.
+  std::set<std::string> file_dependencies;
+  std::map<std::set<std::string>, TDMCloneSpace *> clone_spaces;
+  std::vector<std::unique_ptr<TDMBus>> buses;
+  std::vector<std::unique_ptr<TDMMemory>> memories;
+  std::vector<std::unique_ptr<TDMProcessor>> processors;
+
+private:
+  std::unique_ptr<TDMFileInterface> parse(const std::vector<std::string> &files);
+  void build(const TDMFileInterface &records);
+  void create_processors(const TDMFileInterface &records);
+  void create_default_processors(const TDMFileInterface &records, const tdm::Templates &templates);
+  void create_globals(const TDMFileInterface &records);
+  void check() const;
+  void check_names() const;
+
+  tdm::NameIndex<TDMProcessor> processor_index_;
+  tdm::NameIndex<TDMMemory> memory_index_;
+};

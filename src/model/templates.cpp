@@ -1,0 +1,32 @@
+// Finds templates by name.
+#include "model/templates.h"
+
+namespace tdm {
+
+Templates::Templates(const std::vector<std::unique_ptr<TDMFileArchitecture>> &architectures,
+                     const std::vector<std::unique_ptr<TDMFileDerivative>> &derivatives)
+{
+  for (const auto &record : architectures) architectures_.emplace(*record->name, record.get());
+  for (const auto &record : derivatives) derivatives_.emplace(*record->name, record.get());
+}
+
+const TDMFileArchitecture *Templates::architecture(const std::string &name) const
+{
+  const auto found = architectures_.find(name);
+  return found != architectures_.end() ? found->second : nullptr;
+}
+
+const TDMFileDerivative *Templates::derivative(const std::string &name) const
+{
+  const auto found = derivatives_.find(name);
+  return found != derivatives_.end() ? found->second : nullptr;
+}
+
+std::string listed(const std::set<std::string> &names)
+{
+  std::string text = "{";
+  for (const std::string &name : names) text += " " + name;
+  return text + " }";
+}
+
+} // namespace tdm

@@ -1,0 +1,44 @@
+// What instantiation reads: the architectures and derivatives of a description, found by name, and
+// the helpers that walk their chains of bases.
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "expressions/argument_scope.h"
+#include "language/records.h"
+
+struct TDMSpec;
+
+namespace tdm {
+
+/// The templates of one description. Views the records, which outlive it.
+class Templates {
+public:
+  Templates(const std::vector<std::unique_ptr<TDMFileArchitecture>> &architectures,
+            const std::vector<std::unique_ptr<TDMFileDerivative>> &derivatives);
+
+  /// The first definition of exactly that name, or null.
+  [[nodiscard]] const TDMFileArchitecture *architecture(const std::string &name) const;
+  [[nodiscard]] const TDMFileDerivative *derivative(const std::string &name) const;
+
+private:
+  std::unordered_map<std::string_view, const TDMFileArchitecture *> architectures_;
+  std::unordered_map<std::string_view, const TDMFileDerivative *> derivatives_;
+};
+
+/// One template of a chain, bound to its arguments. The first pass over a chain makes the levels;
+/// the second goes over them again.
+template <typename Record> struct ChainLevel {
+  const Record *record;
+  ArgumentScope scope;
+};
+
+/// The names of a chain as a report lists them: sorted, `{ a b c }`.
+[[nodiscard]] std::string listed(const std::set<std::string> &names);
+
+} // namespace tdm
