@@ -1,0 +1,103 @@
+// The names that an expression of a template can use: its parameters, bound to the expression
+// records that an instance was given for them.
+//
+// There is one scope for each instance of a template, and scopes aren't chained: a template sees
+// its own parameters only. Records are bound as they are and read when a name is used, so that one
+// parameter's default may refer to another, in any order.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "common/source_location.h"
+#include "language/basic_records.h"
+#include "language/expr_records.h"
+
+namespace tdm {
+
+/// The names under which a scope has the start and the size of a memory, before the memory's name.
+inline constexpr std::string_view memory_address_prefix = "__mem_addr:";
+inline constexpr std::string_view memory_size_prefix = "__mem_size:";
+
+/// The most terms that one translation or substitution may make: parameters that double each other
+/// grow without bound from a short text.
+inline constexpr std::size_t term_limit = 1'000'000;
+
+/// What `addressof` and `sizeof` of a memory mean in the place of a scope.
+class MemoryReferences {
+public:
+  virtual std::optional<std::int64_t> memory_address(const std::string &memory) = 0;
+  virtual std::optional<std::int64_t> memory_size(const std::string &memory) = 0;
+
+protected:
+  ~MemoryReferences() = default;
+};
+
+class ArgumentScope {
+public:
+  /// The scope of the file level, without names, until bind().
+  ArgumentScope() = default;
+
+  /// The names of another scope, and memories. Refers to both; a memory is asked for when an
+  /// expression uses it, and once only.
+  ArgumentScope(const ArgumentScope &parameters, MemoryReferences &memories)
+      : parameters_(&parameters), memories_(&memories)
+  {
+  }
+
+  ArgumentScope(ArgumentScope &&) = default;
+  ArgumentScope &operator=(ArgumentScope &&) = default;
+
+  /// Binds each parameter to a copy of its argument, or of its default; what was bound before is
+  /// gone. Throws TDMTooManyArgumentsException * or TDMTooFewArgumentsException *.
+  void bind(const FileParameters &parameters, const ExpressionList &arguments);
+
+  /// Binds a single name.
+  void bind(std::string name, ExpressionPtr record);
+
+  /// A copy of the argument list for another template: each variable replaced by a copy of the
+  /// record that this scope has for it, which isn't rewritten in turn. A variable without one is
+  /// reported at its key `name`, else at the place.
+  [[nodiscard]] ExpressionList substitute(const ExpressionList &arguments,
+                                          const TDMSourceLocation &place) const;
+
+  struct Binding {
+    ExpressionPtr record;
+    /// The translation that is inside the record at present; see translate.cpp.
+    mutable std::uint64_t busy_in = 0;
+    /// The terms of the record, 0 while nobody has counted them.
+    mutable std::size_t terms = 0;
+  };
+
+  /// What the name is bound to, or null.
+  [[nodiscard]] const Binding *find(std::string_view name) const;
+
+private:
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const
+    {
+      return std::hash<std::string_view>{}(text);
+    }
+  };
+  using Bindings = std::unordered_map<std::string, Binding, Hash, std::equal_to<>>;
+
+  const Binding *find_memory(std::string_view name) const;
+
+  // Memories are added as they are asked for.
+  mutable Bindings bindings_;
+  const ArgumentScope *parameters_ = nullptr;
+  MemoryReferences *memories_ = nullptr;
+};
+
+/// Reports a name that a scope has no record for.
+[[noreturn]] void report_unbound(std::string_view name, const TDMSourceLocation &location);
+
+/// Reports an expression of more than term_limit terms.
+[[noreturn]] void report_too_large(const TDMSourceLocation &location);
+
+} // namespace tdm

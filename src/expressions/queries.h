@@ -1,0 +1,129 @@
+// The expressions that ask the environment by a name: symbols, sections and groups. All are leaves.
+//
+// Each holds a place beside its own locations: what is reported at where the object hasn't got the
+// key in question, because it was translated from a record without locations or is a clone.
+#pragma once
+
+#include "expressions/expression.h"
+
+/// The value of a linker symbol.
+class TDM_CLIENT_API TDMSymbolRef final : public TDMExpression {
+public:
+  explicit TDMSymbolRef(std::string name, const TDMSourceLocation &place = {})
+      : name_(std::move(name)), place_(place)
+  {
+  }
+
+  std::int64_t compute(TDMExpressionEnv *env) override;
+  ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
+  bool refers_to_defined(TDMExpressionEnv *env) override;
+  bool refers_to_any(const std::set<std::string> &names) override;
+  [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
+
+  [[nodiscard]] const std::string &name() const { return name_; }
+
+private:
+  std::string name_;
+  TDMSourceLocation place_;
+};
+
+/// `defined("name")`: 0 in arithmetic, whatever the environment says; refers_to_defined has the
+/// answer.
+class TDM_CLIENT_API TDMDefinedSymbol final : public TDMExpression {
+public:
+  explicit TDMDefinedSymbol(std::string name) : name_(std::move(name)) {}
+
+  std::int64_t compute(TDMExpressionEnv *) override { return 0; }
+  ExprlibNode *to_exprlib(TDMExpressionEnv *) override { return nullptr; }
+  bool refers_to_defined(TDMExpressionEnv *env) override;
+  [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
+
+  [[nodiscard]] const std::string &name() const { return name_; }
+
+private:
+  std::string name_;
+};
+
+/// As TDMDefinedSymbol, for a symbol that is referenced. No text of the language gives one.
+class TDM_CLIENT_API TDMReferenced final : public TDMExpression {
+public:
+  explicit TDMReferenced(std::string name) : name_(std::move(name)) {}
+
+  std::int64_t compute(TDMExpressionEnv *) override { return 0; }
+  ExprlibNode *to_exprlib(TDMExpressionEnv *) override { return nullptr; }
+  bool refers_to_defined(TDMExpressionEnv *env) override;
+  [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
+
+  [[nodiscard]] const std::string &name() const { return name_; }
+
+private:
+  std::string name_;
+};
+
+/// `exists("section")`: 1 or 0.
+class TDM_CLIENT_API TDMSectionExists final : public TDMExpression {
+public:
+  explicit TDMSectionExists(std::string name, const TDMSourceLocation &place = {})
+      : name_(std::move(name)), place_(place)
+  {
+  }
+
+  std::int64_t compute(TDMExpressionEnv *env) override;
+  ExprlibNode *to_exprlib(TDMExpressionEnv *) override { return nullptr; }
+  [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
+
+  [[nodiscard]] const std::string &name() const { return name_; }
+
+private:
+  std::string name_;
+  TDMSourceLocation place_;
+};
+
+/// `addressof` of a section or a group; -1 where the environment has no answer.
+class TDM_CLIENT_API TDMAddressExpression final : public TDMExpression {
+public:
+  enum Kind : std::int32_t { section = 0, group = 1 };
+
+  TDMAddressExpression(std::int32_t kind, std::string name, const TDMSourceLocation &place = {})
+      : kind_(kind), name_(std::move(name)), place_(place)
+  {
+  }
+
+  std::int64_t compute(TDMExpressionEnv *env) override;
+  ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
+  [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
+
+  [[nodiscard]] std::int32_t kind() const { return kind_; }
+  [[nodiscard]] const std::string &name() const { return name_; }
+
+private:
+  std::int32_t kind_;
+  std::string name_;
+  TDMSourceLocation place_;
+};
+
+/// `sizeof` of a section or a group; -1 where the environment has no answer.
+class TDM_CLIENT_API TDMSizeOf final : public TDMExpression {
+public:
+  enum Kind : std::int32_t { section = 1, group = 2 };
+
+  TDMSizeOf(std::int32_t kind, std::string name, const TDMSourceLocation &place = {})
+      : kind_(kind), name_(std::move(name)), place_(place)
+  {
+  }
+
+  std::int64_t compute(TDMExpressionEnv *env) override;
+  ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
+  [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
+
+  [[nodiscard]] std::int32_t kind() const { return kind_; }
+  [[nodiscard]] const std::string &name() const { return name_; }
+
+private:
+  std::int64_t group_size(TDMExpressionEnv &env) const;
+  [[noreturn]] void refuse_kind() const;
+
+  std::int32_t kind_;
+  std::string name_;
+  TDMSourceLocation place_;
+};

@@ -1,0 +1,26 @@
+// From expression records to expressions: variables are replaced by what their scope binds, and
+// what is left is the form that the model holds and evaluates.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "common/source_location.h"
+#include "expressions/argument_scope.h"
+#include "expressions/expression.h"
+#include "language/expr_records.h"
+
+/// A new expression from the record, which it doesn't refer to afterwards; null for null. The place
+/// is that of the property at hand: what goes wrong is reported there, now or in an evaluation,
+/// where the record at fault has no location of its own. Throws TDMSyntaxException *.
+[[nodiscard]] std::unique_ptr<TDMExpression>
+tdm_translate_expression(const TDMFileExpression *record, const tdm::ArgumentScope &scope,
+                         const TDMSourceLocation &place);
+
+namespace tdm {
+
+/// The record's value without an environment, for what is needed once.
+[[nodiscard]] std::int64_t evaluate(const TDMFileExpression &record, const ArgumentScope &scope,
+                                    const TDMSourceLocation &place);
+
+} // namespace tdm
