@@ -27,9 +27,13 @@ public:
   const char *getFile() const override { return position_.file; }
 
 private:
-  void next_token();
+  void fetch();
+  [[nodiscard]] bool open(const std::string &name, std::set<std::string> *dependencies);
 
   bool at_end_ = true;
   const char *text_ = "";
   tdm_srcpos position_ = {};
+  std::string content_;
+  std::vector<std::pair<const char *, std::size_t>> files_; // name, end in content_
+  std::size_t next_ = 0;
 };

@@ -1,7 +1,13 @@
 // The process-wide intern table: every text that the library hands out, every token text, file
 // name and macro name is held here once, so that equal texts have one address.
+//
+// In front of each text stands a small record with its hash, its length and a mark. So a table that
+// is keyed by pooled texts needs no hashing of its own, and a user can ask in one load whether a
+// text is anything special (a macro name, a keyword).
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace tdm {
@@ -14,8 +20,25 @@ void string_pool_end();
 
 [[nodiscard]] bool string_pool_started();
 
-/// The pool's copy of the text, NUL-terminated; stays valid until string_pool_end. The text must
-/// hold no NUL. The pool must have been started.
+/// The pool's copy of the text, NUL-terminated; stays valid until string_pool_end. A text that
+/// holds a NUL is kept whole, though a reader of C strings sees its front only. The pool must have
+/// been started.
 [[nodiscard]] const char *intern(std::string_view text);
+
+/// What the pool keeps with each text.
+struct PooledText {
+  std::uint32_t hash;
+  std::uint32_t marks; ///< bits below, free for the users of the pool; 0 in a new text
+  std::size_t length;
+};
+
+/// Set while the text names a macro, or did so earlier in the same stream.
+constexpr std::uint32_t mark_macro_name = 1;
+
+/// The record of a text of the pool. Only for pointers that intern() gave.
+[[nodiscard]] inline PooledText &pooled(const char *text)
+{
+  return reinterpret_cast<PooledText *>(const_cast<char *>(text))[-1];
+}
 
 } // namespace tdm

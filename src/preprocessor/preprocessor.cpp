@@ -1,0 +1,29 @@
+// Start and end of the modules that outlive an input.
+#include "preprocessor/preprocessor.h"
+
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_opt.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+void preprocessor_start()
+{
+  string_pool_start();
+  option_start();
+  diag_start();
+}
+
+void preprocessor_end()
+{
+  diag_end();
+  option_end();
+  string_pool_end();
+}
+
+bool preprocessor_started()
+{
+  return string_pool_started();
+}
+
+} // namespace tdm
