@@ -8,22 +8,22 @@ using tdm::guarded;
 
 const char *tdm_bus_get_name(const tdm_bus *bus)
 {
-  return guarded([&] { return tdm::pooled(bus->name); });
+  return guarded([&] { return tdm::text_result(bus->name); });
 }
 
 const char *tdm_bus_get_full_name(const tdm_bus *bus)
 {
-  return guarded([&] { return tdm::pooled(bus->full_name()); });
+  return guarded([&] { return tdm::text_result(bus->full_name()); });
 }
 
 const char *tdm_bus_get_core_name(const tdm_bus *bus)
 {
-  return guarded([&] { return tdm::pooled(bus->core_name); });
+  return guarded([&] { return tdm::text_result(bus->core_name); });
 }
 
 const char *tdm_bus_get_processor_name(const tdm_bus *bus)
 {
-  return guarded([&] { return tdm::pooled(bus->processor_name); });
+  return guarded([&] { return tdm::text_result(bus->processor_name); });
 }
 
 int tdm_bus_get_mausize(const tdm_bus *bus)

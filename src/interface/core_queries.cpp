@@ -9,22 +9,22 @@ using tdm::guarded_array;
 
 const char *tdm_core_get_name(const tdm_core *core)
 {
-  return guarded([&] { return tdm::pooled(core->name); });
+  return guarded([&] { return tdm::text_result(core->name); });
 }
 
 const char *tdm_core_get_full_name(const tdm_core *core)
 {
-  return guarded([&] { return tdm::pooled(core->full_name()); });
+  return guarded([&] { return tdm::text_result(core->full_name()); });
 }
 
 const char *tdm_core_get_arch_name(const tdm_core *core)
 {
-  return guarded([&] { return tdm::pooled(core->architecture_name); });
+  return guarded([&] { return tdm::text_result(core->architecture_name); });
 }
 
 const char *tdm_core_get_processor_name(const tdm_core *core)
 {
-  return guarded([&] { return tdm::pooled(core->processor_name); });
+  return guarded([&] { return tdm::text_result(core->processor_name); });
 }
 
 tdm_source_location *tdm_core_get_source_location(const tdm_core *core)

@@ -8,17 +8,17 @@ using tdm::guarded;
 
 const char *tdm_memory_get_name(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::pooled(memory->name); });
+  return guarded([&] { return tdm::text_result(memory->name); });
 }
 
 const char *tdm_memory_get_full_name(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::pooled(memory->full_name()); });
+  return guarded([&] { return tdm::text_result(memory->full_name()); });
 }
 
 const char *tdm_memory_get_processor_name(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::pooled(memory->processor_name); });
+  return guarded([&] { return tdm::text_result(memory->processor_name); });
 }
 
 int tdm_memory_get_mausize(const tdm_memory *memory)
@@ -48,7 +48,7 @@ tdm_fillspec *tdm_memory_get_fillspec(const tdm_memory *memory)
 
 const char *tdm_memory_get_write_mode(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::pooled(memory->write_mode); });
+  return guarded([&] { return tdm::text_result(memory->write_mode); });
 }
 
 int tdm_memory_get_setuptime(const tdm_memory *memory)

@@ -9,12 +9,12 @@ using tdm::guarded_array;
 
 const char *tdm_processor_get_name(const tdm_processor *processor)
 {
-  return guarded([&] { return tdm::pooled(processor->name); });
+  return guarded([&] { return tdm::text_result(processor->name); });
 }
 
 const char *tdm_processor_get_derivative_name(const tdm_processor *processor)
 {
-  return guarded([&] { return tdm::pooled(processor->derivative_name); });
+  return guarded([&] { return tdm::text_result(processor->derivative_name); });
 }
 
 tdm_source_location *tdm_processor_get_source_location(const tdm_processor *processor)

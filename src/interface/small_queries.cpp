@@ -32,13 +32,13 @@ const char *tdm_endianness_to_string(int endianness)
   return guarded([&] {
     switch (endianness) {
     case TDM_ENDIANNESS_BIG:
-      return tdm::pooled("big");
+      return tdm::text_result("big");
     case TDM_ENDIANNESS_LITTLE:
-      return tdm::pooled("little");
+      return tdm::text_result("little");
     case TDM_ENDIANNESS_NOT_SET:
-      return tdm::pooled("<not set>");
+      return tdm::text_result("<not set>");
     default:
-      return tdm::pooled("<unknown>");
+      return tdm::text_result("<unknown>");
     }
   });
 }
@@ -57,7 +57,7 @@ int tdm_endianness_to_maulib(int endianness)
 
 const char *tdm_source_location_get_filename(const tdm_source_location *location)
 {
-  return guarded([&] { return tdm::pooled(location->file); });
+  return guarded([&] { return tdm::text_result(location->file); });
 }
 
 int tdm_source_location_get_line_number(const tdm_source_location *location)

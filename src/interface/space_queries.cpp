@@ -9,22 +9,22 @@ using tdm::guarded_array;
 
 const char *tdm_space_get_name(const tdm_space *space)
 {
-  return guarded([&] { return tdm::pooled(space->name); });
+  return guarded([&] { return tdm::text_result(space->name); });
 }
 
 const char *tdm_space_get_full_name(const tdm_space *space)
 {
-  return guarded([&] { return tdm::pooled(space->full_name()); });
+  return guarded([&] { return tdm::text_result(space->full_name()); });
 }
 
 const char *tdm_space_get_core_name(const tdm_space *space)
 {
-  return guarded([&] { return tdm::pooled(space->core_name); });
+  return guarded([&] { return tdm::text_result(space->core_name); });
 }
 
 const char *tdm_space_get_processor_name(const tdm_space *space)
 {
-  return guarded([&] { return tdm::pooled(space->processor_name); });
+  return guarded([&] { return tdm::text_result(space->processor_name); });
 }
 
 int tdm_space_get_id(const tdm_space *space)

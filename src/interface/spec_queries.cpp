@@ -36,6 +36,6 @@ tdm_arr *tdm_spec_get_file_dependencies(const tdm_spec *spec)
 {
   return guarded_array<void *>([&] {
     return tdm::array_of(spec->file_dependencies,
-                         [](const std::string &file) { return tdm::pooled(file); });
+                         [](const std::string &file) { return tdm::text_result(file); });
   });
 }

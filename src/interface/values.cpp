@@ -67,25 +67,25 @@ std::vector<std::string> texts_of(const tdm_arr *arr)
   return texts;
 }
 
-const char *pooled(const char *text)
+const char *text_result(const char *text)
 {
   if (!string_pool_started()) throw new TDMFileException("tdm_init has not been called");
   return intern(text);
 }
 
-const char *pooled(const std::string &text)
+const char *text_result(const std::string &text)
 {
-  return pooled(text.c_str());
+  return text_result(text.c_str());
 }
 
-const char *pooled(const std::string *text)
+const char *text_result(const std::string *text)
 {
-  return text != nullptr ? pooled(*text) : nullptr;
+  return text != nullptr ? text_result(*text) : nullptr;
 }
 
-const char *pooled(const std::optional<std::string> &text)
+const char *text_result(const std::optional<std::string> &text)
 {
-  return text.has_value() ? pooled(*text) : nullptr;
+  return text.has_value() ? text_result(*text) : nullptr;
 }
 
 AddressValue imported(const tdm_addressvalue &address, int mau_size)

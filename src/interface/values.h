@@ -52,11 +52,11 @@ template <class Object>
 // ---- texts
 
 /// The pool's copy. A failure before tdm_init.
-[[nodiscard]] const char *pooled(const char *text);
-[[nodiscard]] const char *pooled(const std::string &text);
+[[nodiscard]] const char *text_result(const char *text);
+[[nodiscard]] const char *text_result(const std::string &text);
 /// The same for what can be absent, as null.
-[[nodiscard]] const char *pooled(const std::string *text);
-[[nodiscard]] const char *pooled(const std::optional<std::string> &text);
+[[nodiscard]] const char *text_result(const std::string *text);
+[[nodiscard]] const char *text_result(const std::optional<std::string> &text);
 
 /// A handle for what the model hands out as constant: callers hold it, and only the library reads.
 template <class Object> [[nodiscard]] Object *handle(const Object *object)
