@@ -44,6 +44,33 @@ typedef struct TDMStartAddress tdm_start_address;
 typedef struct TDMFillSpec tdm_fillspec;
 typedef struct TDMAttributes tdm_attributes;
 
+/* What a walk hands out. */
+typedef struct TDMStackDef tdm_stack_def;
+typedef struct TDMHeapDef tdm_heap_def;
+typedef struct TDMVectorTable tdm_vector_table;
+typedef struct TDMCopyTable tdm_copy_table;
+typedef struct TDMDirectInit tdm_direct_init;
+typedef struct TDMReservedRange tdm_reserved_range;
+typedef struct TDMSectionLayout tdm_section_layout;
+typedef struct TDMAssignment tdm_assignment;
+typedef struct TDMBlock tdm_block;
+typedef struct TDMIfStatement tdm_if_statement;
+typedef struct TDMCreateSectionStatement tdm_create_section_statement;
+typedef struct TDMGroup tdm_group;
+typedef struct TDMGroupLocation tdm_group_location;
+typedef struct TDMHeapStatement tdm_heap_statement;
+typedef struct TDMMemoryCopyStatement tdm_memory_copy_statement;
+typedef struct TDMReservedStatement tdm_reserved_statement;
+typedef struct TDMSelectionStatement tdm_selection_statement;
+typedef struct TDMStackStatement tdm_stack_statement;
+typedef struct TDMStructStatement tdm_struct_statement;
+typedef struct TDMTableStatement tdm_table_statement;
+typedef struct TDMStatementEnv tdm_statement_env;
+typedef struct TDMSectionSelector tdm_section_selector;
+
+/** A section of the caller's as the library sees it, from tdm_section_create(). */
+typedef struct TDMSection tdm_section;
+
 /**
  * An array. The library makes one for each result; give it back with tdm_arr_del(). A caller
  * builds its own for arguments, in the same layout, with elements of pointer size.
@@ -116,6 +143,85 @@ typedef struct tdm_expression_callbacks {
   /** Whether the caller has a definition of that symbol, for `defined`. */
   int (*symbol_defined)(const char *name, void *user);
 } tdm_expression_callbacks;
+
+/**
+ * What tdm_space_walk() calls, in the order in which the entries stand where the text below doesn't
+ * say otherwise. A null entry is skipped. What an entry is given stays the library's: definitions
+ * and statements are valid while the spec lives, an environment until the end of its scope. Inside
+ * a callback every function of the interface may be called, tdm_space_walk() for the same space
+ * too, but for those that end the spec or the library. A callback can't stop or turn the walk.
+ */
+typedef struct tdm_walk_callbacks {
+  /** Each stack of the space, in order. */
+  void (*stack_def)(tdm_stack_def *definition, void *user);
+  /** Each heap of the space, in order. */
+  void (*heap_def)(tdm_heap_def *definition, void *user);
+  /** Each vector table, in order, before reserved ranges and layouts. */
+  void (*vector_table_begin)(tdm_vector_table *table, void *user);
+  /** Each vector table, in the same order, behind all layouts. */
+  void (*vector_table_end)(tdm_vector_table *table, void *user);
+  /** Once, behind the heaps; `table` is null if the space has no copy table. */
+  void (*copy_table)(tdm_copy_table *table, void *user);
+  /** Once, behind the copy table, if the space has direct initialisation. */
+  void (*direct_init)(tdm_direct_init *init, void *user);
+  /** Each reserved range, in order, before the layouts. */
+  void (*reserved_range)(tdm_reserved_range *range, void *user);
+  /** `"symbol" = value;` */
+  void (*assignment)(tdm_assignment *statement, tdm_statement_env *env, void *user);
+  /** `{`; the statements in it follow, then block_end. */
+  void (*block_begin)(tdm_block *block, tdm_statement_env *env, void *user);
+  void (*block_end)(tdm_block *block, tdm_statement_env *env, void *user);
+  /** `if`, before its condition is evaluated; the branch that is chosen follows, then if_end. */
+  void (*if_begin)(tdm_if_statement *statement, tdm_statement_env *env, void *user);
+  void (*if_end)(tdm_if_statement *statement, tdm_statement_env *env, void *user);
+  /** `section`; its selections follow, in an environment that inherits nothing. */
+  void (*create_section_begin)(tdm_create_section_statement *statement, tdm_statement_env *env,
+                               void *user);
+  void (*create_section_end)(tdm_create_section_statement *statement, tdm_statement_env *env,
+                             void *user);
+  /** `group`; its statement follows, in the environment `inner`. */
+  void (*group_begin)(tdm_group *group, tdm_statement_env *outer, tdm_statement_env *inner,
+                      void *user);
+  void (*group_end)(tdm_group *group, tdm_statement_env *outer, tdm_statement_env *inner,
+                    void *user);
+  /** `heap` of a layout. */
+  void (*heap_statement)(tdm_heap_statement *statement, tdm_statement_env *env, void *user);
+  /** `memcopy` */
+  void (*memory_copy)(tdm_memory_copy_statement *statement, tdm_statement_env *env, void *user);
+  /** `reserved` of a layout. */
+  void (*reserved_statement)(tdm_reserved_statement *statement, tdm_statement_env *env,
+                             void *user);
+  /** Each layout of the space, in order; its statements follow, then section_layout_end. */
+  void (*section_layout_begin)(tdm_section_layout *layout, void *user);
+  void (*section_layout_end)(tdm_section_layout *layout, void *user);
+  /** `select`; the place to call tdm_selection_statement_get_sections(). */
+  void (*selection)(tdm_selection_statement *statement, tdm_statement_env *env, void *user);
+  /** `stack` of a layout. */
+  void (*stack_statement)(tdm_stack_statement *statement, tdm_statement_env *env, void *user);
+  /** `struct` */
+  void (*struct_statement)(tdm_struct_statement *statement, tdm_statement_env *env, void *user);
+  /** `copytable` of a layout. */
+  void (*table_statement)(tdm_table_statement *statement, tdm_statement_env *env, void *user);
+} tdm_walk_callbacks;
+
+/**
+ * What the library asks of a section of the caller's. Each entry takes the caller's own handle; a
+ * null entry counts as no, or as an empty text.
+ */
+typedef struct tdm_section_functions {
+  int (*is_readable)(void *handle);   /**< flag `r`; any number but 0 is yes, here and below */
+  int (*is_writable)(void *handle);   /**< flag `w` */
+  int (*is_executable)(void *handle); /**< flag `x` */
+  int (*is_inited)(void *handle);     /**< flag `i` */
+  int (*is_scratch)(void *handle);    /**< flag `s` */
+  int (*is_blanked)(void *handle);    /**< flag `b` */
+  int (*is_p)(void *handle);          /**< flag `p` */
+  /** The name that patterns are compared with; asked once, when the section is created. The text
+   *  has to stay valid during the call. */
+  const char *(*get_name)(void *handle);
+  /** The name that messages use. The text has to stay valid during the call. */
+  const char *(*get_display_name)(void *handle);
+} tdm_section_functions;
 
 /** What tdm_memory_get_type() gives. */
 enum tdm_memory_type {

@@ -1,8 +1,7 @@
 // Reads an expression from left to right and links the nodes as the rules are complete.
 #include "layout/expression_compiler.h"
 
-namespace tdm
-{
+namespace tdm {
 
 void ExpressionCompiler::run()
 {

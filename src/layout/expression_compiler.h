@@ -11,11 +11,9 @@
 
 #include "layout/regular_expression.h"
 
-namespace tdm
-{
+namespace tdm {
 
-class ExpressionCompiler
-{
+class ExpressionCompiler {
 public:
   explicit ExpressionCompiler(RegularExpression &expression)
       : expression_(expression), text_(expression.text_), position_(expression.position_)

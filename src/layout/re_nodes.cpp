@@ -6,8 +6,7 @@
 
 #include "layout/regular_expression.h"
 
-namespace
-{
+namespace {
 
 char upper(char c)
 {

@@ -11,8 +11,7 @@
 class RegularExpression;
 
 /// An empty step: true everywhere, moves nothing. Opens and closes alternatives and loops.
-class RENode
-{
+class RENode {
 public:
   explicit RENode(RegularExpression &expression) : owner_(&expression) {}
   RENode(const RENode &) = delete;
@@ -35,24 +34,21 @@ private:
 };
 
 /// True where the search began. Takes nothing.
-class REBeginOfStringNode final : public RENode
-{
+class REBeginOfStringNode final : public RENode {
 public:
   using RENode::RENode;
   [[nodiscard]] bool match() override;
 };
 
 /// True behind the last character. Takes nothing.
-class REEndOfStringNode final : public RENode
-{
+class REEndOfStringNode final : public RENode {
 public:
   using RENode::RENode;
   [[nodiscard]] bool match() override;
 };
 
 /// Takes one given character; false at the end of the subject.
-class RELiteralNode final : public RENode
-{
+class RELiteralNode final : public RENode {
 public:
   RELiteralNode(RegularExpression &expression, char character)
       : RENode(expression), character_(character)
@@ -66,8 +62,7 @@ private:
 };
 
 /// Takes any one character; false at the end of the subject.
-class REWildcardNode final : public RENode
-{
+class REWildcardNode final : public RENode {
 public:
   using RENode::RENode;
   [[nodiscard]] bool match() override;
@@ -75,8 +70,7 @@ public:
 
 /// Takes one character inside one of the ranges or, negated, outside all of them; false at the end
 /// of the subject. Characters compare as signed ones.
-class RESetNode final : public RENode
-{
+class RESetNode final : public RENode {
 public:
   using Range = std::pair<signed char, signed char>; ///< low and high, both inside
 

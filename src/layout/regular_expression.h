@@ -18,8 +18,7 @@
 #include "layout/re_nodes.h"
 
 /// What is wrong with the text of an expression. Thrown by pointer.
-class SyntaxError
-{
+class SyntaxError {
 public:
   explicit SyntaxError(std::string text) : text_(std::move(text)) {}
 
@@ -29,8 +28,7 @@ private:
   std::string text_;
 };
 
-namespace tdm
-{
+namespace tdm {
 class ExpressionCompiler;
 } // namespace tdm
 
@@ -48,8 +46,7 @@ class ExpressionCompiler;
  * and four hexadecimal digits a character value, of which the low 8 bits count; \ and any other
  * character the character itself. In a set \d, \s and \w are the letters themselves.
  */
-class RegularExpression
-{
+class RegularExpression {
 public:
   /// Throws SyntaxError *.
   RegularExpression(std::string text, bool case_sensitive);

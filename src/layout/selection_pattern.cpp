@@ -4,8 +4,7 @@
 #include "common/failures.h"
 #include "layout/regular_expression.h"
 
-namespace
-{
+namespace {
 
 /// Whether the text is a plain name at first sight: nothing of it is an operator of a pattern or of
 /// an expression. Most patterns are such names, and need neither translation nor graph.
@@ -40,8 +39,7 @@ void append_unescaped(std::string &expression, char c, bool behind_bracket)
 
 } // namespace
 
-namespace tdm
-{
+namespace tdm {
 
 TranslatedPattern translate_pattern(std::string_view pattern)
 {

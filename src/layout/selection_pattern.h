@@ -13,8 +13,7 @@
 
 class RegularExpression;
 
-class TDMSelectionPattern
-{
+class TDMSelectionPattern {
 public:
   /// A wrong pattern is refused at the location.
   TDMSelectionPattern(std::string_view pattern_text, const TDMSourceLocation &location);
@@ -30,8 +29,7 @@ private:
   std::unique_ptr<RegularExpression> regex_; ///< null if no character needed a look
 };
 
-namespace tdm
-{
+namespace tdm {
 
 struct TranslatedPattern {
   std::string expression;

@@ -10,8 +10,7 @@
 #include "layout/regular_expression.h"
 #include "layout/selection_pattern.h"
 
-namespace
-{
+namespace {
 
 TEST(PatternTranslation, CharacterByCharacter)
 {
@@ -263,8 +262,7 @@ TEST(SelectionPattern, ErrorsHaveThePlaceAndThePositionInTheExpression)
 
 /// A slow matcher that reads the expression anew for every question. Answers with sets of
 /// positions, a bit for each: where a part of the expression can end if it begins in the set.
-class PlainMatcher
-{
+class PlainMatcher {
 public:
   PlainMatcher(const std::string &text, const std::string &subject) : text_(text), subject_(subject)
   {

@@ -1,0 +1,62 @@
+// How code in the banks of a space is called: the stubs and switches that the linker makes, and
+// the numbers of the banks.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "common/tdm_object.h"
+
+class TDMFileBankDef;
+
+struct TDMBankDef : TDMObject {
+  /// The form of the stubs, as a word.
+  virtual const char *kind_name() const = 0;
+  virtual ~TDMBankDef() = default;
+
+  TDMBankDef(const TDMBankDef &) = delete;
+  TDMBankDef &operator=(const TDMBankDef &) = delete;
+
+  /// Enters a bank number; one that is there already is refused at the place.
+  void add_bank(int32_t bank, const TDMSourceLocation &place);
+
+  std::string name;           ///< the full name of the space, then ":bank"
+  std::vector<int32_t> banks; ///< ascending
+  std::optional<std::string> stub_template;
+  std::optional<std::string> stub_prefix;
+  std::optional<std::string> stub_arg_address;
+  std::optional<std::string> stub_arg_bank;
+  std::optional<std::string> space_name; ///< the space whose banks count here too
+
+protected:
+  TDMBankDef(const TDMFileBankDef &record, const std::string &space_full_name);
+};
+
+/// One stub does the whole switch.
+struct TDMSingleSwitchBankDef final : TDMBankDef {
+  TDMSingleSwitchBankDef(const TDMFileBankDef &record, const std::string &space_name,
+                         const std::string &space_full_name);
+
+  const char *kind_name() const override { return "jstub"; }
+};
+
+/// The stub calls a switch routine that each bank has of its own.
+struct TDMBankDependentSwitchBankDef final : TDMBankDef {
+  TDMBankDependentSwitchBankDef(const TDMFileBankDef &record, const std::string &space_name,
+                                const std::string &space_full_name);
+
+  const char *kind_name() const override { return "bar"; }
+
+  std::optional<std::string> stub_arg_switch;
+  std::optional<std::string> switch_template;
+  std::optional<std::string> switch_prefix;
+  std::optional<std::string> switch_arg_bank;
+};
+
+/// The kind that the record asks for: it depends on whether a switch template is given.
+std::unique_ptr<TDMBankDef> make_bank_def(const TDMFileBankDef &record,
+                                          const std::string &space_name,
+                                          const std::string &space_full_name);

@@ -1,0 +1,53 @@
+// `group`: rules of placement for all that it contains.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "expressions/expression.h"
+#include "layout/attributes.h"
+#include "layout/fill_spec.h"
+#include "layout/group_location.h"
+#include "layout/statement.h"
+
+struct TDM_CLIENT_API TDMGroup final : TDMStatement {
+  ~TDMGroup() override;
+
+  /// What it contains is a scope with this group's rules on top of those around it. Rules that
+  /// contradict each other are a failure.
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::optional<std::string> name;
+  bool contiguous = false;
+  bool clustered = false;
+  bool ordered = false;
+  bool overlay = false;
+  bool copy = false;
+  bool nocopy = false;
+  std::unique_ptr<TDMExpression> alignment;
+  std::optional<TDMAttributes> attributes;
+  std::unique_ptr<TDMFillSpec> fill;
+  bool paged = false;
+  std::unique_ptr<TDMExpression> page_number;
+  std::unique_ptr<TDMExpression> page_size;
+  std::vector<std::pair<std::unique_ptr<TDMExpression>, std::unique_ptr<TDMExpression>>> pages;
+  std::unique_ptr<TDMGroupLocation> location; ///< of `run_addr` if that is given
+  bool cross_references = false;
+  std::optional<std::string> output_section_name;
+  bool is_run_address = false; ///< whether the location is that of `run_addr`
+  bool load_time = false;
+  int32_t priority = 1; ///< 1: not given
+  std::unique_ptr<TDMStatement> statement;
+};
+
+namespace tdm {
+
+/// The environment inside the group, from the one around it.
+[[nodiscard]] std::unique_ptr<TDMStatementEnv>
+inner_environment(const TDMGroup &group, const TDMStatementEnv &outer, const LayoutSpace &space);
+
+} // namespace tdm

@@ -1,0 +1,9 @@
+// Addresses of a space that are kept free.
+#pragma once
+
+#include <cstdint>
+
+struct TDMReservedRange {
+  int64_t low = 0;
+  int64_t high = 0; ///< the first address behind the range
+};

@@ -1,0 +1,70 @@
+// `select`: which of the caller's sections go here, by name and attributes.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "layout/section_selector.h"
+#include "layout/selection_pattern.h"
+#include "layout/statement.h"
+
+struct TDMSection;
+struct TDMSectionMap;
+
+struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
+  /// What is told of each section that is taken.
+  class SectionFunction {
+  public:
+    virtual void call(TDMSection &section) = 0;
+
+  protected:
+    ~SectionFunction() = default;
+  };
+
+  /// Compiles the pattern, if there is a name. A wrong one is refused at key "sectionName".
+  TDMSelectionStatement(SourceLocations locations, std::optional<std::string> name);
+  ~TDMSelectionStatement() override;
+
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  /// Calls the function for each section of the map that is selected, in the order of the map, and
+  /// removes it from there. A plain name takes a section that has an address of its own, a pattern
+  /// doesn't. With a reference tree, the sections of the map follow that those taken refer to.
+  /// `verbose` has the environment told why sections are left out.
+  void select(TDMStatementEnv &env, TDMSectionMap &map, SectionFunction &function, bool verbose);
+
+  /// The name that alone is selected; null if there is none, or one with wildcards.
+  const std::string *literal_section_name() const;
+
+  std::optional<std::string> section_name; ///< the pattern as it was written
+  std::vector<std::unique_ptr<TDMSectionSelector>> selectors;
+  bool use_reference_tree = false;
+
+private:
+  const TDMSelectionPattern *pattern_in(const TDMStatementEnv &env);
+  bool selectors_match(const TDMSection &section) const;
+  void select_referenced(TDMStatementEnv &env, TDMSectionMap &map,
+                         const std::vector<TDMSection *> &taken, SectionFunction &function,
+                         bool verbose) const;
+
+  std::optional<TDMSelectionPattern> pattern_;
+  /// For the load-time copies of sections; made when it is first needed.
+  std::optional<TDMSelectionPattern> load_time_pattern_;
+};
+
+/// Calls a plain function with the section's handle.
+class TDM_CLIENT_API SelectionFunctionWrapper final
+    : public TDMSelectionStatement::SectionFunction {
+public:
+  using Function = void (*)(void *handle, void *user);
+
+  /// A null function isn't called.
+  SelectionFunctionWrapper(Function function, void *user) : function_(function), user_(user) {}
+  void call(TDMSection &section) override;
+
+private:
+  Function function_;
+  void *user_;
+};

@@ -1,0 +1,40 @@
+// The stacks and heaps that a space or a section setup asks for.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "common/tdm_object.h"
+#include "expressions/expression.h"
+
+class TDMFileHeapDef;
+class TDMFileStackDef;
+class TDMFileStackOrHeapDef;
+
+namespace tdm {
+class ArgumentScope;
+} // namespace tdm
+
+/// What stacks and heaps have in common.
+struct TDMStackOrHeapDef : TDMObject {
+  std::string name;
+  std::unique_ptr<TDMExpression> minimal_size; ///< evaluated when it is asked for
+  bool high_to_low = false;
+  int32_t alignment = 1;
+  bool fixed = false;
+
+protected:
+  TDMStackOrHeapDef(const TDMFileStackOrHeapDef &record, const tdm::ArgumentScope &scope);
+  ~TDMStackOrHeapDef() = default;
+};
+
+struct TDMStackDef final : TDMStackOrHeapDef {
+  TDMStackDef(const TDMFileStackDef &record, const tdm::ArgumentScope &scope);
+
+  std::unique_ptr<TDMExpression> id; ///< null if not given
+};
+
+struct TDMHeapDef final : TDMStackOrHeapDef {
+  TDMHeapDef(const TDMFileHeapDef &record, const tdm::ArgumentScope &scope);
+};

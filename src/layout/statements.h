@@ -1,0 +1,106 @@
+// The statements of a section layout but for selections (selection_statement.h) and groups
+// (group.h). They hold the plan; whoever links walks it and does the placing.
+//
+// Expressions are null where the text gives none, and are evaluated when somebody asks.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "expressions/expression.h"
+#include "layout/attributes.h"
+#include "layout/fill_spec.h"
+#include "layout/layout_space.h"
+#include "layout/statement.h"
+
+/// `"symbol" = value;` or `"symbol" := value;`
+struct TDM_CLIENT_API TDMAssignment final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string symbol;
+  int32_t op = 0; ///< 1 for `=`, 2 for `:=`
+  std::unique_ptr<TDMExpression> value;
+  bool plain = false; ///< true for `=`
+};
+
+/// Statements one after the other: a scope of the text, but none of rules.
+struct TDM_CLIENT_API TDMBlock final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::vector<std::unique_ptr<TDMStatement>> statements;
+};
+
+struct TDM_CLIENT_API TDMIfStatement final : TDMStatement {
+  /// Evaluates the condition anew, and visits the branch that it chooses.
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::unique_ptr<TDMExpression> condition;
+  std::unique_ptr<TDMStatement> true_statement;
+  std::unique_ptr<TDMStatement> false_statement; ///< null without `else`
+};
+
+struct TDM_CLIENT_API TDMHeapStatement final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string name;
+  std::unique_ptr<TDMExpression> size;
+};
+
+struct TDM_CLIENT_API TDMStackStatement final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string name;
+  std::unique_ptr<TDMExpression> size;
+};
+
+/// The place of the copy table.
+struct TDM_CLIENT_API TDMTableStatement final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+};
+
+/// An area that is kept free.
+struct TDM_CLIENT_API TDMReservedStatement final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string name;
+  std::unique_ptr<TDMExpression> size;
+  TDMAttributes attributes;
+  std::unique_ptr<TDMFillSpec> fill;
+  bool allow_alloc_absolute = false;
+  bool allow_alloc_ranged = false;
+};
+
+/// An output section that is made on the spot, with the sections that go into it.
+struct TDM_CLIENT_API TDMCreateSectionStatement final : TDMStatement {
+  /// What it contains is a scope with a fresh environment.
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string name;
+  std::optional<std::string> overflow_name;
+  std::unique_ptr<TDMExpression> size; ///< never null; the block size where no size is given
+  std::unique_ptr<TDMExpression> block_size;
+  TDMAttributes attributes;
+  std::unique_ptr<TDMFillSpec> fill;
+  std::unique_ptr<TDMStatement> statement;
+};
+
+/// A copy of the contents of a memory.
+struct TDM_CLIENT_API TDMMemoryCopyStatement final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string name;
+  tdm::LayoutMemory memory;
+  std::unique_ptr<TDMFillSpec> fill;
+};
+
+/// A section made of values.
+struct TDM_CLIENT_API TDMStructStatement final : TDMStatement {
+  void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
+
+  std::string name;
+  std::vector<std::pair<std::unique_ptr<TDMExpression>, int32_t>> members; ///< value and size
+};

@@ -1,0 +1,46 @@
+// A table of vectors that the linker is to make.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/tdm_object.h"
+#include "common/tdm_types.h"
+#include "expressions/expression.h"
+
+/// What stands in a vector.
+struct TDM_CLIENT_API TDMVectorValue final : TDMObject {
+  enum Type : int32_t { symbol_value = 1, numbers = 2, loop = 3 };
+
+  Type type = symbol_value;
+  std::string symbol;                         ///< of a symbol
+  std::vector<int64_t> values;                ///< of numbers
+  std::unique_ptr<TDMExpression> loop_offset; ///< of a loop; may be null
+};
+
+struct TDM_CLIENT_API TDMVector final : TDMObject {
+  /// The numbers of the vectors as ranges, both ends included, ascending, none next to another: a
+  /// short text can name every number there is.
+  std::vector<std::pair<int32_t, int32_t>> ids;
+  std::unique_ptr<TDMVectorValue> value; ///< null if not given
+  bool optional = false;
+};
+
+struct TDM_CLIENT_API TDMVectorTable final : TDMObject {
+  std::string name;
+  std::unique_ptr<TDMExpression> vector_size;
+  std::unique_ptr<TDMExpression> size; ///< number of vectors
+  std::optional<std::string> id_symbol_prefix;
+  std::unique_ptr<TDMExpression> run_address; ///< in the space; null if not given
+  std::string template_name;                  ///< the template section
+  std::string template_symbol_name;
+  std::optional<std::string> vector_name_prefix;
+  std::unique_ptr<TDMVectorValue> default_value; ///< null if not given
+  bool default_inline = true;
+  bool copy = false;
+  std::vector<std::unique_ptr<TDMVector>> vectors;
+};

@@ -1,0 +1,149 @@
+// Builds vector tables, and enters the names that they mention.
+#include "common/failures.h"
+#include "expressions/applications.h"
+#include "language/table_records.h"
+#include "layout/group_location.h"
+#include "layout/layout_builder.h"
+#include "layout/record_values.h"
+#include "layout/section_names.h"
+
+namespace tdm {
+
+namespace {
+
+class VectorTableBuilder {
+public:
+  VectorTableBuilder(const TDMFileVectorTable &record, const LayoutContext &context)
+      : record_(record), context_(context), table_(std::make_unique<TDMVectorTable>())
+  {
+  }
+
+  std::unique_ptr<TDMVectorTable> build()
+  {
+    copy_fields();
+    if (record_.memoryName) map_run_address();
+    if (record_.templateName) context_.names.referenced_names.push_back(*record_.templateName);
+    require_items();
+    if (names_symbol(table_->default_value)) require_symbol(table_->default_value->symbol);
+    for (const auto &vector : record_.vectors) add_vector(*vector);
+    require_numbered_symbols();
+    return std::move(table_);
+  }
+
+private:
+  void copy_fields()
+  {
+    table_->sourceLocations = record_.sourceLocations;
+    table_->name = record_.name.value_or("");
+    table_->vector_size = translate(record_.vectorSize, "vector_size");
+    table_->size = translate(record_.size, "size");
+    table_->id_symbol_prefix = record_.idSymbolPrefix;
+    table_->run_address = translate(record_.address, "run_address");
+    table_->template_name = record_.templateName.value_or("");
+    table_->template_symbol_name = record_.templateSymbolName.value_or("");
+    table_->vector_name_prefix = record_.vectorNamePrefix;
+    table_->default_value =
+        make_value(record_.defaultValue.get(), place_of(record_, "default_value"));
+    table_->default_inline = record_.defaultInline;
+    table_->copy = record_.copy;
+  }
+
+  /// An address in a memory becomes the address in the space that reaches it.
+  void map_run_address()
+  {
+    const TDMSourceLocation place = place_of(record_, "run_address");
+    const LayoutMemory memory = find_memory(context_, *record_.memoryName,
+                                            "memory reference for a vector table entry", place);
+    const AddressValue position(table_->run_address->value(), 0, memory.object->get_mau_size());
+    const auto routes = memory_to_space(context_.space, *memory.object, nullptr, position);
+    if (routes.empty())
+      throw new TDMSyntaxException(place,
+                                   "absolute location in memory for group does not map to space " +
+                                       full_name(context_.space));
+    table_->run_address = std::make_unique<TDMNumber>(routes.front().value);
+  }
+
+  void require_items() const
+  {
+    if (!record_.name) fail("no name specified for vector table");
+    if (table_->vector_size == nullptr) fail("no vector size specified for vector table");
+    if (table_->size == nullptr) fail("no size specified for vector table");
+    if (!record_.templateName) fail("no template section name specified for vector table");
+    if (!record_.templateSymbolName) fail("no template target symbol specified for vector table");
+  }
+
+  [[noreturn]] void fail(const std::string &text) const
+  {
+    throw new TDMSyntaxException(place_of(record_, "name"), text);
+  }
+
+  void add_vector(const TDMFileVector &record)
+  {
+    auto vector = std::make_unique<TDMVector>();
+    vector->sourceLocations = record.sourceLocations;
+    vector->ids.assign(record.ids.ranges().begin(), record.ids.ranges().end());
+    const TDMSourceLocation *place = record.sourceLocations.find("value");
+    vector->value =
+        make_value(record.value.get(), place != nullptr ? *place : place_of(record_, "name"));
+    vector->optional = record.optional;
+    if (names_symbol(vector->value)) {
+      if (vector->optional)
+        context_.names.optional_symbols.push_back(vector->value->symbol);
+      else
+        require_symbol(vector->value->symbol);
+    }
+    table_->vectors.push_back(std::move(vector));
+  }
+
+  std::unique_ptr<TDMVectorValue> make_value(const TDMFileVectorValue *record,
+                                             const TDMSourceLocation &place) const
+  {
+    if (record == nullptr) return nullptr;
+    auto value = std::make_unique<TDMVectorValue>();
+    value->sourceLocations = record->sourceLocations;
+    value->type = static_cast<TDMVectorValue::Type>(record->type);
+    value->symbol = record->symbolName;
+    value->values = record->values;
+    if (record->loopOffset != nullptr)
+      value->loop_offset = tdm_translate_expression(record->loopOffset.get(), context_.scope,
+                                                    value->location_or("loop_offset", place));
+    return value;
+  }
+
+  static bool names_symbol(const std::unique_ptr<TDMVectorValue> &value)
+  {
+    return value != nullptr && value->type == TDMVectorValue::symbol_value;
+  }
+
+  void require_symbol(const std::string &symbol)
+  {
+    context_.names.required_symbols.push_back({symbol});
+  }
+
+  void require_numbered_symbols()
+  {
+    const int64_t size = table_->size->value();
+    if (table_->id_symbol_prefix && size > 0)
+      context_.names.required_symbols.push_back({*table_->id_symbol_prefix, size});
+  }
+
+  std::unique_ptr<TDMExpression> translate(const ExpressionPtr &expression, LocationKey key) const
+  {
+    if (expression == nullptr) return nullptr;
+    return tdm_translate_expression(expression.get(), context_.scope, place_of(record_, key));
+  }
+
+  const TDMFileVectorTable &record_;
+  const LayoutContext &context_;
+  std::unique_ptr<TDMVectorTable> table_;
+};
+
+} // namespace
+
+std::unique_ptr<TDMVectorTable> build_vector_table(const TDMFileVectorTable &record,
+                                                   const LayoutContext &context)
+{
+  return VectorTableBuilder(record, context).build();
+}
+
+} // namespace tdm
