@@ -3,7 +3,7 @@
 #include "interface/guard.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
-#include "model/range.h"
+#include "layout/range.h"
 
 using tdm::guarded;
 

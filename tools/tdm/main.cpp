@@ -1,0 +1,63 @@
+// tdm: reads target descriptions from the command line. Each verb reads its files as one input,
+// reports what is wrong with them, and then answers.
+#include <exception>
+#include <iostream>
+#include <sstream>
+#include <unistd.h>
+
+#include "diagnostics.h"
+#include "options.h"
+#include "session.h"
+#include "usage_error.h"
+#include "verbs.h"
+
+namespace {
+
+using namespace tool;
+
+int answer(const Options &options, const Session &session, std::ostream &out)
+{
+  switch (options.verb) {
+  case Verb::check:
+    return check(options, session, out);
+  case Verb::show:
+    return options.json ? show_json(session, out) : show_text(session, out);
+  case Verb::map:
+    return map(options, session, out);
+  case Verb::deps:
+    return deps(options, session, out);
+  }
+  return exit_usage;
+}
+
+int run(const Options &options)
+{
+  const Session session(options);
+  Diagnostics(session.names(), std::cerr, shows_colors(STDERR_FILENO)).report(session);
+  const bool errors = tdm_get_error_count() > 0;
+  if (session.spec() == nullptr || (errors && options.verb == Verb::check)) return exit_errors;
+  const int result = answer(options, session, std::cout);
+  std::cout.flush();
+  if (!std::cout) {
+    std::cerr << "tdm: error: cannot write the output\n";
+    return exit_errors;
+  }
+  return errors ? exit_errors : result;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+  std::ios::sync_with_stdio(false);
+  try {
+    const Command command = read_command_line(argc, argv);
+    return command.options.has_value() ? run(*command.options) : command.exit_code;
+  } catch (const UsageError &error) {
+    std::cerr << "tdm: error: " << error.text << '\n';
+    return exit_usage;
+  } catch (const std::exception &error) {
+    std::cerr << "tdm: error: " << error.what() << '\n';
+    return exit_errors;
+  }
+}

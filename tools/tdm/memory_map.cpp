@@ -1,0 +1,75 @@
+#include "memory_map.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include <tdm_c/tdm_inspect.h>
+
+#include "format.h"
+#include "session.h"
+
+namespace tool {
+
+namespace {
+
+bool comes_before(const Region &a, const Region &b)
+{
+  const auto key = [](const Region &region) {
+    return std::tuple(region.span.low.bank, region.span.low.value, region.span.low.bits,
+                      region.span.high.value);
+  };
+  return key(a) < key(b);
+}
+
+} // namespace
+
+MemoryMap::MemoryMap(const tdm_spec *spec)
+{
+  for (const tdm_memory *memory : memories_of(spec)) add(memory);
+  for (auto &[space, regions] : regions_)
+    std::stable_sort(regions.begin(), regions.end(), comes_before);
+}
+
+void MemoryMap::add(const tdm_memory *memory)
+{
+  tdm_interval whole;
+  tdm_memory_get_addressrange(memory, &whole);
+  const int64_t failures_before = tdm_inspect_failure_count();
+  tdm_arr *results = nullptr;
+  tdm_memory_map_interval_backward_to_space(memory, &whole, &results);
+  for (const auto &result : take_elements<tdm_map_interval_result>(results)) {
+    const tdm_space *space = tdm_mapsource_get_space(static_cast<tdm_mapsource *>(result.object));
+    regions_[space].push_back({memory, result.interval, result.reserved != 0});
+  }
+  if (tdm_inspect_failure_count() != failures_before)
+    failures_.push_back(text_of(tdm_memory_get_full_name(memory)) + ": " +
+                        tdm_inspect_failure_text());
+}
+
+const std::vector<Region> &MemoryMap::of(const tdm_space *space) const
+{
+  static const std::vector<Region> nothing;
+  const auto found = regions_.find(space);
+  return found != regions_.end() ? found->second : nothing;
+}
+
+bool is_plain(const tdm_interval &interval)
+{
+  const uint64_t all = ~uint64_t{0} >> (64 - std::clamp(interval.width, 1, 64));
+  return interval.bits == all;
+}
+
+int64_t size_of(const tdm_interval &interval)
+{
+  return static_cast<int64_t>(static_cast<uint64_t>(interval.high.value) -
+                              static_cast<uint64_t>(interval.low.value));
+}
+
+std::string mask_text(const tdm_interval &interval)
+{
+  if (is_plain(interval)) return "";
+  return "bits " + hex(static_cast<int64_t>(interval.bits)) + " of " +
+         std::to_string(interval.width);
+}
+
+} // namespace tool

@@ -1,0 +1,131 @@
+// The command line: verbs, their options, and their help with an example each.
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "usage_error.h"
+
+namespace tool {
+
+namespace {
+
+/// What every verb takes. A repeated option takes one value each time, so that files may follow.
+void add_input(CLI::App &verb, Options &options)
+{
+  verb.add_option("FILE", options.files, "Descriptions; read in this order as one input")
+      ->required()
+      ->type_name("");
+  verb.add_option("-I,--include", options.include_dirs, "Look for #include files in DIR, too")
+      ->type_name("DIR")
+      ->allow_extra_args(false);
+  verb.add_option("-D,--define", options.defines, "Define a macro; its value is 1 if none is given")
+      ->type_name("NAME[=VALUE]")
+      ->allow_extra_args(false);
+}
+
+void add_check(CLI::App &app, Options &options)
+{
+  CLI::App *verb = app.add_subcommand("check", "Read a description and report what is wrong");
+  add_input(*verb, options);
+  verb->callback([&options] { options.verb = Verb::check; });
+  verb->footer("Example:\n"
+               "  tdm check -D FLASH_KB=16384 chip.tdm");
+}
+
+void add_show(CLI::App &app, Options &options)
+{
+  CLI::App *verb = app.add_subcommand("show", "Show the model: processors, spaces and memories");
+  add_input(*verb, options);
+  verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb->callback([&options] { options.verb = Verb::show; });
+  verb->footer("Example:\n"
+               "  tdm show chip.tdm\n"
+               "  tdm show --json chip.tdm | jq '.processors[].memories[].full_name'");
+}
+
+void add_map(CLI::App &app, Options &options, std::string &address)
+{
+  CLI::App *verb = app.add_subcommand("map", "Translate an address, or a span of addresses");
+  add_input(*verb, options);
+  verb->add_option("--space", options.space,
+                   "The address is one of a space: show every route to memory. NAME is\n"
+                   "processor:core:space, or the plain name if there is one such space")
+      ->type_name("NAME");
+  verb->add_option("--memory", options.memory,
+                   "The address is one of a memory: show every route back to spaces and\n"
+                   "buses. NAME is processor:memory, or the plain name")
+      ->type_name("NAME");
+  verb->add_option("--at", address,
+                   "Where, in units (MAUs) of the space or memory; END isn't part of the span.\n"
+                   "Numbers are decimal, hex (0x10) or octal (010), and k, m, g multiply by\n"
+                   "1024, 1024^2, 1024^3")
+      ->required()
+      ->type_name("[BANK:]ADDRESS[.BIT][..END]");
+  verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb->callback([&options, &address] {
+    options.verb = Verb::map;
+    if (options.space.empty() == options.memory.empty())
+      throw UsageError{"map: either --space or --memory is needed"};
+    options.place = parse_place(address);
+  });
+  verb->footer(
+      "Ends with 3 if there is no route. Addresses are shown in the form that --at takes.\n"
+      "Examples:\n"
+      "  tdm map chip.tdm --space linear --at 0x10000100\n"
+      "  tdm map chip.tdm --space chip:cpu:linear --at 3:0x4000..0x4100\n"
+      "  tdm map chip.tdm --memory flash --at 0..16k");
+}
+
+void add_deps(CLI::App &app, Options &options)
+{
+  CLI::App *verb = app.add_subcommand("deps", "List the files that are read, as a Makefile rule");
+  add_input(*verb, options);
+  verb->add_option("--target", options.target,
+                   "What depends on the files; by default the first FILE with the ending .d")
+      ->type_name("NAME");
+  verb->callback([&options] { options.verb = Verb::deps; });
+  verb->footer("Example:\n"
+               "  tdm deps --target firmware.elf chip.tdm > chip.d");
+}
+
+int refuse(const std::string &text)
+{
+  std::cerr << "tdm: error: " << text << "\nRun tdm --help, or tdm VERB --help.\n";
+  return exit_usage;
+}
+
+} // namespace
+
+Command read_command_line(int argc, char **argv)
+{
+  Options options;
+  CLI::App app("Reads target descriptions: checks them, shows them, and translates addresses.",
+               "tdm");
+  app.set_version_flag("--version", "tdm " TDM_TOOL_VERSION);
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.require_subcommand(1);
+  add_check(app, options);
+  add_show(app, options);
+  std::string address;
+  add_map(app, options, address);
+  add_deps(app, options);
+  app.footer("Examples:\n"
+             "  tdm check chip.tdm\n"
+             "  tdm show chip.tdm\n"
+             "  tdm map chip.tdm --space linear --at 0x10000100\n"
+             "  tdm deps chip.tdm\n"
+             "Exit codes: 0 in order, 1 errors in the description, 2 wrong usage, 3 no route");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success &answer) {
+    return {std::nullopt, app.exit(answer)};
+  } catch (const CLI::ParseError &error) {
+    return {std::nullopt, refuse(error.what())};
+  } catch (const UsageError &error) {
+    return {std::nullopt, refuse(error.text)};
+  }
+  return {std::move(options), exit_ok};
+}
+
+} // namespace tool

@@ -1,0 +1,37 @@
+// What the user asks for, as read from the command line.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "address.h"
+
+namespace tool {
+
+enum class Verb { check, show, map, deps };
+
+struct Options {
+  Verb verb = Verb::check;
+  std::vector<std::string> files;
+  std::vector<std::string> include_dirs;
+  std::vector<std::string> defines;
+  bool json = false;  ///< show, map
+  std::string space;  ///< map: where the address is meant; empty for a memory
+  std::string memory; ///< map: the same
+  Place place;        ///< map
+  std::string target; ///< deps: empty for the default
+};
+
+/// What the process ends with.
+enum ExitCode { exit_ok = 0, exit_errors = 1, exit_usage = 2, exit_no_route = 3 };
+
+/// Reads the command line. No options, but an exit code, when there is nothing left to do: after
+/// the help, the version or a usage error, which are printed here.
+struct Command {
+  std::optional<Options> options;
+  int exit_code = exit_ok;
+};
+[[nodiscard]] Command read_command_line(int argc, char **argv);
+
+} // namespace tool

@@ -1,0 +1,109 @@
+#include "session.h"
+
+#include <filesystem>
+
+#include <tdm_c/tdm_inspect.h>
+
+namespace tool {
+
+namespace {
+
+/// An array for the library of texts that somebody else keeps.
+class TextArray {
+public:
+  explicit TextArray(const std::vector<std::string> &texts)
+  {
+    for (const std::string &text : texts) items_.push_back(text.c_str());
+    const auto count = static_cast<uint32_t>(items_.size());
+    arr_ = {sizeof(char *), count, count, items_.data()};
+  }
+
+  [[nodiscard]] const tdm_arr *get() const { return &arr_; }
+
+private:
+  std::vector<const char *> items_;
+  tdm_arr arr_{};
+};
+
+std::vector<std::string> names_for_library(const FileNames &names,
+                                           const std::vector<std::string> &given)
+{
+  std::vector<std::string> result;
+  for (const std::string &name : given) result.push_back(names.absolute(name));
+  return result;
+}
+
+std::vector<std::string> all_names(const Options &options)
+{
+  std::vector<std::string> names = options.files;
+  for (const std::string &directory : options.include_dirs) names.push_back(directory + "/");
+  return names;
+}
+
+} // namespace
+
+Session::Session(const Options &options)
+    : names_(std::filesystem::current_path().string(), all_names(options))
+{
+  const std::vector<std::string> files = names_for_library(names_, options.files);
+  const std::vector<std::string> include_dirs = names_for_library(names_, options.include_dirs);
+  tdm_init(TextArray(options.defines).get());
+  spec_ = tdm_parse_file(TextArray(files).get(), TextArray(include_dirs).get());
+  if (spec_ == nullptr) failure_ = tdm_inspect_failure_text();
+}
+
+Session::~Session()
+{
+  tdm_spec_free(spec_);
+  tdm_cleanup();
+}
+
+std::vector<tdm_core *> cores_of(const tdm_processor *processor)
+{
+  return take_elements<tdm_core *>(tdm_processor_get_cores(processor));
+}
+
+std::vector<tdm_space *> spaces_of(const tdm_core *core)
+{
+  return take_elements<tdm_space *>(tdm_core_get_spaces(core));
+}
+
+std::vector<tdm_processor *> processors_of(const tdm_spec *spec)
+{
+  return take_elements<tdm_processor *>(tdm_spec_get_processors(spec));
+}
+
+bool is_placeholder(const tdm_space *space)
+{
+  return text_of(tdm_space_get_full_name(space)).starts_with("::");
+}
+
+const char *memory_type_name(const tdm_memory *memory)
+{
+  switch (tdm_memory_get_type(memory)) {
+  case TDM_MEMORY_RAM:
+    return "ram";
+  case TDM_MEMORY_ROM:
+    return "rom";
+  case TDM_MEMORY_NVRAM:
+    return "nvram";
+  case TDM_MEMORY_BLOCKRAM:
+    return "blockram";
+  default:
+    return "unknown";
+  }
+}
+
+std::vector<tdm_memory *> memories_of(const tdm_spec *spec)
+{
+  std::vector<tdm_memory *> memories;
+  const auto append = [&](tdm_arr *arr) {
+    for (tdm_memory *memory : take_elements<tdm_memory *>(arr)) memories.push_back(memory);
+  };
+  for (const tdm_processor *processor : processors_of(spec))
+    append(tdm_processor_get_memories(processor));
+  append(tdm_spec_get_memories(spec));
+  return memories;
+}
+
+} // namespace tool

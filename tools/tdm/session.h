@@ -1,0 +1,61 @@
+// The library from start to end, around one description.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <tdm_c/tdm.h>
+
+#include "file_names.h"
+#include "options.h"
+
+namespace tool {
+
+class Session {
+public:
+  /// Starts the library and reads the description. Reports nothing.
+  explicit Session(const Options &options);
+  ~Session();
+  Session(const Session &) = delete;
+  Session &operator=(const Session &) = delete;
+
+  /// Null if the description can't be read.
+  [[nodiscard]] const tdm_spec *spec() const { return spec_; }
+  /// Why it can't; "" otherwise.
+  [[nodiscard]] const std::string &failure() const { return failure_; }
+  [[nodiscard]] const FileNames &names() const { return names_; }
+
+private:
+  FileNames names_;
+  tdm_spec *spec_ = nullptr;
+  std::string failure_;
+};
+
+/// The elements of an array of the library, which is given back here.
+template <class Element> std::vector<Element> take_elements(tdm_arr *arr)
+{
+  if (arr == nullptr) return {};
+  const auto *items = static_cast<const Element *>(arr->items);
+  std::vector<Element> elements(items, items + arr->count);
+  tdm_arr_del(arr);
+  return elements;
+}
+
+/// "" for null.
+[[nodiscard]] inline std::string text_of(const char *text)
+{
+  return text != nullptr ? text : "";
+}
+
+// Lists of the model.
+[[nodiscard]] std::vector<tdm_core *> cores_of(const tdm_processor *processor);
+[[nodiscard]] std::vector<tdm_space *> spaces_of(const tdm_core *core);
+[[nodiscard]] std::vector<tdm_processor *> processors_of(const tdm_spec *spec);
+/// Whether it is no space of the description, but the one that stands for what isn't allocated.
+[[nodiscard]] bool is_placeholder(const tdm_space *space);
+/// "ram", "rom" ...
+[[nodiscard]] const char *memory_type_name(const tdm_memory *memory);
+/// Of all processors, then the global ones.
+[[nodiscard]] std::vector<tdm_memory *> memories_of(const tdm_spec *spec);
+
+} // namespace tool
