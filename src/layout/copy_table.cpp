@@ -41,12 +41,12 @@ TDMCopySubTable make_sub_table(const TDMFileCopySubTable &record, const tdm::Spa
   TDMCopySubTable table;
   table.symbol = *record.symbol;
   for (const auto &reference : record.spaces) {
-    TDMSpace *space = lookup.resolve(*reference);
-    if (space == nullptr)
+    const std::vector<TDMSpace *> spaces = lookup.resolve(*reference);
+    if (spaces.empty())
       throw new TDMSyntaxException(tdm::place_of(*reference, "spaceName"),
                                    "could not find space with name \"" +
                                        reference->spaceName.value_or("") + "\"");
-    table.spaces.push_back(space);
+    table.spaces.insert(table.spaces.end(), spaces.begin(), spaces.end());
   }
   return table;
 }

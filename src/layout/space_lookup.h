@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 struct TDMSpace;
 class TDMFileCopySubTableSpace;
@@ -14,9 +15,10 @@ public:
   /// The space of that name, or null.
   [[nodiscard]] virtual TDMSpace *find(const std::string &name) const = 0;
 
-  /// The space that a reference of processor, core and space means, or null when the last part is
+  /// The spaces that a reference of processor, core and space means, none when the last part is
   /// unknown; a part that may not be named here, or is missing, is refused.
-  [[nodiscard]] virtual TDMSpace *resolve(const TDMFileCopySubTableSpace &reference) const = 0;
+  [[nodiscard]] virtual std::vector<TDMSpace *>
+  resolve(const TDMFileCopySubTableSpace &reference) const = 0;
 
 protected:
   ~SpaceLookup() = default;

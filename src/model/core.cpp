@@ -136,7 +136,7 @@ TDMSpace *CoreSpaceLookup::find(const std::string &name) const
   return core_.find_space(name);
 }
 
-TDMSpace *CoreSpaceLookup::resolve(const TDMFileCopySubTableSpace &reference) const
+std::vector<TDMSpace *> CoreSpaceLookup::resolve(const TDMFileCopySubTableSpace &reference) const
 {
   if (reference.cpuName)
     throw new TDMSyntaxException(place_of(reference, "cpuName"),
@@ -144,7 +144,15 @@ TDMSpace *CoreSpaceLookup::resolve(const TDMFileCopySubTableSpace &reference) co
   if (reference.coreName)
     throw new TDMSyntaxException(place_of(reference, "coreName"),
                                  "core name not allowed in space reference");
-  return core_.find_space(reference.spaceName.value_or(""));
+  const std::string names = reference.spaceName.value_or("");
+  std::vector<TDMSpace *> members;
+  for (size_t begin = 0, end = 0; end != std::string::npos; begin = end + 1) {
+    end = names.find('|', begin);
+    TDMSpace *space = core_.find_space(names.substr(begin, end - begin));
+    if (space == nullptr) return {};
+    members.push_back(space);
+  }
+  return members;
 }
 
 } // namespace tdm

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "layout/section_names.h"
 #include "model/bus.h"
 #include "model/space.h"
 
@@ -59,6 +60,7 @@ struct TDMCore : TDMObject {
   int32_t space_id_offset = 0;
   bool imported = false;
   std::vector<TDMCore *> imported_cores;
+  tdm::SectionNames section_names;
 
 private:
   using SpaceIndex = std::unordered_map<std::string, size_t>;

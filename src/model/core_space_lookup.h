@@ -13,7 +13,10 @@ public:
   explicit CoreSpaceLookup(const TDMCore &core) : core_(core) {}
 
   [[nodiscard]] TDMSpace *find(const std::string &name) const override;
-  [[nodiscard]] TDMSpace *resolve(const TDMFileCopySubTableSpace &reference) const override;
+  /// Several names mean all these spaces: what would stand for them together can't be made before
+  /// the memories of the processor are there.
+  [[nodiscard]] std::vector<TDMSpace *>
+  resolve(const TDMFileCopySubTableSpace &reference) const override;
 
 private:
   const TDMCore &core_;

@@ -7,6 +7,7 @@
 #include "layout/record_values.h"
 #include "mapping/interval_set.h"
 #include "model/buses_in_reach.h"
+#include "model/section_items.h"
 #include "model/templates.h"
 
 namespace tdm {
@@ -24,8 +25,8 @@ void check_reserved_ranges(const TDMSpace &space)
   for (const auto &range : space.reserved_ranges) {
     try {
       occupied.insert(
-          Interval(AddressValue{range->first, 0, 8, -1}, AddressValue{range->second, 0, 8, -1}),
-          true, false);
+          Interval(AddressValue{range->low, 0, 8, -1}, AddressValue{range->high, 0, 8, -1}), true,
+          false);
     } catch (IntervalSet::OverlapException *overlap) {
       delete overlap;
       throw new TDMSyntaxError("space " + space.full_name() + " has overlapping reserved ranges");
@@ -73,6 +74,18 @@ public:
       for (const auto &memory : level.record->memories)
         processor_.memories[next_memory++]->resolve_mappings(*memory, reach, &processor_.name);
       for (const auto &core : level.record->cores) resolve_core(*core);
+    }
+  }
+
+  /// Those of a base come before those of the derivative that extends it.
+  void add_section_items(TDMCloneSpaceRegistry &registry)
+  {
+    SectionItems items(SectionTargets(registry, processor_));
+    for (auto level = chain_.rbegin(); level != chain_.rend(); ++level) {
+      for (const auto &layout : level->record->sectionLayouts)
+        items.add_layout(*layout, level->scope);
+      for (const auto &setup : level->record->sectionSetups)
+        items.apply_setup(*setup, level->scope);
     }
   }
 
@@ -176,7 +189,8 @@ const Object *first_repeated(const std::vector<std::unique_ptr<Object>> &objects
 
 } // namespace tdm
 
-TDMProcessor::TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates)
+TDMProcessor::TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates,
+                           TDMCloneSpaceRegistry &registry)
     : TDMObject{record.sourceLocations}, name(record.name.value_or("")),
       derivative_name(record.derivativeName.value_or(""))
 {
@@ -185,28 +199,30 @@ TDMProcessor::TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templ
     throw new TDMSyntaxException(tdm::place_of(record, "name"),
                                  "parent derivative " + derivative_name +
                                      " not found for processor " + name);
-  instantiate(*derivative, record.arguments, templates);
+  instantiate(*derivative, record.arguments, templates, registry);
 }
 
-TDMProcessor::TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates)
+TDMProcessor::TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates,
+                           TDMCloneSpaceRegistry &registry)
     : TDMObject{derivative.sourceLocations}, name(derivative.name.value_or("")),
       derivative_name(name)
 {
-  instantiate(derivative, {}, templates);
+  instantiate(derivative, {}, templates, registry);
 }
 
 TDMProcessor::~TDMProcessor() = default;
 
 void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
                                const std::vector<std::unique_ptr<TDMFileExpression>> &arguments,
-                               const tdm::Templates &templates)
+                               const tdm::Templates &templates, TDMCloneSpaceRegistry &registry)
 {
   tdm::DerivativeInstance instance(*this, templates);
   instance.create(derivative, arguments);
-  instance.resolve();
-  for (const auto &core : cores) core->check();
   core_index_.build(cores, [](const TDMCore &core) { return core.name; });
   memory_index_.build(memories, [](const TDMMemory &memory) { return memory.full_name(); });
+  instance.resolve();
+  instance.add_section_items(registry);
+  for (const auto &core : cores) core->check();
 }
 
 void TDMProcessor::check_names() const

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "model/clone_space_registry.h"
 #include "model/core.h"
 #include "model/memory.h"
 #include "model/name_index.h"
@@ -19,10 +20,13 @@ class Templates;
 } // namespace tdm
 
 struct TDMProcessor : TDMObject {
-  /// From a `processor` definition.
-  TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates);
+  /// From a `processor` definition. Its layouts find the spaces that stand for several in the
+  /// registry.
+  TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates,
+               TDMCloneSpaceRegistry &registry);
   /// The default processor of a derivative, with no arguments.
-  TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates);
+  TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates,
+               TDMCloneSpaceRegistry &registry);
   ~TDMProcessor();
   TDMProcessor(const TDMProcessor &) = delete;
   TDMProcessor &operator=(const TDMProcessor &) = delete;
@@ -50,7 +54,7 @@ struct TDMProcessor : TDMObject {
 private:
   void instantiate(const TDMFileDerivative &derivative,
                    const std::vector<std::unique_ptr<TDMFileExpression>> &arguments,
-                   const tdm::Templates &templates);
+                   const tdm::Templates &templates, TDMCloneSpaceRegistry &registry);
 
   tdm::NameIndex<TDMCore> core_index_;
   tdm::NameIndex<TDMMemory> memory_index_;

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "language/records.h"
+#include "layout/layout_builder.h"
 #include "layout/record_values.h"
 #include "mapping/interval_set.h"
 #include "model/buses_in_reach.h"
@@ -48,7 +49,7 @@ void TDMSpace::compute_valid_interval()
   valid_interval_ = Interval(plain_address(low, mau_size), plain_address(high, mau_size));
 }
 
-TDMAllocSpace::TDMAllocSpace(const TDMFileSpace &record, const TDMCore &core,
+TDMAllocSpace::TDMAllocSpace(const TDMFileSpace &record, TDMCore &core,
                              const tdm::ArgumentScope &scope)
 {
   sourceLocations = record.sourceLocations;
@@ -74,13 +75,14 @@ TDMAllocSpace::TDMAllocSpace(const TDMFileSpace &record, const TDMCore &core,
   read_pages(record, scope);
   page_restrict_sections = record.pageRestrictSections;
   locate_direction = record.locateDirection == tdm::kHighToLow ? TDM_HIGH_TO_LOW : TDM_LOW_TO_HIGH;
-  create_definitions(record, scope);
+  create_definitions(record, core, scope);
 
   owned_.reserve(record.mappings.size());
   for (const auto &entry : record.mappings) {
     owned_.push_back(tdm::make_forward_mapping(*entry, scope, *this, tdm::map_end(*this)));
     outgoing_.push_back(owned_.back().get());
   }
+  create_layouts(record, core, scope);
   if (outgoing_.empty())
     throw new TDMSyntaxException(tdm::place_of(record, "name"),
                                  "space " + name + " does not have any mappings");
@@ -100,7 +102,8 @@ void TDMAllocSpace::read_pages(const TDMFileSpace &record, const tdm::ArgumentSc
 }
 
 /// All that is placed in the space, in the order in which faults are found.
-void TDMAllocSpace::create_definitions(const TDMFileSpace &record, const tdm::ArgumentScope &scope)
+void TDMAllocSpace::create_definitions(const TDMFileSpace &record, TDMCore &core,
+                                       const tdm::ArgumentScope &scope)
 {
   for (const auto &stack : record.stacks)
     stacks.push_back(std::make_unique<TDMStackDef>(*stack, scope));
@@ -109,14 +112,30 @@ void TDMAllocSpace::create_definitions(const TDMFileSpace &record, const tdm::Ar
     copy_table = std::make_unique<TDMCopyTable>(*record.copyTable, scope);
   if (record.directInit != nullptr)
     direct_init = std::make_unique<TDMDirectInit>(*record.directInit, scope);
+  const std::string core_full_name = core.full_name();
+  const tdm::LayoutContext context{scope, layout_view(), nullptr, core.section_names,
+                                   core_full_name};
+  for (const auto &table : record.vectorTables)
+    vector_tables.push_back(tdm::build_vector_table(*table, context));
   for (const auto &range : record.reservedRanges) {
     const int64_t low = tdm::number_of(record, "name", *range.low, scope);
     const int64_t high = tdm::number_of(record, "name", *range.high, scope);
-    reserved_ranges.push_back(std::make_unique<std::pair<int64_t, int64_t>>(low, high));
+    reserved_ranges.push_back(std::make_unique<TDMReservedRange>(TDMReservedRange{low, high}));
   }
   if (record.startAddress != nullptr)
     start_address = std::make_unique<TDMStartAddress>(*record.startAddress, scope);
   if (!record.banks.empty()) bank_def = make_bank_def(*record.banks.front(), name, full_name());
+}
+
+/// Inside the definition of a space no memory can be named.
+void TDMAllocSpace::create_layouts(const TDMFileSpace &record, TDMCore &core,
+                                   const tdm::ArgumentScope &scope)
+{
+  const std::string core_full_name = core.full_name();
+  const tdm::LayoutContext context{scope, layout_view(), nullptr, core.section_names,
+                                   core_full_name};
+  for (const auto &layout : record.sectionLayouts)
+    section_layouts.push_back(tdm::build_section_layout(*layout, context));
 }
 
 void TDMAllocSpace::check_mappings() const

@@ -5,24 +5,30 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common/tdm_object.h"
 #include "layout/bank_def.h"
 #include "layout/copy_table.h"
+#include "layout/input_modification.h"
+#include "layout/layout_space.h"
+#include "layout/range.h"
+#include "layout/reserved_range.h"
+#include "layout/section_layout.h"
 #include "layout/stack_heap_def.h"
 #include "layout/start_address.h"
+#include "layout/vector_table.h"
 #include "mapping/interval.h"
 #include "mapping/map_graph.h"
 #include "mapping/mapping.h"
-#include "model/range.h"
 
 struct TDMBus;
 struct TDMCore;
 class TDMFileMapping;
 class TDMFileSpace;
+struct TDMSpaceWalker;
 
 namespace tdm {
 class ArgumentScope;
@@ -42,6 +48,8 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   virtual void resolve_mappings(TDMCore &core, const tdm::BusesInReach &buses,
                                 const TDMFileSpace &record) = 0;
   virtual ~TDMSpace();
+  /// Reads the space to the walker: its definitions, then its layouts. A failure ends the walk.
+  virtual void walk(TDMSpaceWalker &walker);
 
   void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
   const std::vector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
@@ -51,6 +59,8 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
 
   [[nodiscard]] std::string full_name() const;
   [[nodiscard]] const Interval &valid_interval() const { return valid_interval_; }
+  /// The space as layouts see it.
+  [[nodiscard]] const tdm::LayoutSpace &layout_view() const { return view_; }
 
   std::string name;
   const std::string *core_name = nullptr;
@@ -67,9 +77,13 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   std::vector<std::unique_ptr<TDMHeapDef>> heaps;
   std::unique_ptr<TDMCopyTable> copy_table;
   std::unique_ptr<TDMDirectInit> direct_init;
-  std::vector<std::unique_ptr<std::pair<int64_t, int64_t>>> reserved_ranges;
+  std::vector<std::unique_ptr<TDMVectorTable>> vector_tables;
+  std::vector<std::unique_ptr<TDMReservedRange>> reserved_ranges;
   std::unique_ptr<TDMStartAddress> start_address;
   std::unique_ptr<TDMBankDef> bank_def;
+  std::vector<std::unique_ptr<TDMSectionLayout>> section_layouts;
+  std::set<int32_t> prohibited_spaces; ///< ids of the spaces that sections here can't refer to
+  std::vector<std::unique_ptr<TDMInputModification>> input_modifications;
 
 protected:
   TDMSpace() = default;
@@ -82,11 +96,35 @@ protected:
   std::vector<TDMMapping *> outgoing_;
   std::vector<TDMMapping *> incoming_;
   std::vector<std::unique_ptr<TDMMapping>> owned_;
+
+private:
+  class View final : public tdm::LayoutSpace {
+  public:
+    explicit View(const TDMSpace &space) : space_(space) {}
+
+    [[nodiscard]] const TDMMapSource &source() const override { return space_; }
+    [[nodiscard]] const TDMMapDestination &destination() const override { return space_; }
+    [[nodiscard]] int32_t page_size() const override { return space_.page_size; }
+    [[nodiscard]] const std::vector<std::unique_ptr<TDMRange>> &page_ranges() const override
+    {
+      return space_.page_ranges;
+    }
+    [[nodiscard]] const tdm::LayoutSpace *address_literal_space() const override
+    {
+      return space_.address_literal_space != nullptr ? &space_.address_literal_space->view_
+                                                     : nullptr;
+    }
+
+  private:
+    const TDMSpace &space_;
+  };
+
+  View view_{*this};
 };
 
 /// A space that a description defines.
 struct TDMAllocSpace final : TDMSpace {
-  TDMAllocSpace(const TDMFileSpace &record, const TDMCore &core, const tdm::ArgumentScope &scope);
+  TDMAllocSpace(const TDMFileSpace &record, TDMCore &core, const tdm::ArgumentScope &scope);
 
   void check_mappings() const override;
   void resolve_mappings(TDMCore &core, const tdm::BusesInReach &buses,
@@ -94,7 +132,9 @@ struct TDMAllocSpace final : TDMSpace {
 
 private:
   void read_pages(const TDMFileSpace &record, const tdm::ArgumentScope &scope);
-  void create_definitions(const TDMFileSpace &record, const tdm::ArgumentScope &scope);
+  void create_definitions(const TDMFileSpace &record, TDMCore &core,
+                          const tdm::ArgumentScope &scope);
+  void create_layouts(const TDMFileSpace &record, TDMCore &core, const tdm::ArgumentScope &scope);
   void resolve_mapping(TDMMapping &mapping, const TDMFileMapping &record, TDMCore &core,
                        const tdm::BusesInReach &buses);
 };

@@ -9,6 +9,7 @@
 #include "model/buses_in_reach.h"
 #include "model/default_derivative.h"
 #include "model/overlap_check.h"
+#include "model/section_items.h"
 #include "model/templates.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/string_pool.h"
@@ -73,16 +74,25 @@ void TDMSpec::build(const TDMFileInterface &records)
   create_globals(records);
   processor_index_.build(processors, [](const TDMProcessor &object) { return object.name; });
   memory_index_.build(memories, [](const TDMMemory &object) { return object.name; });
+  add_section_items(records);
+}
+
+void TDMSpec::add_section_items(const TDMFileInterface &records)
+{
+  const tdm::ArgumentScope no_parameters;
+  tdm::SectionItems items((tdm::SectionTargets(*this)));
+  for (const auto &setup : records.sectionSetups) items.apply_setup(*setup, no_parameters);
+  for (const auto &layout : records.sectionLayouts) items.add_layout(*layout, no_parameters);
 }
 
 void TDMSpec::create_processors(const TDMFileInterface &records)
 {
   const tdm::Templates templates(records.architectures, records.derivatives);
   for (const auto &record : records.processors)
-    processors.push_back(std::make_unique<TDMProcessor>(*record, templates));
+    processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this));
   if (processors.empty())
     for (const auto &record : records.derivatives)
-      processors.push_back(std::make_unique<TDMProcessor>(*record, templates));
+      processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this));
   if (processors.empty()) create_default_processors(records, templates);
 }
 
@@ -97,7 +107,7 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
   for (const auto &record : records.architectures) {
     if (bases.count(*record->name) != 0) continue;
     const auto derivative = tdm::make_default_derivative(*record, templates);
-    processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates));
+    processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates, *this));
   }
 }
 

@@ -57,6 +57,7 @@ private:
   void create_processors(const TDMFileInterface &records);
   void create_default_processors(const TDMFileInterface &records, const tdm::Templates &templates);
   void create_globals(const TDMFileInterface &records);
+  void add_section_items(const TDMFileInterface &records);
   void check() const;
   void check_names() const;
 

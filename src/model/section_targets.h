@@ -1,0 +1,78 @@
+// Finds what section layouts and setups, and the references in them, name: a processor, a core and
+// a space, each of which may be left out where there is only one.
+//
+// A layout at file level can name all three. One in a derivative lies in the processor that is
+// being instantiated, and the name of a processor isn't looked at there. Several space names stand
+// for the one space that stands for all of these, which is made when it is first named.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "common/source_location.h"
+#include "layout/layout_space.h"
+#include "model/clone_space_registry.h"
+
+class TDMFileCopySubTableSpace;
+class TDMFileSectionLayout;
+class TDMFileSectionSetup;
+struct TDMProcessor;
+struct TDMSpace;
+struct TDMSpec;
+
+namespace tdm {
+
+struct TargetWords;
+
+class SectionTargets {
+public:
+  struct Target {
+    TDMProcessor *processor;
+    TDMCore *core;
+    TDMSpace *space;
+  };
+
+  /// Of the file level.
+  explicit SectionTargets(TDMSpec &spec);
+  /// Of a derivative.
+  SectionTargets(TDMCloneSpaceRegistry &registry, TDMProcessor &processor);
+
+  /// What is missing or unknown is refused.
+  [[nodiscard]] Target find(const TDMFileSectionLayout &record);
+  [[nodiscard]] Target find(const TDMFileSectionSetup &record);
+
+  /// The space of a reference, or null if there is none of that name. A processor or core that may
+  /// not be named here, is missing, or is unknown, is refused.
+  [[nodiscard]] TDMSpace *resolve(const TDMFileCopySubTableSpace &reference);
+
+  [[nodiscard]] bool at_file_level() const { return spec_ != nullptr; }
+
+  /// A memory that a layout of the processor names: of the processor, by name or full name, and at
+  /// file level also a global one. The object is null if there is none.
+  [[nodiscard]] LayoutMemory find_memory(const TDMProcessor &processor,
+                                         const std::string &name) const;
+
+private:
+  /// What the members of a group of spaces can be called by, for one core.
+  using Members = std::unordered_map<std::string, TDMSpace *>;
+
+  template <class Record> Target find(const Record &record, const TargetWords &words);
+  TDMProcessor &find_processor(const std::string *name, const TargetWords &words,
+                               const TDMSourceLocation &place) const;
+  TDMSpace *find_space(TDMProcessor &processor, TDMCore &core, const std::string &name,
+                       const TDMSourceLocation &place);
+  TDMSpace *clone_space(TDMProcessor &processor, TDMCore &core, const std::string &names,
+                        const TDMSourceLocation &place);
+  const Members &members_of(const TDMProcessor &processor, const TDMCore &core);
+
+  TDMProcessor &referenced_processor(const TDMFileCopySubTableSpace &reference) const;
+
+  TDMCloneSpaceRegistry &registry_;
+  TDMSpec *spec_ = nullptr;           ///< at file level
+  TDMProcessor *processor_ = nullptr; ///< in a derivative
+  std::unordered_map<const TDMCore *, Members> members_;
+};
+
+} // namespace tdm
