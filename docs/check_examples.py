@@ -1,0 +1,75 @@
+#!/usr/bin/env python3
+"""Runs the examples of the documents, so that they can't go stale.
+
+    check_examples.py TDM
+
+A block marked ```tdm is a complete description: `tdm check` must take it. A block marked ```tdm-map
+holds addresses in the description before it, in the columns space, address and expected of
+examples/checks.txt. The C program of README.md must be examples/c/translate.c to the letter.
+"""
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BLOCK = re.compile(r"^```(\S*)\n(.*?)^```$", re.M | re.S)
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(ROOT / "examples"))
+from demo import reached  # pylint: disable=wrong-import-position
+
+
+def run(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=False)
+
+
+def map_faults(tdm, description, table, where):
+    for row in table.splitlines():
+        space, address, expected = row.split()
+        found = run(tdm, "map", description, "--space", space, "--at", address, "--json")
+        try:
+            answer = reached(json.loads(found.stdout))
+        except ValueError:
+            answer = found.stdout + found.stderr
+        if answer.lower() != expected.lower():
+            yield f"{where}: {space} {address}: expected {expected}, found {answer}"
+
+
+def document_faults(tdm, document, description):
+    """Descriptions are written to the file of that name, one after the other."""
+    text = document.read_text(encoding="utf-8")
+    for block in BLOCK.finditer(text):
+        where = f"{document.relative_to(ROOT)}:{text.count(chr(10), 0, block.start()) + 1}"
+        if block[1] == "tdm":
+            pathlib.Path(description).write_text(block[2], encoding="utf-8")
+            found = run(tdm, "check", description)
+            if found.returncode != 0:
+                yield f"{where}: {found.stdout}{found.stderr}"
+        elif block[1] == "tdm-map":
+            yield from map_faults(tdm, description, block[2], where)
+
+
+def readme_faults():
+    programs = [block[2] for block in BLOCK.finditer((ROOT / "README.md").read_text("utf-8"))
+                if block[1] == "c"]
+    if programs != [(ROOT / "examples/c/translate.c").read_text("utf-8")]:
+        yield "README.md: the C program isn't examples/c/translate.c"
+
+
+def main():
+    tdm = os.path.abspath(sys.argv[1])
+    faults = list(readme_faults())
+    with tempfile.TemporaryDirectory() as folder:
+        description = os.path.join(folder, "example.tdm")
+        for document in sorted((ROOT / "docs").glob("*.md")):
+            faults += document_faults(tdm, document, description)
+    print("\n".join(faults) or "all examples of the documents hold")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
