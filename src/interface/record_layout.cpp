@@ -41,6 +41,21 @@ static_assert(sizeof(tdm_map_address_result) == 40 &&
               offsetof(tdm_map_address_result, address) == 8 &&
               offsetof(tdm_map_address_result, reserved) == 32);
 
+static_assert(sizeof(tdm_walk_callbacks) == 25 * pointer &&
+              offsetof(tdm_walk_callbacks, stack_def) == 0 &&
+              offsetof(tdm_walk_callbacks, assignment) == 7 * pointer &&
+              offsetof(tdm_walk_callbacks, group_begin) == 14 * pointer &&
+              offsetof(tdm_walk_callbacks, section_layout_begin) == 19 * pointer &&
+              offsetof(tdm_walk_callbacks, table_statement) == 24 * pointer);
+
+static_assert(sizeof(tdm_section_functions) == 9 * pointer &&
+              offsetof(tdm_section_functions, is_readable) == 0 &&
+              offsetof(tdm_section_functions, is_p) == 6 * pointer &&
+              offsetof(tdm_section_functions, get_display_name) == 8 * pointer);
+
+static_assert(sizeof(tdm_expression_callbacks) == 2 * pointer &&
+              offsetof(tdm_expression_callbacks, symbol_defined) == pointer);
+
 static_assert(sizeof(tdm_inspect_message) == 48 && offsetof(tdm_inspect_message, letter) == 0 &&
               offsetof(tdm_inspect_message, number) == 4 &&
               offsetof(tdm_inspect_message, position) == 8 &&

@@ -549,6 +549,281 @@ TDM_API int tdm_memory_map_addressvalue_backward_to_space(const tdm_memory *memo
                                                           const tdm_addressvalue *address,
                                                           tdm_arr **results);
 
+/* ============================================================================================== */
+/* Walk a space                                                                                   */
+/* ============================================================================================== */
+
+/**
+ * Reads a space to the caller: its definitions and then its section layouts, statement by
+ * statement, in one fixed order.
+ *
+ * @param space                 whose definitions and layouts are read; not null
+ * @param callbacks             called for what is met, see tdm_walk_callbacks; it has to stay valid
+ *                              during the call. Null stands for a table of nulls.
+ * @param user                  handed to each callback
+ * @param expression_callbacks  what `exists` in the condition of an `if` asks; null: a condition
+ *                              that asks it is a failure
+ * @param expression_user       handed to those
+ *
+ * The order: every stack_def, every heap_def, copy_table, direct_init if there is one, every
+ * vector_table_begin, every reserved_range; then for each layout section_layout_begin, its
+ * statements, section_layout_end; at last every vector_table_end.
+ *
+ * The first failure ends the walk where it stands, without the ends of what is open, and the last
+ * error text says why: rules of a group that contradict those around it, or a condition that needs
+ * what a caller of this interface can't give. There is no result: tdm_inspect_failure_count() tells
+ * whether the walk failed.
+ */
+TDM_API void tdm_space_walk(tdm_space *space, const tdm_walk_callbacks *callbacks, void *user,
+                            const tdm_expression_callbacks *expression_callbacks,
+                            void *expression_user);
+
+/* ============================================================================================== */
+/* What a walk hands out: definitions of a space                                                  */
+/* ============================================================================================== */
+
+/*
+ * Sizes of definitions and statements count in MAUs of the space. They are evaluated when they are
+ * first asked for; one that needs the addresses or sizes of sections is a failure, 0. Source
+ * locations belong to the spec and are null where none is known.
+ */
+
+/** The name of a stack, as it was written. */
+TDM_API const char *tdm_stack_def_get_name(const tdm_stack_def *definition);
+
+/** Its least size. */
+TDM_API int64_t tdm_stack_def_get_minimal_size(const tdm_stack_def *definition);
+
+/** Its alignment, in MAUs of the space. @return 1 if the definition gives none. */
+TDM_API int tdm_stack_def_get_alignment(const tdm_stack_def *definition);
+
+/** 1 if its size is fixed at the least size, else 0. */
+TDM_API int tdm_stack_def_get_fixed(const tdm_stack_def *definition);
+
+/** Where its name stands. */
+TDM_API tdm_source_location *tdm_stack_def_get_source_location(const tdm_stack_def *definition);
+
+/** The name of a heap, as it was written. */
+TDM_API const char *tdm_heap_def_get_name(const tdm_heap_def *definition);
+
+/** Its least size. */
+TDM_API int64_t tdm_heap_def_get_minimal_size(const tdm_heap_def *definition);
+
+/** Its alignment, in MAUs of the space. @return 1 if the definition gives none. */
+TDM_API int tdm_heap_def_get_alignment(const tdm_heap_def *definition);
+
+/** 1 if its size is fixed at the least size, else 0. */
+TDM_API int tdm_heap_def_get_fixed(const tdm_heap_def *definition);
+
+/** Where its name stands. */
+TDM_API tdm_source_location *tdm_heap_def_get_source_location(const tdm_heap_def *definition);
+
+/** The first address of a reserved range, in MAUs of the space. */
+TDM_API int64_t tdm_reserved_range_get_low(const tdm_reserved_range *range);
+
+/** Its second bound, in MAUs of the space: the first address behind it. */
+TDM_API int64_t tdm_reserved_range_get_high(const tdm_reserved_range *range);
+
+/** The name of a vector table. */
+TDM_API const char *tdm_vector_table_get_name(const tdm_vector_table *table);
+
+/** The number of its vectors. */
+TDM_API int64_t tdm_vector_table_get_size(const tdm_vector_table *table);
+
+/** The size of one vector, in MAUs of the space. */
+TDM_API int64_t tdm_vector_table_get_vector_size(const tdm_vector_table *table);
+
+/** Its address, in MAUs of the space. @return 0 also if the definition gives none. */
+TDM_API int64_t tdm_vector_table_get_run_address(const tdm_vector_table *table);
+
+/** Where its name stands. */
+TDM_API tdm_source_location *tdm_vector_table_get_source_location(const tdm_vector_table *table);
+
+/* ============================================================================================== */
+/* What a walk hands out: statements                                                              */
+/* ============================================================================================== */
+
+/** Where a layout begins. */
+TDM_API tdm_source_location *
+tdm_section_layout_get_source_location(const tdm_section_layout *layout);
+
+/** The alignment of the innermost scope that sets one, in MAUs of the space; 0 if none does. */
+TDM_API int64_t tdm_statement_env_get_alignment(const tdm_statement_env *env);
+
+/** The name of a section that is made on the spot. */
+TDM_API const char *
+tdm_create_section_statement_get_name(const tdm_create_section_statement *statement);
+
+/** Its size, or its block size if only that is given; above 0. */
+TDM_API int64_t
+tdm_create_section_statement_get_size(const tdm_create_section_statement *statement);
+
+/** Its attributes, which belong to the statement; a set without flags if none are written. */
+TDM_API tdm_attributes *
+tdm_create_section_statement_get_attributes(const tdm_create_section_statement *statement);
+
+/** Where it begins. */
+TDM_API tdm_source_location *
+tdm_create_section_statement_get_source_location(const tdm_create_section_statement *statement);
+
+/** The name of a heap in a layout. */
+TDM_API const char *tdm_heap_statement_get_name(const tdm_heap_statement *statement);
+
+/** Its size; 0 if none is given. */
+TDM_API int64_t tdm_heap_statement_get_size(const tdm_heap_statement *statement);
+
+/** Where its name stands. */
+TDM_API tdm_source_location *
+tdm_heap_statement_get_source_location(const tdm_heap_statement *statement);
+
+/** The name of a stack in a layout. */
+TDM_API const char *tdm_stack_statement_get_name(const tdm_stack_statement *statement);
+
+/** Its size; 0 if none is given. */
+TDM_API int64_t tdm_stack_statement_get_size(const tdm_stack_statement *statement);
+
+/** Where its name stands. */
+TDM_API tdm_source_location *
+tdm_stack_statement_get_source_location(const tdm_stack_statement *statement);
+
+/** The name of a reserved area in a layout. */
+TDM_API const char *tdm_reserved_statement_get_name(const tdm_reserved_statement *statement);
+
+/** Its size; 0 if none is given. */
+TDM_API int64_t tdm_reserved_statement_get_size(const tdm_reserved_statement *statement);
+
+/** Its attributes, which belong to the statement; a set without flags if none are written. */
+TDM_API tdm_attributes *
+tdm_reserved_statement_get_attributes(const tdm_reserved_statement *statement);
+
+/** 1 if sections with an address of their own may lie in it. */
+TDM_API int
+tdm_reserved_statement_get_alloc_allowed_absolute(const tdm_reserved_statement *statement);
+
+/** 1 if sections with ranges of their own may lie in it. */
+TDM_API int
+tdm_reserved_statement_get_alloc_allowed_ranged(const tdm_reserved_statement *statement);
+
+/** Where its name stands. */
+TDM_API tdm_source_location *
+tdm_reserved_statement_get_source_location(const tdm_reserved_statement *statement);
+
+/** Where the statement `copytable` stands. */
+TDM_API tdm_source_location *
+tdm_table_statement_get_source_location(const tdm_table_statement *statement);
+
+/** Flag `r` of a set of attributes: 1 or 0, as all flags. */
+TDM_API int tdm_attributes_is_readable(const tdm_attributes *attributes);
+
+/** Flag `w`. */
+TDM_API int tdm_attributes_is_writable(const tdm_attributes *attributes);
+
+/** Flag `x`. */
+TDM_API int tdm_attributes_is_executable(const tdm_attributes *attributes);
+
+/** Flag `i`. */
+TDM_API int tdm_attributes_is_inited(const tdm_attributes *attributes);
+
+/** Flag `s`. */
+TDM_API int tdm_attributes_is_scratch(const tdm_attributes *attributes);
+
+/** Flag `b`. */
+TDM_API int tdm_attributes_is_blanked(const tdm_attributes *attributes);
+
+/** 1 if no flag of the set is 1, the flag `p` counted in, which has no function of its own. */
+TDM_API int tdm_attributes_none(const tdm_attributes *attributes);
+
+/* ============================================================================================== */
+/* What a walk hands out: groups                                                                  */
+/* ============================================================================================== */
+
+/** Where a group is to go: its run address, or its load address if it has no other. @return null if
+ *  it has neither. */
+TDM_API tdm_group_location *tdm_group_get_address(const tdm_group *group);
+
+/** Where the group begins. */
+TDM_API tdm_source_location *tdm_group_get_source_location(const tdm_group *group);
+
+/** 1 if a location is an address, 0 if it is ranges. */
+TDM_API int tdm_group_location_is_address(const tdm_group_location *location);
+
+/*
+ * The four functions below give numbers in MAUs of the space of the layout, computed anew for each
+ * call: a location that is written in a memory or in the address literal space is translated to
+ * the space. One that doesn't reach the space is a failure, 0.
+ */
+
+/** The address; 0 for a location of ranges. */
+TDM_API int64_t tdm_group_location_get_address(const tdm_group_location *location);
+
+/** How many ranges the location has in the space: one for each that is written in addresses, one
+ *  for each route from a memory. An address counts as one, from the address to the address. */
+TDM_API int tdm_group_location_count_ranges(const tdm_group_location *location);
+
+/** The lower bound of a range. @param index from 0 to the number of ranges - 1 */
+TDM_API int64_t tdm_group_location_get_range_start(const tdm_group_location *location, int index);
+
+/** The upper bound of a range: as it is written, or the first address behind a range of a memory.
+ *  @param index from 0 to the number of ranges - 1 */
+TDM_API int64_t tdm_group_location_get_range_end(const tdm_group_location *location, int index);
+
+/* ============================================================================================== */
+/* Select sections                                                                                */
+/* ============================================================================================== */
+
+/**
+ * A section of the caller's, in the form in which selections take it.
+ *
+ * @param handle     handed to each of the functions
+ * @param functions  what the library asks of the section, see tdm_section_functions; not copied: it
+ *                   has to stay valid while the section exists. Not null.
+ * @return a new section, which the caller ends with tdm_section_delete(); null if no memory is left
+ *
+ * The name is asked for here and never again.
+ */
+TDM_API tdm_section *tdm_section_create(void *handle, const tdm_section_functions *functions);
+
+/** Ends a section. Null does nothing. */
+TDM_API void tdm_section_delete(tdm_section *section);
+
+/** The one name that a selection is for. @return null if it has no name, or one with wildcards. */
+TDM_API const char *
+tdm_selection_statement_get_literal_section_name(const tdm_selection_statement *statement);
+
+/** 1 if it also selects the sections that those selected refer to (`ref_tree`), else 0. */
+TDM_API int tdm_selection_statement_use_reference_tree(const tdm_selection_statement *statement);
+
+/** Its conditions on attributes, one for each `attributes`. @return a new array of
+ *  `tdm_section_selector *`, which can only be counted. */
+TDM_API tdm_arr *tdm_selection_statement_get_selectors(const tdm_selection_statement *statement);
+
+/**
+ * Calls the function for each section that the statement selects.
+ *
+ * @param statement  from the callback `selection` of a walk
+ * @param env        the environment that came with it
+ * @param sections   array of `tdm_section *`: those that are still to be placed; not null. It is
+ *                   only read: a caller that doesn't want a section to be selected again takes it
+ *                   out itself. A section that stands in it twice counts once.
+ * @param function   gets the handle of tdm_section_create() and `user`; may be null. It may delete
+ *                   the section.
+ * @param verbose    not 0: the environment is told why sections are left out. Environments of
+ *                   tdm_space_walk() ignore that.
+ * @param user       handed to the function
+ *
+ * Sections come in the order of their names as bytes, those of one name in the order of the array.
+ * A statement with neither a name nor attributes selects all. Inside a `load_addr` group the name
+ * means the load-time copy, whose name is the section's in square brackets.
+ */
+TDM_API void tdm_selection_statement_get_sections(tdm_selection_statement *statement,
+                                                  tdm_statement_env *env, const tdm_arr *sections,
+                                                  void (*function)(void *handle, void *user),
+                                                  int verbose, void *user);
+
+/** Where it begins. */
+TDM_API tdm_source_location *
+tdm_selection_statement_get_source_location(const tdm_selection_statement *statement);
+
 #ifdef __cplusplus
 }
 #endif
