@@ -24,8 +24,11 @@ inline std::ostream &operator<<(std::ostream &out, const AddressValue &a)
 
 inline std::ostream &operator<<(std::ostream &out, const Interval &i)
 {
-  return out << '[' << i.low << ", " << i.high << ") " << i.pattern.width << ':' << std::hex
-             << i.pattern.bits << " p" << i.priority << " e" << i.exec_priority << std::dec;
+  out << '[' << i.low << ", " << i.high << ") " << i.pattern.width << ':' << std::hex
+      << i.pattern.bits;
+  if (i.priority != Interval::priority_one || i.exec_priority != Interval::priority_one)
+    out << " p" << i.priority << " e" << i.exec_priority;
+  return out << std::dec;
 }
 
 template <class T> std::string text_of(const T &value)
