@@ -18,9 +18,7 @@
 
 struct AddressValue {
   /// Two positions that are counted in different units met. Thrown by pointer.
-  class MauException : public MauLibException
-  {
-  };
+  class MauException : public MauLibException {};
 
   int64_t value = 0;
   int16_t bits = 0;

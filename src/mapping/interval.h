@@ -25,8 +25,7 @@ struct Interval {
   static constexpr int32_t priority_one = 0x10000;
 
   /// A mask that would be wider than 64 bits, or has no width. Thrown by pointer.
-  class PatternOverflowException
-  {
+  class PatternOverflowException {
   public:
     explicit PatternOverflowException(std::string text) : text_(std::move(text)) {}
 

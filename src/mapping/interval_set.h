@@ -10,8 +10,7 @@
 
 #include "mapping/interval.h"
 
-namespace tdm
-{
+namespace tdm {
 
 /// The order of IntervalSet: intervals whose spans meet are equivalent.
 struct IntervalBefore {
@@ -20,12 +19,10 @@ struct IntervalBefore {
 
 } // namespace tdm
 
-class IntervalSet
-{
+class IntervalSet {
 public:
   /// An insert met bits that are taken. Thrown by pointer.
-  class OverlapException : public MauLibException
-  {
+  class OverlapException : public MauLibException {
   public:
     explicit OverlapException(const Interval &overlap) : overlap_(overlap) {}
 

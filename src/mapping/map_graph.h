@@ -35,8 +35,7 @@ protected:
   ~TDMMapDestination() = default;
 };
 
-namespace tdm
-{
+namespace tdm {
 
 enum class NodeKind : uint8_t { space, bus, memory };
 

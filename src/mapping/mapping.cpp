@@ -4,8 +4,7 @@
 #include "common/failures.h"
 #include "mapping/mapping_index.h"
 
-namespace
-{
+namespace {
 
 /// The lines of an end as a mask over its width; lines beyond the width don't exist.
 Interval::Pattern line_pattern(const tdm::DataLines &lines, int32_t width)

@@ -15,8 +15,7 @@
 #include "mapping/interval.h"
 #include "mapping/map_graph.h"
 
-namespace tdm
-{
+namespace tdm {
 
 class MappingIndex;
 

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 
-namespace tdm
-{
+namespace tdm {
 
 const MappingIndex *MappingIndex::of(const std::vector<TDMMapping *> &list, MapDirection direction)
 {

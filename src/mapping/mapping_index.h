@@ -11,8 +11,7 @@
 
 #include "mapping/mapping.h"
 
-namespace tdm
-{
+namespace tdm {
 
 enum class MapDirection : uint8_t { forward, backward };
 
@@ -30,8 +29,7 @@ enum class MapDirection : uint8_t { forward, backward };
   return span.low.value <= high && span.high.value >= low;
 }
 
-class MappingIndex
-{
+class MappingIndex {
 public:
   /// Below this length a list is gone through as it is.
   static constexpr size_t min_length = 32;

@@ -10,10 +10,8 @@
 
 #include <algorithm>
 
-namespace tdm
-{
-namespace
-{
+namespace tdm {
+namespace {
 
 using Pattern = Interval::Pattern;
 

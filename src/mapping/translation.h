@@ -10,8 +10,7 @@
 
 #include "mapping/mapping.h"
 
-namespace tdm
-{
+namespace tdm {
 
 /// What an address stands for: a position, or the end of a span, which isn't part of it.
 enum class Bound : uint8_t { position, end };

@@ -11,8 +11,7 @@
 
 #include "mapping/interval.h"
 
-namespace tdm
-{
+namespace tdm {
 
 [[nodiscard]] inline bool same_value(const AddressValue &a, const AddressValue &b)
 {
@@ -23,8 +22,7 @@ namespace tdm
   return a.low == b.low && a.high == b.high && a.pattern == b.pattern;
 }
 
-template <class Value> class VisitedSet
-{
+template <class Value> class VisitedSet {
 public:
   void insert(const void *node, const Value &value)
   {

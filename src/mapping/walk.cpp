@@ -10,10 +10,8 @@
 #include "mapping/mapping_index.h"
 #include "mapping/visited_set.h"
 
-namespace tdm
-{
-namespace
-{
+namespace tdm {
+namespace {
 
 constexpr const AddressValue &low_of(const AddressValue &address)
 {

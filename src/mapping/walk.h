@@ -12,8 +12,7 @@
 
 #include "mapping/translation.h"
 
-namespace tdm
-{
+namespace tdm {
 
 /// Where a walk is given up. Buses that are mapped onto each other with different offsets can shift
 /// a value in a circle without an end in sight, and a few lines of text must not hang the process.

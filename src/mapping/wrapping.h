@@ -5,8 +5,7 @@
 
 #include <cstdint>
 
-namespace tdm
-{
+namespace tdm {
 
 [[nodiscard]] constexpr int64_t wrap_add(int64_t a, int64_t b)
 {
