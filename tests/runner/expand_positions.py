@@ -102,11 +102,11 @@ REFERENCE = r'(".*?"|.+?)(?:#(-?\d+))?'
 def expand(line, tokens, name):
     if line == '//= @valid':
         return f'//= error ["{name}" 0/0] syntax error: no architectures defined'
-    match = re.match(r'//= @([!?]?)' + REFERENCE + r'\|(?!\|)(.*)$', line)
+    match = re.match(r'(//= +)@([!?]?)' + REFERENCE + r'\|(?!\|)(.*)$', line)
     if match:
-        label = {'': 'syntax error: ', '!': '', '?': 'TDM unexpected error: '}[match[1]]
-        where = find(tokens, match[2], match[3])
-        return f'//= error ["{name}" {where[0]}/{where[1]}] {label}{match[4]}'
+        label = {'': 'syntax error: ', '!': '', '?': 'TDM unexpected error: '}[match[2]]
+        where = find(tokens, match[3], match[4])
+        return f'{match[1]}error ["{name}" {where[0]}/{where[1]}] {label}{match[5]}'
 
     def place(at):
         where = find(tokens, at[1], at[2])
@@ -127,7 +127,7 @@ def expand_file(path):
                 main.append(line)
         tokens = None
         for i in range(begin, end):
-            if re.match(r'//= @|//=.* at=@', lines[i]):
+            if re.match(r'//= +@|//=.* at=@', lines[i]):
                 try:
                     tokens = tokens or language_tokens('\n'.join(main).rstrip('\n') + '\n')
                     lines[i] = expand(lines[i], tokens, name)

@@ -247,12 +247,18 @@ private:
     if (name == "parse") return parse({words.begin() + 1, words.end()});
     if (name == "define" || name == "dir" || name == "files" || name == "bytes" || name == "none")
       return;
+    if (name == "last_error") return say(std::string("last error ") + tdm_get_last_error());
     if (spec_ == nullptr) return;
     if (name == "model") return render_to_out();
     say("? " + request);
     const char *before = tdm_get_last_error();
     if (name == "find")
       find(words);
+    else if (name == "set_literals")
+      tdm_space_set_address_literal_space(space_of(words.at(1)),
+                                          words.at(2) == "null" ? nullptr : space_of(words.at(2)));
+    else if (name == "walk")
+      walk(words);
     else if (name == "valid")
       valid(words);
     else
@@ -303,7 +309,11 @@ private:
   void find(const std::vector<std::string> &words)
   {
     const std::string &kind = words.at(1);
-    const char *key = words.back().c_str();
+    // A name may hold blanks: the last word and what stands behind it in the request.
+    const std::size_t at = kind == "processor" || kind == "memory" ? 2 : 3;
+    std::string name = words.at(at);
+    for (std::size_t i = at + 1; i < words.size(); ++i) name += " " + words[i];
+    const char *key = name.c_str();
     const char *found = nullptr;
     if (kind == "processor") {
       if (tdm_processor *processor = tdm_spec_get_processor(spec_, key))
@@ -324,6 +334,13 @@ private:
       if (space != nullptr) found = tdm_space_get_full_name(space);
     }
     say(std::string("  ") + (found == nullptr ? "null" : found));
+  }
+
+  /// Calls nothing back: what is seen is whether the rules of the groups agree.
+  void walk(const std::vector<std::string> &words)
+  {
+    const tdm_walk_callbacks callbacks{};
+    tdm_space_walk(space_of(words.at(1)), &callbacks, nullptr, nullptr, nullptr);
   }
 
   void valid(const std::vector<std::string> &words)

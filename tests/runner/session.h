@@ -11,6 +11,9 @@
 // Requests that are answered after it:
 //   model                 all that the getters tell
 //   find <kind> ...       a look-up by name or number
+//   set_literals <a> <b>  makes b, or `null`, the address literal space of a
+//   last_error            the last error text
+//   walk <space>          a walk that calls nothing back; tells only how it failed
 //   valid <space>         the valid interval
 //   forward | forward_to_memory <space> <what>
 //   backward | backward_to_bus | backward_to_space <memory> <what>
