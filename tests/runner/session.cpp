@@ -12,6 +12,7 @@
 #include <tdm_c/tdm.h>
 #include <tdm_c/tdm_inspect.h>
 
+#include "read_space.h"
 #include "render.h"
 
 namespace cases {
@@ -259,6 +260,10 @@ private:
                                           words.at(2) == "null" ? nullptr : space_of(words.at(2)));
     else if (name == "walk")
       walk(words);
+    else if (name == "read")
+      for (const std::string &line :
+           read_space(space_of(words.at(1)), {words.begin() + 2, words.end()}))
+        say(line);
     else if (name == "valid")
       valid(words);
     else

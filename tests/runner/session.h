@@ -14,6 +14,7 @@
 //   set_literals <a> <b>  makes b, or `null`, the address literal space of a
 //   last_error            the last error text
 //   walk <space>          a walk that calls nothing back; tells only how it failed
+//   read <space> ...      all callbacks of a walk, see read_space.h for the options
 //   valid <space>         the valid interval
 //   forward | forward_to_memory <space> <what>
 //   backward | backward_to_bus | backward_to_space <memory> <what>

@@ -365,8 +365,10 @@ std::vector<std::string> all_texts(const std::string &alphabet, std::size_t leng
 TEST(RegularExpression, AgreesWithASlowMatcher)
 {
   const std::vector<std::string> names = all_texts("ab", 4);
+  std::vector<std::string> texts = all_texts("ab.*?|()^$", 4);
+  for (std::string &text : all_texts("a*|()", 7)) texts.push_back(std::move(text));
   std::size_t accepted = 0;
-  for (const std::string &text : all_texts("ab.*?|()^$", 5)) {
+  for (const std::string &text : texts) {
     std::unique_ptr<RegularExpression> expression;
     try {
       expression = std::make_unique<RegularExpression>(text, true);
@@ -406,7 +408,7 @@ TEST(SelectionPattern, AnyDepthAndLength)
   const std::string letters(1'000'000, 'a');
   EXPECT_TRUE(TDMSelectionPattern(letters + "?", {}).matches(letters + "b"));
   EXPECT_FALSE(TDMSelectionPattern(letters + "?", {}).matches(letters));
-  EXPECT_TRUE(TDMSelectionPattern(std::string(300'000, '*'), {}).matches("abc"));
+  EXPECT_TRUE(TDMSelectionPattern(std::string(100'000, '*'), {}).matches("abc"));
 }
 
 } // namespace

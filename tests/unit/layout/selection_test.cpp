@@ -1,0 +1,365 @@
+// Sections, the map and the enumerators over it, selectors, and what a selection takes.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common/failures.h"
+#include "layout/section.h"
+#include "layout/section_map.h"
+#include "layout/selection_statement.h"
+#include "layout/statement_env.h"
+
+namespace {
+
+/// A section with the flags of the letters.
+class Section final : public TDMSection {
+public:
+  Section(std::string name, std::string letters) : name_(std::move(name)), letters_(letters) {}
+
+  bool is_readable() const override { return has('r'); }
+  bool is_writable() const override { return has('w'); }
+  bool is_executable() const override { return has('x'); }
+  bool is_inited() const override { return has('i'); }
+  bool is_scratch() const override { return has('s'); }
+  bool is_blanked() const override { return has('b'); }
+  bool is_p() const override { return has('p'); }
+  const std::string &name() const override { return name_; }
+  std::string display_name() const override { return "<" + name_ + ">"; }
+
+  std::vector<Section *> refers_to;
+  bool absolute = false;
+
+private:
+  bool has(char letter) const { return letters_.find(letter) != std::string::npos; }
+
+  std::string name_;
+  std::string letters_;
+};
+
+/// Knows what the sections are, and writes down what it is told.
+class Env final : public TDMStatementEnv {
+public:
+  Env() = default;
+
+  bool has_absolute_restriction(const TDMSection &section) override
+  {
+    return static_cast<const Section &>(section).absolute;
+  }
+  std::vector<TDMSection *> references(const std::vector<TDMSection *> &taken) override
+  {
+    std::vector<TDMSection *> all;
+    for (TDMSection *section : taken)
+      for (Section *other : static_cast<Section *>(section)->refers_to) all.push_back(other);
+    return all;
+  }
+  void message(const std::string &text) override { log += "[" + text + "]"; }
+
+  std::string log;
+};
+
+class Names final : public TDMSelectionStatement::SectionFunction {
+public:
+  void call(TDMSection &section) override
+  {
+    text += (text.empty() ? "" : " ") + section.name();
+    taken.push_back(&section);
+  }
+
+  std::string text;
+  std::vector<TDMSection *> taken;
+};
+
+struct Sections {
+  Section &add(const std::string &name, const std::string &letters = "r")
+  {
+    owned.push_back(std::make_unique<Section>(name, letters));
+    map.add(owned.back().get());
+    return *owned.back();
+  }
+
+  std::vector<std::unique_ptr<Section>> owned;
+  TDMDefaultSectionMap map;
+};
+
+std::string names_of(TDMSectionEnumerator &enumerator)
+{
+  std::string text;
+  while (enumerator.has_more()) text += enumerator.next()->name() + " ";
+  return text;
+}
+
+TEST(SectionMap, KeepsNamesInOrderOfBytes)
+{
+  Sections sections;
+  for (const char *name : {"b", "a", "\xff", "B", "", "a"}) sections.add(name);
+  EXPECT_EQ(names_of(*sections.map.all()), " B a a b \xff ");
+  EXPECT_TRUE(sections.map.contains("a"));
+  EXPECT_FALSE(sections.map.contains("c"));
+  EXPECT_FALSE(sections.map.with_name("c")->has_more());
+  EXPECT_EQ(sections.map.with_name("c")->next(), nullptr);
+
+  const auto same_name = sections.map.with_name("a");
+  EXPECT_EQ(same_name->next(), sections.owned[1].get());
+  sections.map.remove(sections.owned[1].get()); // behind the enumerator
+  sections.map.remove(sections.owned[1].get());
+  EXPECT_EQ(same_name->next(), sections.owned[5].get());
+  EXPECT_FALSE(same_name->has_more());
+
+  sections.map.add(sections.owned[5].get()); // is there already
+  EXPECT_EQ(names_of(*sections.map.all()), " B a b \xff ");
+}
+
+TEST(SectionWrapper, AsksThroughTheTable)
+{
+  static int asked = 0;
+  tdm_section_functions functions{};
+  EXPECT_EQ(TDMSectionWrapper(nullptr, &functions).name(), "");
+  EXPECT_EQ(TDMSectionWrapper(nullptr, &functions).display_name(), "");
+  EXPECT_FALSE(TDMSectionWrapper(nullptr, &functions).is_p());
+
+  functions.get_name = [](void *handle) {
+    ++asked;
+    return static_cast<const char *>(handle);
+  };
+  functions.get_display_name = [](void *) -> const char * { return nullptr; };
+  functions.is_writable = [](void *) { return -1; };
+  char handle[] = "text";
+  const TDMSectionWrapper section(handle, &functions);
+  EXPECT_EQ(section.name(), "text");
+  EXPECT_EQ(section.name(), "text");
+  EXPECT_EQ(asked, 1);
+  EXPECT_EQ(section.display_name(), "");
+  EXPECT_TRUE(section.is_writable());
+  EXPECT_EQ(section.user(), handle);
+}
+
+TDMAttributes attributes(const std::string &letters)
+{
+  TDMAttributes set;
+  const std::pair<char, bool *> flags[] = {{'r', &set.r}, {'w', &set.w}, {'x', &set.x},
+                                           {'i', &set.i}, {'s', &set.s}, {'b', &set.b},
+                                           {'p', &set.p}};
+  for (const auto &[letter, flag] : flags) *flag = letters.find(letter) != std::string::npos;
+  return set;
+}
+
+TEST(SectionSelectors, CompareEachFlag)
+{
+  const std::string letters = "rwxisbp";
+  for (const char letter : letters) {
+    const std::string one(1, letter);
+    std::string others = letters;
+    others.erase(others.find(letter), 1);
+    const TDMSectionAttributesSelector set(attributes(one), {});
+    EXPECT_TRUE(set.matches(Section("", one))) << letter;
+    EXPECT_FALSE(set.matches(Section("", others))) << letter;
+    const TDMSectionAttributesSelector clear({}, attributes(one));
+    EXPECT_FALSE(clear.matches(Section("", one))) << letter;
+    EXPECT_TRUE(clear.matches(Section("", others))) << letter;
+  }
+  EXPECT_FALSE(
+      TDMSectionAttributesSelector(attributes("r"), attributes("r")).matches(Section("", "r")));
+  EXPECT_TRUE(TDMSectionFileSelector("f.o").matches(Section("", "")));
+
+  std::ostringstream out;
+  TDMSectionAttributesSelector(attributes("prx"), attributes("wb")).print(out);
+  TDMSectionFileSelector("f.o").print(out);
+  EXPECT_EQ(out.str(), "attributes: +rxp-wb");
+}
+
+struct SelectRow {
+  const char *pattern; ///< null: no name
+  const char *set;     ///< null: no selector
+  const char *clear;
+  bool load_time;
+  const char *taken;
+};
+
+TEST(Selection, TakesByNameAndAttributes)
+{
+  const SelectRow rows[] = {
+      {"a*", nullptr, "", false, "a ab ac"},
+      {"a", nullptr, "", false, "a"},
+      {"a", "w", "", false, ""},
+      {"a*", "r", "w", false, "a ac"},
+      {nullptr, nullptr, "", false, "[a] a ab ac b"},
+      {nullptr, "w", "", false, "ab"},
+      {"c*", nullptr, "", false, ""},
+      {"a", nullptr, "", true, "[a]"},
+      {"?", nullptr, "", true, "[a]"},
+      {"a|b", nullptr, "", true, ""},
+      {"\\[a\\]", nullptr, "", false, "[a]"},
+      {"[a]", nullptr, "", false, "a"},
+  };
+  for (const SelectRow &row : rows) {
+    Sections sections;
+    sections.add("b", "x");
+    sections.add("ac");
+    sections.add("ab", "rw");
+    sections.add("a");
+    sections.add("[a]", "x");
+    std::optional<std::string> name;
+    if (row.pattern != nullptr) name = row.pattern;
+    TDMSelectionStatement statement({}, name);
+    if (row.set != nullptr)
+      statement.selectors.push_back(std::make_unique<TDMSectionAttributesSelector>(
+          attributes(row.set), attributes(row.clear)));
+    Env env;
+    env.load_time = row.load_time;
+    Names taken;
+    statement.select(env, sections.map, taken, true);
+    EXPECT_EQ(taken.text, row.taken) << (row.pattern != nullptr ? row.pattern : "<none>");
+    EXPECT_EQ(env.log, "");
+    for (TDMSection *section : taken.taken)
+      EXPECT_FALSE(sections.map.contains(section->name())) << section->name();
+  }
+}
+
+TEST(Selection, TakesSectionsOfOneNameInOrderOfArrival)
+{
+  Sections sections;
+  std::vector<TDMSection *> arrival;
+  for (int i = 0; i < 5; ++i) arrival.push_back(&sections.add("a"));
+  TDMSelectionStatement statement({}, "a");
+  TDMStatementEnv env;
+  Names taken;
+  statement.select(env, sections.map, taken, false);
+  EXPECT_EQ(taken.taken, arrival);
+}
+
+TEST(Selection, AsksEverySelectorEvenAfterARefusal)
+{
+  struct Counting final : TDMSectionSelector {
+    explicit Counting(int &count) : count_(count) {}
+    bool matches(const TDMSection &) const override { return ++count_ < 0; }
+    void print(std::ostream &) const override {}
+    int &count_;
+  };
+  int count = 0;
+  TDMSelectionStatement statement({}, std::nullopt);
+  for (int i = 0; i < 3; ++i) statement.selectors.push_back(std::make_unique<Counting>(count));
+  Sections sections;
+  sections.add("a");
+  TDMStatementEnv env;
+  Names taken;
+  statement.select(env, sections.map, taken, false);
+  EXPECT_EQ(count, 3);
+  EXPECT_EQ(taken.text, "");
+}
+
+TEST(Selection, PlainNamesBeatAbsoluteRestrictions)
+{
+  for (const bool verbose : {false, true})
+    for (const char *pattern : {"a", "a*"}) {
+      Sections sections;
+      sections.add("a").absolute = true;
+      Env env;
+      Names taken;
+      TDMSelectionStatement({}, pattern).select(env, sections.map, taken, verbose);
+      const bool plain = std::string(pattern) == "a";
+      EXPECT_EQ(taken.text, plain ? "a" : "");
+      EXPECT_EQ(env.log, !plain && verbose ? "[section <a> was not selected because it already has "
+                                             "an absolute restriction]"
+                                           : "");
+    }
+}
+
+TEST(Selection, FollowsReferences)
+{
+  Sections sections;
+  Section &main = sections.add("main", "rx");
+  Section &used = sections.add("used", "rx");
+  Section &data = sections.add("data", "rw");
+  Section &fixed = sections.add("fixed", "rx");
+  Section &gone = sections.add("gone", "rx");
+  Section &unused = sections.add("unused", "rx");
+  sections.map.remove(&gone);
+  fixed.absolute = true;
+  main.refers_to = {&used, &data, &fixed, &gone, &main, &used};
+  used.refers_to = {&unused};
+
+  TDMSelectionStatement statement({}, "main");
+  statement.selectors.push_back(
+      std::make_unique<TDMSectionAttributesSelector>(attributes("x"), attributes("")));
+  statement.use_reference_tree = true;
+  Env env;
+  Names taken;
+  statement.select(env, sections.map, taken, true);
+  EXPECT_EQ(taken.text, "main used");
+  EXPECT_EQ(env.log, "[section <gone> not selected: the section is referenced by 'ref_tree', but "
+                     "could not be selected]"
+                     "[section <fixed> not selected: the section is referenced by 'ref_tree', but "
+                     "the section has an absolute restriction]");
+
+  TDMSelectionStatement nothing({}, "none");
+  nothing.use_reference_tree = true;
+  env.log.clear();
+  nothing.select(env, sections.map, taken, true);
+  EXPECT_EQ(env.log, "");
+}
+
+TEST(Selection, LiteralNames)
+{
+  EXPECT_EQ(*TDMSelectionStatement({}, "a").literal_section_name(), "a");
+  EXPECT_EQ(TDMSelectionStatement({}, "a*").literal_section_name(), nullptr);
+  EXPECT_EQ(TDMSelectionStatement({}, std::nullopt).literal_section_name(), nullptr);
+}
+
+TEST(Selection, RefusesAWrongPatternAtItsPlace)
+{
+  SourceLocations places;
+  places.store("select", {"f", 1, 2});
+  places.store("sectionName", {"f", 1, 9});
+  try {
+    const TDMSelectionStatement statement(places, "(a");
+    ADD_FAILURE();
+  } catch (TDMSyntaxException *failure) {
+    EXPECT_EQ(failure->text(),
+              "[\"f\" 1/9] syntax error: selection pattern error: syntax error at 4");
+    delete failure;
+  }
+}
+
+TEST(Selection, PlainNamesDontLookAtAllSections)
+{
+  struct CountingMap final : TDMSectionMap {
+    std::unique_ptr<TDMSectionEnumerator> all() override
+    {
+      ++passes;
+      return inner.all();
+    }
+    bool contains(const std::string &name) override { return inner.contains(name); }
+    std::unique_ptr<TDMSectionEnumerator> with_name(const std::string &name) override
+    {
+      return inner.with_name(name);
+    }
+    void remove(TDMSection *section) override { inner.remove(section); }
+    void add(TDMSection *section) override { inner.add(section); }
+
+    TDMDefaultSectionMap inner;
+    int passes = 0;
+  };
+  Section section("a", "");
+  CountingMap map;
+  map.add(&section);
+  TDMStatementEnv env;
+  Names taken;
+  TDMSelectionStatement({}, "a").select(env, map, taken, false);
+  EXPECT_EQ(map.passes, 0);
+  EXPECT_EQ(taken.text, "a");
+}
+
+TEST(StatementEnv, BaseKnowsNothing)
+{
+  TDMStatementEnv env;
+  Section section("a", "r");
+  EXPECT_FALSE(env.has_absolute_restriction(section));
+  EXPECT_TRUE(env.references({&section}).empty());
+  EXPECT_EQ(env.priority, 1);
+  EXPECT_NE(dynamic_cast<TDMStatementEnv *>(env.clone().get()), nullptr);
+}
+
+} // namespace
