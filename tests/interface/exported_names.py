@@ -1,0 +1,74 @@
+#!/usr/bin/env python3
+"""The names that the library exports are those of its version script, and no others.
+
+    exported_names.py LIBRARY SOURCE_DIR
+
+Compares four lists: what `nm` finds in the library, with the version of each name; the nodes of
+exports.map; the functions that the headers declare; and the functions that the C client calls.
+"""
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+HEADERS = {"TDM_C_4.0": ["tdm.h"], "TDM_C_INSPECT_1.0": ["tdm_inspect.h"]}
+
+
+def without_comments(text):
+    return re.sub(r"/\*.*?\*/|//[^\n]*", "", text, flags=re.S)
+
+
+def listed(version_script):
+    """{node: functions} of the version script, and the patterns that stand for mangled names."""
+    nodes = {}
+    text = without_comments(version_script.read_text())
+    for node, body in re.findall(r"(\S+)\s*\{(.*?)\}\s*[\w.]*\s*;", text, flags=re.S):
+        names = body.split("global:")[-1].split("local:")[0]
+        nodes[node] = set(re.findall(r"\b(tdm_\w+)\s*;", names))
+    return nodes
+
+
+def exported(library):
+    """{(name, node)} of all that is defined and visible."""
+    output = subprocess.run(["nm", "-D", "--defined-only", "--with-symbol-versions", library],
+                            capture_output=True, text=True, check=True).stdout
+    names = set()
+    for line in output.splitlines():
+        name, _, version = line.split()[-1].replace("@@", "@").partition("@")
+        if name != version and line.split()[-2] != "A":  # the node itself
+            names.add((name, version))
+    return names
+
+
+def declared(headers):
+    text = "".join(without_comments(header.read_text()) for header in headers)
+    return set(re.findall(r"\bTDM_API\b[^;]*?\b(tdm_\w+)\s*\(", text))
+
+
+def main():
+    library, source = sys.argv[1], Path(sys.argv[2])
+    interface = source / "src" / "interface"
+    nodes = listed(interface / "exports.map")
+    found = exported(library)
+    called = set(re.findall(r"\b(tdm_\w+)\s*\(", (source / "tests/interface/c_client.c").read_text()))
+    problems = []
+
+    def compare(what, names, where, others):
+        problems.extend(f"{name}: {what}, but not {where}" for name in sorted(names - others))
+
+    for node, headers in HEADERS.items():
+        functions = declared([interface / header for header in headers])
+        compare("declared", functions, f"in node {node}", nodes.get(node, set()))
+        compare(f"in node {node}", nodes.get(node, set()), "declared", functions)
+        compare("exported function", functions, "called by c_client.c", called)
+    wanted = {(name, node) for node, names in nodes.items() for name in names}
+    # What C++ clients may use is mangled; its own node holds it, and the test of that client.
+    plain = {entry for entry in found if entry[1] != "TDM_C_CXX_4.0"}
+    compare("listed", wanted, "exported", found)
+    compare("exported", plain, "listed", wanted)
+    print("\n".join(map(str, problems)))
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,26 @@
+#!/bin/sh
+# Installs the build below a directory of its own, and uses it as a stranger would: through
+# pkg-config, through the CMake package, and by running the tool.
+#
+#   install_test.sh CMAKE BUILD_DIR SOURCE_DIR
+set -eu
+cmake=$1 build=$2 source=$3
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+"$cmake" --install "$build" --prefix "$prefix" >/dev/null
+library=$(dirname "$(find "$prefix" -name libtdm_c.so.4)")
+export LD_LIBRARY_PATH="$library" PKG_CONFIG_PATH="$library/pkgconfig"
+
+readelf -d "$library/libtdm_c.so" | grep -q 'SONAME.*\[libtdm_c.so.4\]'
+"$prefix/bin/tdm" --version
+
+# The paths in the file are those of configure time; pkg-config moves them with the file.
+cd "$source"
+cc -std=c99 -o "$prefix/by-pkg-config" examples/c/translate.c \
+  $(pkg-config --define-prefix --cflags --libs tdm_c)
+"$prefix/by-pkg-config" | grep .
+
+"$cmake" -S tests/interface/consumer -B "$prefix/consumer" -DCMAKE_PREFIX_PATH="$prefix" \
+  -DTDM_EXAMPLE="$source/examples/c/translate.c" >/dev/null
+"$cmake" --build "$prefix/consumer" >/dev/null
+"$prefix/consumer/translate" | grep .

@@ -1,0 +1,85 @@
+#!/usr/bin/env python3
+"""Runs the command-line tool as written down in transcripts, and compares all that it says.
+
+    transcripts.py [--update] TDM TRANSCRIPT...
+
+A transcript is a session of a user, `#` in front of remarks:
+
+    --- dir/chip.tdm         a file, up to the next line that begins so, or with `$`
+    $ tdm check dir/chip.tdm a command; what it writes follows, errors and all, then
+    [1]                      the code that it ended with, unless that is 0
+
+Commands run in an empty directory with the files alone; in them and in the output, @DIR@ stands for
+its name. `$ cd NAME` changes into a directory below it. --update writes the output into the
+transcript as the new expectation.
+"""
+import os
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+
+def run(tdm, command, directory, root):
+    """What the command writes, and ends with."""
+    arguments = [word.replace("@DIR@", root) for word in shlex.split(command)]
+    environment = {key: value for key, value in os.environ.items() if not key.endswith("PARSERINC")}
+    done = subprocess.run([tdm] + arguments[1:], cwd=directory, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, env=environment, timeout=60, check=False)
+    output = done.stdout.decode("utf-8", "replace").replace(root, "@DIR@")
+    return output.splitlines() + ([f"[{done.returncode}]"] if done.returncode else [])
+
+
+def play(lines, tdm, root):
+    """The transcript as it comes out now."""
+    result, directory, at = [], root, 0
+    while at < len(lines):
+        line = lines[at]
+        at += 1
+        result.append(line)
+        if line.startswith("--- "):
+            content = []
+            while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
+                content.append(lines[at])
+                at += 1
+            result += content
+            file = Path(root, line[4:].strip())
+            file.parent.mkdir(parents=True, exist_ok=True)
+            text = "\n".join(content).replace("\\t", "\t").replace("\\r", "\r")
+            file.write_text(text + "\n", encoding="utf-8", newline="")
+        elif line.startswith("$ cd "):
+            directory = os.path.join(root, line[5:].strip())
+        elif line.startswith("$ "):
+            while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
+                at += 1
+            result += run(tdm, line[2:], directory, root)
+    return result
+
+
+def main():
+    arguments = sys.argv[1:]
+    update = "--update" in arguments
+    tdm, *transcripts = [word for word in arguments if word != "--update"]
+    different = 0
+    for name in transcripts:
+        expected = Path(name).read_text(encoding="utf-8").splitlines()
+        with tempfile.TemporaryDirectory() as root:
+            actual = play(expected, os.path.abspath(tdm), os.path.realpath(root))
+        if actual == expected:
+            continue
+        if update:
+            Path(name).write_text("\n".join(actual) + "\n", encoding="utf-8")
+            continue
+        different += 1
+        first = next((i for i, pair in enumerate(zip(expected, actual)) if pair[0] != pair[1]),
+                     min(len(expected), len(actual)))
+        print(f"{name}:{first + 1}:")
+        print("".join(f"  expected {line}\n" for line in expected[first:first + 8]), end="")
+        print("".join(f"  found    {line}\n" for line in actual[first:first + 8]), end="")
+    return 1 if different else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
