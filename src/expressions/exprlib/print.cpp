@@ -30,20 +30,26 @@ private:
 /// Decimal where 64 bits hold the value, else hexadecimal.
 void print_integer(const Writer &out, const ExprlibNode *node)
 {
-  const std::size_t size = value_size(node);
+  std::size_t size = value_size(node);
   const Byte *bytes = exprlib_bytes(node);
   const bool negative = exprlib_is_negative(node) != 0;
-  std::size_t used = size;
-  while (used > 8 && bytes[used - 1] == (negative ? 0xFF : 0)) --used;
+  const Byte fill = negative ? 0xFF : 0;
+  bool is_short = (exprlib_int64(node) < 0) == negative;
+  for (std::size_t i = 8; i < size; ++i) is_short = is_short && bytes[i] == fill;
   char text[24];
-  const std::int64_t value = exprlib_int64(node);
-  if (used <= 8 && (value < 0) == negative) {
-    std::snprintf(text, sizeof text, "%" PRId64, value);
+  if (is_short) {
+    std::snprintf(text, sizeof text, "%" PRId64, exprlib_int64(node));
     return out.text(text);
   }
-  out.text("0x");
-  for (std::size_t i = std::max<std::size_t>(used, std::min<std::size_t>(size, 8)); i > 0; --i) {
-    std::snprintf(text, sizeof text, "%02x", static_cast<unsigned>(bytes[i - 1]));
+  if (negative) {
+    negate(node->context->scratch, bytes, size);
+    bytes = node->context->scratch;
+  }
+  while (bytes[size - 1] == 0) --size;
+  out.text(negative ? "-0x" : "0x");
+  for (std::size_t i = size; i > 0; --i) {
+    std::snprintf(text, sizeof text, i == size ? "%x" : "%02x",
+                  static_cast<unsigned>(bytes[i - 1]));
     out.text(text);
   }
 }
