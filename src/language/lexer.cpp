@@ -1,0 +1,389 @@
+// The rules of the lexer.
+#include "language/lexer.h"
+
+#include <antlr/CharStreamIOException.hpp>
+#include <antlr/NoViableAltForCharException.hpp>
+#include <antlr/TokenStreamIOException.hpp>
+#include <antlr/TokenStreamRecognitionException.hpp>
+
+#include <cstring>
+
+#include "language/token.h"
+
+namespace {
+
+constexpr int eof = antlr::CharScanner::EOF_CHAR;
+
+constexpr bool is_digit(int c)
+{
+  return c >= '0' && c <= '9';
+}
+
+constexpr bool is_hex_digit(int c)
+{
+  return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+constexpr bool is_word_start(int c)
+{
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+constexpr bool is_word_character(int c)
+{
+  return is_word_start(c) || is_digit(c) || c == '.';
+}
+
+/// The characters of which comments and strings are made.
+constexpr bool is_plain(int c)
+{
+  return c >= 0 && c <= 127;
+}
+
+/// The suffix that the letter stands for when it stands alone, or 0.
+constexpr int suffix_type(int c)
+{
+  switch (c) {
+  case 'k':
+  case 'K':
+    return TDMTokenTypes::KIBI;
+  case 'm':
+  case 'M':
+    return TDMTokenTypes::MEBI;
+  case 'g':
+  case 'G':
+    return TDMTokenTypes::GIBI;
+  default:
+    return 0;
+  }
+}
+
+} // namespace
+
+TDMLexerBase::TDMLexerBase(antlr::InputBuffer &buffer)
+    : CharScanner(buffer, true), stream_(dynamic_cast<TDMInputBuffer &>(buffer)),
+      state_(inputState.get())
+{
+}
+
+void TDMLexerBase::consume()
+{
+  const int c = LA(1);
+  text += static_cast<char>(c);
+  if (c == '\t')
+    tab();
+  else
+    ++state_->column;
+  ahead_[0] = ahead_[1];
+  --held_;
+}
+
+void TDMLexerBase::resetText()
+{
+  text.clear();
+  state_->tokenStartColumn = stream_.getColumn();
+  state_->tokenStartLine = stream_.getLine();
+  const char *file = stream_.getFile();
+  if (file != file_ || state_->filename.empty()) { // names are pooled
+    file_ = file;
+    state_->filename = file;
+  }
+  state_->column = state_->tokenStartColumn;
+  state_->line = state_->tokenStartLine;
+}
+
+antlr::RefToken TDMLexerBase::makeToken(int type)
+{
+  antlr::RefToken token = tokenFactory();
+  auto &own = static_cast<TDMToken &>(*token.get());
+  own.setType(type);
+  own.setColumn(state_->tokenStartColumn);
+  own.setLine(state_->tokenStartLine);
+  own.set_file(file_);
+  return token;
+}
+
+TDMLexer::TDMLexer(antlr::InputBuffer &buffer) : TDMLexerBase(buffer)
+{
+  // The literals stand in the table of token types, which testLiteralsTable asks: a map would be
+  // filled anew for every parse.
+  setTokenObjectFactory(&TDMToken::factory);
+}
+
+antlr::RefToken TDMLexer::nextToken()
+{
+  try {
+    int type = antlr::Token::SKIP;
+    while (type == antlr::Token::SKIP) {
+      resetText();
+      type = any_token();
+    }
+    _returnToken = makeToken(type);
+    _returnToken->setText(text);
+    return _returnToken;
+  } catch (antlr::RecognitionException &failure) {
+    throw antlr::TokenStreamRecognitionException(failure);
+  } catch (antlr::CharStreamIOException &failure) {
+    throw antlr::TokenStreamIOException(failure.io);
+  } catch (antlr::CharStreamException &failure) {
+    throw antlr::TokenStreamException(failure.getMessage());
+  }
+}
+
+// Chooses by one character; the rules of operators look at the second one themselves.
+int TDMLexer::any_token()
+{
+  const int c = LA(1);
+  if (is_word_start(c)) return word();
+  switch (c) {
+  case ' ':
+  case '\t':
+  case '\f':
+  case '\r':
+  case '\n':
+    return white_space();
+  case '0':
+    return number_with_leading_zero();
+  case '"':
+    return string();
+  case '.':
+    return range();
+  case '/':
+    return slash();
+  case ':':
+    return operator_with_equals(COLON, COLON_EQUALS);
+  case '+':
+    return operator_with_equals(PLUS, PLUS_EQUALS);
+  case '-':
+    return operator_with_equals(MINUS, MINUS_EQUALS);
+  case '*':
+    return operator_with_equals(MUL, MULT_EQUALS);
+  case '!':
+    return operator_with_equals(NOT, NOT_EQUALS);
+  case '=':
+    return operator_with_equals(EQUALS, COMPARE_EQUAL);
+  case '>':
+    return comparison(GREATER, SHIFT_RIGHT, GREATER_EQUAL);
+  case '<':
+    return comparison(LESS, SHIFT_LEFT, LESS_EQUAL);
+  case '|':
+    return doubled_operator(BAR, LOGICAL_OR);
+  case '&':
+    return doubled_operator(BITWISE_AND, LOGICAL_AND);
+  case '$':
+    return single(DOLLAR);
+  case '%':
+    return single(MOD);
+  case '(':
+    return single(LPAREN);
+  case ')':
+    return single(RPAREN);
+  case ',':
+    return single(COMMA);
+  case ';':
+    return single(SEMICOLON);
+  case '?':
+    return single(QMARK);
+  case '[':
+    return single(LBRACK);
+  case ']':
+    return single(RBRACK);
+  case '^':
+    return single(XOR);
+  case '{':
+    return single(LCURLY);
+  case '}':
+    return single(RCURLY);
+  case '~':
+    return single(BITWISE_NOT);
+  case eof:
+    uponEOF();
+    return EOF_;
+  default:
+    if (is_digit(c)) return decimal_number();
+    no_viable_alternative();
+  }
+}
+
+// WS: one or more of space, tab, form feed, CR LF, CR, LF
+int TDMLexer::white_space()
+{
+  for (;;) {
+    switch (LA(1)) {
+    case ' ':
+    case '\t':
+    case '\f':
+      consume();
+      break;
+    case '\r':
+    case '\n':
+      line_end();
+      break;
+    default:
+      return antlr::Token::SKIP;
+    }
+  }
+}
+
+// CR LF, CR or LF
+void TDMLexer::line_end()
+{
+  if (LA(1) == '\r' && LA(2) == '\n') consume();
+  consume();
+  newline();
+}
+
+// ID_OR_POSTFIX: a suffix letter that stands alone, a keyword or an identifier
+int TDMLexer::word()
+{
+  if (const int suffix = suffix_type(LA(1)); suffix != 0) {
+    // Something must follow: a lone letter at the end of input is an identifier.
+    const int next = LA(2);
+    if (is_plain(next) && !is_word_character(next)) return single(suffix);
+  }
+  consume();
+  while (is_word_character(LA(1))) {
+    const bool dot = LA(1) == '.';
+    consume();
+    if (dot) word_start(); // a dot joins two words and never ends one
+  }
+  return testLiteralsTable(IDENTIFIER);
+}
+
+void TDMLexer::word_start()
+{
+  if (!is_word_start(LA(1))) no_viable_alternative();
+  consume();
+}
+
+int TDMLexer::decimal_number()
+{
+  consume();
+  while (is_digit(LA(1))) consume();
+  return DECIMAL_NUMBER;
+}
+
+int TDMLexer::number_with_leading_zero()
+{
+  const int second = LA(2);
+  consume();
+  if (second != 'x' && second != 'X') {
+    while (LA(1) >= '0' && LA(1) <= '7') consume();
+    return OCTAL_NUMBER;
+  }
+  consume();
+  if (!is_hex_digit(LA(1))) no_viable_alternative();
+  while (is_hex_digit(LA(1))) consume();
+  return HEXADECIMAL_NUMBER;
+}
+
+// The text keeps quotes and escapes as they stand; whatever can't go on a string meets the
+// closing quote, which then fails to match.
+int TDMLexer::string()
+{
+  consume();
+  for (;;) {
+    const int c = LA(1);
+    if (c == '\\') {
+      const int escaped = LA(2);
+      if (escaped == eof || escaped == 0 || std::strchr("\\\"'[]", escaped) == nullptr) break;
+      consume();
+    } else if (!is_plain(c) || c == '\n' || c == '\r' || c == '"') {
+      break;
+    }
+    consume();
+  }
+  expect('"');
+  return STRING;
+}
+
+int TDMLexer::range()
+{
+  consume();
+  expect('.');
+  return KEY_RANGE;
+}
+
+int TDMLexer::slash()
+{
+  switch (LA(2)) {
+  case '/':
+    return single_line_comment();
+  case '*':
+    return multi_line_comment();
+  case '=':
+    consume();
+    return single(DIV_EQUALS);
+  default:
+    return single(DIV);
+  }
+}
+
+// The line end is part of the comment and must be there.
+int TDMLexer::single_line_comment()
+{
+  while (LA(1) != '\r' && LA(1) != '\n') {
+    if (LA(1) == eof) no_viable_alternative();
+    consume();
+  }
+  line_end();
+  return antlr::Token::SKIP;
+}
+
+int TDMLexer::multi_line_comment()
+{
+  consume();
+  consume();
+  for (;;) {
+    const int c = LA(1);
+    if (!is_plain(c)) break;
+    if (c == '*' && (LA(2) == '/' || !is_plain(LA(2)))) break;
+    if (c == '\r' || c == '\n')
+      line_end();
+    else
+      consume();
+  }
+  expect('*');
+  expect('/');
+  return antlr::Token::SKIP;
+}
+
+int TDMLexer::operator_with_equals(int alone, int with_equals)
+{
+  const bool both = LA(2) == '=';
+  consume();
+  return both ? single(with_equals) : alone;
+}
+
+int TDMLexer::comparison(int alone, int doubled, int with_equals)
+{
+  const int first = LA(1);
+  const int second = LA(2);
+  consume();
+  if (second == first) return single(doubled);
+  return second == '=' ? single(with_equals) : alone;
+}
+
+int TDMLexer::doubled_operator(int alone, int doubled)
+{
+  const bool both = LA(2) == LA(1);
+  consume();
+  return both ? single(doubled) : alone;
+}
+
+int TDMLexer::single(int type)
+{
+  consume();
+  return type;
+}
+
+void TDMLexer::expect(int c)
+{
+  if (LA(1) != c) throw antlr::MismatchedCharException(LA(1), c, false, this);
+  consume();
+}
+
+void TDMLexer::no_viable_alternative()
+{
+  throw antlr::NoViableAltForCharException(LA(1), getFilename(), getLine(), getColumn());
+}

@@ -1,0 +1,271 @@
+// The parser of the language: recursive descent with two tokens of look-ahead, on the parser of
+// the ANTLR 2 runtime. One function per rule, in the families below; the production stands above
+// each function.
+//
+// There is no recovery: a rule matches or throws, and the first failure ends the parse. Failures
+// are of two kinds. Text that doesn't fit the grammar is an exception of the runtime: a fixed token
+// that doesn't come is a MismatchedTokenException; where alternatives or an optional item had a
+// choice and the next token fits none of them, nor what may follow, it is a NoViableAltException.
+// A list of "any number of" items just ends at a token that starts none. Text that fits but breaks
+// a rule is a TDMFileSyntaxException; the parse driver reports it at the next token.
+#pragma once
+
+#include <antlr/LLkParser.hpp>
+
+#include "language/records.h"
+#include "language/token.h"
+#include "language/token_sets.h"
+
+namespace tdm {
+
+/// Puts a new record at the end of a list.
+template <typename Record> Record &append_new(std::vector<std::unique_ptr<Record>> &list)
+{
+  list.push_back(std::make_unique<Record>());
+  return *list.back();
+}
+
+/// Where a field has 32 bits, a number is cut to its low ones.
+inline std::int32_t low_word(std::int64_t value)
+{
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(value & 0xFFFFFFFF));
+}
+
+/// The name as messages end with it.
+inline const std::string &name_of(const std::optional<std::string> &name)
+{
+  static const std::string none;
+  return name ? *name : none;
+}
+
+} // namespace tdm
+
+class TDMParser final : public antlr::LLkParser, public TDMTokenTypes {
+public:
+  explicit TDMParser(antlr::TokenStream &tokens) : LLkParser(tokens, 2), tokens_(tokens) {}
+
+  /// target_file: the one entry.
+  std::unique_ptr<TDMFileInterface> target_file();
+
+  // The window of two tokens that takes the place of the runtime's queue. Tokens are fetched when
+  // they are looked at, not when the one before is consumed; `i` is 1 or 2.
+  int LA(unsigned int i) override
+  {
+    if (held_ < i) fetch(i);
+    return types_[i - 1];
+  }
+  antlr::RefToken LT(unsigned int i) override
+  {
+    if (held_ < i) fetch(i);
+    return window_[i - 1];
+  }
+  void consume() override;
+  void match(int type) override;
+
+  antlr::RefAST getAST() override { return antlr::nullAST; } // there are no trees
+  const char *getTokenName(int type) const override { return tdm::token_names()[type]; }
+  const char *const *getTokenNames() const override { return tdm::token_names(); }
+  int getNumTokens() const override { return NUMBER_OF_TYPES; }
+
+private:
+  /// Counts one level of nesting while it lives. Only nesting recurses, and each level takes its
+  /// share of a stack that may be small.
+  class NestingGuard {
+  public:
+    explicit NestingGuard(TDMParser &parser) : depth_(parser.depth_) { enter(); }
+    ~NestingGuard() { --depth_; }
+    NestingGuard(const NestingGuard &) = delete;
+    NestingGuard &operator=(const NestingGuard &) = delete;
+
+  private:
+    void enter();
+    int &depth_;
+  };
+
+  /// A left operand that waits with its operator for the right one.
+  struct PendingOperand {
+    std::int32_t op;
+    int level;
+    tdm::ExpressionPtr left;
+  };
+
+  // The next tokens.
+  void fetch(unsigned int count);
+  [[nodiscard]] bool at(int type) { return LA(1) == type; }
+  [[nodiscard]] bool at(const tdm::TokenSet &types) { return types.contains(LA(1)); }
+  bool accept(int type);
+  [[noreturn]] void no_viable_alternative();
+  /// An optional item isn't there: what is there must be something that may follow it.
+  void require_next(const tdm::TokenSet &following)
+  {
+    if (!at(following)) no_viable_alternative();
+  }
+  [[nodiscard]] const TDMToken &next_token();
+  [[nodiscard]] TDMSourceLocation here() { return next_token().location(); }
+  [[nodiscard]] bool at_tag_list();
+
+  // Places, taken together with their key.
+  void keep(TDMFileObject &record, LocationKey key) { record.store_location(key, here()); }
+  std::string identifier(TDMFileObject &record, LocationKey key);
+  std::string string_value(TDMFileObject &record, LocationKey key);
+  tdm::ExpressionPtr expression(TDMFileObject &record, LocationKey key);
+
+  /// item ("," item)*
+  template <typename Item> void comma_list(Item item)
+  {
+    do {
+      item();
+    } while (accept(COMMA));
+  }
+
+  /// "(" item ("," item)* ")"
+  template <typename Item> void parenthesized_list(Item item)
+  {
+    match(LPAREN);
+    comma_list(item);
+    match(RPAREN);
+  }
+
+  /// A parenthesized list that may be absent; `following` is what can stand in its place.
+  template <typename Item> void optional_list(const tdm::TokenSet &following, Item item)
+  {
+    if (at(LPAREN))
+      parenthesized_list(item);
+    else
+      require_next(following);
+  }
+
+  // Names, numbers and tags (parser_frame.cpp).
+  void definition(TDMFileInterface &result);
+  std::string identifier();
+  std::string string_value();
+  std::int64_t number();
+  std::int64_t plain_number();
+  std::int64_t size_suffix();
+  void tag_property();
+  void tag_list();
+
+  // Expressions (parser_expressions.cpp, parser_builtins.cpp).
+  tdm::ExpressionPtr expression();
+  tdm::ExpressionPtr logical_or();
+  tdm::ExpressionPtr unary();
+  tdm::ExpressionPtr primary();
+  tdm::ExpressionPtr parenthesized();
+  tdm::ExpressionPtr symbol_reference();
+  tdm::ExpressionPtr number_literal();
+  tdm::ExpressionPtr variable_reference();
+  tdm::ExpressionPtr builtin_call();
+  tdm::ExpressionPtr absolute_call();
+  tdm::ExpressionPtr addressof_call();
+  tdm::ExpressionPtr defined_call();
+  tdm::ExpressionPtr exists_call();
+  template <typename Record> tdm::ExpressionPtr choice_call(int keyword);
+  tdm::ExpressionPtr sizeof_call();
+  tdm::ExpressionPtr checksum_call();
+  template <typename Record>
+  void layout_object(Record &record, std::int32_t section, std::int32_t group, std::int32_t memory);
+  std::string memory_reference();
+  std::string memory_name();
+  tdm::ExpressionList expression_list();
+  tdm::FileRange range_value();
+
+  // Memories, buses and mappings (parser_memory.cpp, parser_mapping.cpp).
+  void memory_definition(TDMFileMemory &memory);
+  void memory_property(TDMFileMemory &memory);
+  void memory_type_property(TDMFileMemory &memory);
+  void memory_mau(TDMFileMemory &memory);
+  void memory_size(TDMFileMemory &memory);
+  void memory_priority(TDMFileMemory &memory);
+  void memory_exec_priority(TDMFileMemory &memory);
+  int memory_type();
+  std::unique_ptr<TDMFileFillSpec> fill_value();
+  void fill_pattern(TDMFileFillSpec &fill);
+  void bus_definition(TDMFileBus &bus);
+  void bus_property(TDMFileBus &bus);
+  /// A map_definition of a memory, bus or space.
+  template <typename Owner> void append_mapping(Owner &owner)
+  {
+    keep(owner, "map");
+    map_definition(tdm::append_new(owner.mappings));
+  }
+  void map_definition(TDMFileMapping &mapping);
+  void map_property(TDMFileMapping &mapping);
+  void map_destination_property(TDMFileMapping &mapping);
+  std::string map_destination(TDMFileMapping &mapping);
+  void map_priority(TDMFileMapping &mapping);
+  void map_exec_priority(TDMFileMapping &mapping);
+
+  // Architectures, cores, derivatives and processors (parser_templates.cpp).
+  void architecture_definition(TDMFileArchitecture &architecture);
+  void architecture_item(TDMFileArchitecture &architecture);
+  void extends(TDMFileObject &record, std::optional<std::string> &base,
+               tdm::ExpressionList &arguments);
+  tdm::ExpressionList optional_arguments(const tdm::TokenSet &following);
+  tdm::FileParameters optional_parameters();
+  void endianness_block(TDMFileArchitecture &architecture);
+  std::int32_t endianness_value();
+  tdm::FileParameters parameter_list();
+  tdm::FileParameter parameter();
+  void core_definition(TDMFileCore &core);
+  void core_property(TDMFileCore &core);
+  void core_architecture(TDMFileCore &core);
+  std::unique_ptr<TDMFileStartAddress> start_address_spec();
+  void start_address_item(TDMFileStartAddress &start);
+  void derivative_definition(TDMFileDerivative &derivative);
+  void derivative_item(TDMFileDerivative &derivative);
+  void processor_definition(TDMFileCPU &processor);
+  void derivative_reference(TDMFileCPU &processor);
+
+  // Spaces (parser_space.cpp).
+  void space_definition(TDMFileSpace &space);
+  void space_item(TDMFileSpace &space);
+  void space_property(TDMFileSpace &space);
+  void space_mau(TDMFileSpace &space);
+  void space_id(TDMFileSpace &space);
+  void space_alignment(TDMFileSpace &space);
+  void space_page_size(TDMFileSpace &space);
+  void optional_page_ranges(std::vector<tdm::FileRange> &pages, const tdm::TokenSet &following);
+  void space_literal_space(TDMFileSpace &space);
+  void space_copy_table(TDMFileSpace &space);
+  void space_direct_init(TDMFileSpace &space);
+  tdm::FileRange reserved_range();
+  int direction_value();
+  tdm::ExpressionPtr align_value();
+  void stack_definition(TDMFileStackDef &stack);
+  void heap_definition(TDMFileHeapDef &heap);
+  void stack_heap_property(TDMFileStackOrHeapDef &definition);
+
+  // Section setups (parser_setup.cpp).
+  void section_setup_definition(TDMFileSectionSetup &setup);
+  void section_setup_item(TDMFileSectionSetup &setup);
+  void space_path(TDMFileObject &record, std::optional<std::string> &cpu,
+                  std::optional<std::string> &core, std::optional<std::string> &space);
+  void optional_name(TDMFileObject &record, LocationKey key, std::optional<std::string> &name);
+  std::string space_name_list();
+  std::unique_ptr<TDMFileCopySubTableSpace> space_reference();
+  void prohibit_references(TDMFileSectionSetup &setup);
+
+  // Copy tables, direct init and banks (parser_tables.cpp).
+  void copytable_definition(TDMFileCopyTable &table);
+  void copytable_property(TDMFileCopyTable &table);
+  void subtable(TDMFileCopySubTable &table);
+  void subtable_property(TDMFileCopySubTable &table);
+  void direct_init_definition(TDMFileDirectInit &init);
+  void direct_init_property(TDMFileDirectInit &init);
+  void destination(TDMFileObject &record, LocationKey key, std::optional<std::string> &single,
+                   std::vector<tdm::FileDestination> &pairs);
+  void bank_definition(TDMFileBankDef &bank);
+  void bank_property(TDMFileBankDef &bank);
+  void stub_property(TDMFileBankDef &bank);
+  void stub_argument(TDMFileBankDef &bank);
+  void switch_property(TDMFileBankDef &bank);
+  void bank_string(int word, TDMFileBankDef &bank, LocationKey key,
+                   std::optional<std::string> &field);
+
+  antlr::TokenStream &tokens_;
+  antlr::RefToken window_[2];
+  int types_[2] = {};
+  unsigned int held_ = 0;
+  int depth_ = 0;
+  std::vector<PendingOperand> pending_; ///< shared by all levels of nesting
+};

@@ -1,0 +1,98 @@
+// The rules of section setups, and of the references to spaces that several constructs share.
+#include "common/failures.h"
+#include "language/parser.h"
+
+using tdm::TokenSet;
+using tdm::TokenSets;
+
+// section_setup_definition: "section_setup" space_path tag_list "{" section_setup_item* "}"
+void TDMParser::section_setup_definition(TDMFileSectionSetup &setup)
+{
+  constexpr TokenSet items = {
+      KEY_stack,         KEY_heap,     KEY_copytable, KEY_vector_table,
+      KEY_start_address, KEY_reserved, KEY_modify,    KEY_prohibit_references_to};
+  keep(setup, "section_setup");
+  match(KEY_section_setup);
+  space_path(setup, setup.cpuName, setup.coreName, setup.spaceName);
+  tag_list();
+  match(LCURLY);
+  while (at(items)) section_setup_item(setup);
+  match(RCURLY);
+}
+
+// section_setup_item: stack_definition ";" | heap_definition ";" | copytable_definition ";"
+//                   | vector_table_definition | start_address_spec ";" | reserved_range
+//                   | "modify" input_modification | prohibit_references ";"
+void TDMParser::section_setup_item(TDMFileSectionSetup &setup)
+{
+  switch (LA(1)) {
+  case KEY_reserved:
+    setup.reservedRanges.push_back(reserved_range());
+    return;
+  case KEY_stack:
+    stack_definition(tdm::append_new(setup.stacks));
+    break;
+  case KEY_heap:
+    heap_definition(tdm::append_new(setup.heaps));
+    break;
+  case KEY_copytable:
+    copytable_definition(tdm::append_new(setup.copyTables));
+    break;
+  case KEY_start_address:
+    keep(setup, "startAddress");
+    setup.startAddress = start_address_spec();
+    break;
+  case KEY_prohibit_references_to:
+    prohibit_references(setup);
+    break;
+  default:
+    no_viable_alternative();
+  }
+  match(SEMICOLON);
+}
+
+// prohibit_references: "prohibit_references_to" space_reference ("," space_reference)*
+void TDMParser::prohibit_references(TDMFileSectionSetup &setup)
+{
+  match(KEY_prohibit_references_to);
+  comma_list([&] { setup.prohibitedSpaces.push_back(space_reference()); });
+}
+
+// space_reference: space_path
+std::unique_ptr<TDMFileCopySubTableSpace> TDMParser::space_reference()
+{
+  auto reference = std::make_unique<TDMFileCopySubTableSpace>();
+  keep(*reference, "spaceRef");
+  space_path(*reference, reference->cpuName, reference->coreName, reference->spaceName);
+  return reference;
+}
+
+// space_path: [identifier] ":" [identifier] ":" space_name_list
+void TDMParser::space_path(TDMFileObject &record, std::optional<std::string> &cpu,
+                           std::optional<std::string> &core, std::optional<std::string> &space)
+{
+  optional_name(record, "cpuName", cpu);
+  match(COLON);
+  optional_name(record, "coreName", core);
+  match(COLON);
+  keep(record, "spaceName");
+  space = space_name_list();
+}
+
+// [identifier], before a colon
+void TDMParser::optional_name(TDMFileObject &record, LocationKey key,
+                              std::optional<std::string> &name)
+{
+  if (at(TokenSets::identifier_start))
+    name = identifier(record, key);
+  else
+    require_next({COLON});
+}
+
+// space_name_list: identifier ("|" identifier)*
+std::string TDMParser::space_name_list()
+{
+  std::string names = identifier();
+  while (accept(BAR)) names += '|' + identifier();
+  return names;
+}

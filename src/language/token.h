@@ -1,0 +1,30 @@
+// The token that the lexer makes: that of the runtime, with the name of its file.
+#pragma once
+
+#include <antlr/CommonToken.hpp>
+
+#include "common/source_location.h"
+
+class TDMToken final : public antlr::CommonToken {
+public:
+  /// What the lexer installs as its factory.
+  static antlr::RefToken factory();
+
+  /// Interns the name.
+  void setFilename(const std::string &file) override;
+
+  using antlr::CommonToken::getFilename; // the runtime's own: always an empty name
+  virtual const std::string &getFilename();
+
+  /// The name must be a text of the string pool.
+  void set_file(const char *file) { file_ = file; }
+
+  [[nodiscard]] TDMSourceLocation location() const { return {file_, line, col}; }
+
+  /// The text without the copy that getText makes.
+  [[nodiscard]] const std::string &characters() const { return text; }
+
+private:
+  const char *file_ = "";
+  std::string filename_; ///< made when asked for
+};
