@@ -214,12 +214,15 @@ public:
     }
     case tdm::kExprUnary: {
       const auto &unary = static_cast<const TDMExprUnaryApplication &>(record);
+      if (unary.op < tdm::kUnaryNot || unary.op > tdm::kUnaryParentheses) return std::nullopt;
       const std::optional<std::int64_t> operand = value(*unary.operand, depth + 1);
       if (!operand) return std::nullopt;
       return tdm::apply_unary(unary.op, *operand);
     }
     case tdm::kExprBinary: {
       const auto &application = static_cast<const TDMExprBinaryApplication &>(record);
+      if (application.op < tdm::kBinaryMul || application.op > tdm::kBinaryLogicalOr)
+        return std::nullopt;
       const std::optional<std::int64_t> left = value(*application.left, depth + 1);
       if (!left) return std::nullopt;
       const std::optional<std::int64_t> right = value(*application.right, depth + 1);

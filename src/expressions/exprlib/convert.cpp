@@ -35,9 +35,10 @@ int double_to_integer(ExprlibNode *node, double number)
   magnitude = std::fmod(std::floor(magnitude), std::ldexp(1.0, static_cast<int>(8 * size)));
   for (std::size_t i = size; i > 0; --i) {
     const double unit = std::ldexp(1.0, static_cast<int>(8 * (i - 1)));
-    const double digit = std::floor(magnitude / unit);
+    // Beyond the range of doubles the unit is infinite, and no number has a digit there.
+    const double digit = std::isinf(unit) ? 0 : std::floor(magnitude / unit);
     out[i - 1] = static_cast<Byte>(digit);
-    magnitude -= digit * unit;
+    if (digit != 0) magnitude -= digit * unit;
   }
   if (number < 0) negate(out, out, size);
   return 0;

@@ -223,6 +223,8 @@ TEST(Exprlib, Casts)
   };
   for (const Row &row : rows) EXPECT_EQ(t.eval(row.tree), row.expected) << (&row - rows);
   EXPECT_EQ(t.context->live_nodes, 0);
+  const Trees wide(200); // more bytes than the range of doubles
+  EXPECT_EQ(wide.eval(wide.cast(EXPRLIB_INT, wide.d(-70000.5))), "int/1600 -70000");
 }
 
 TEST(Exprlib, OpenOperandsAreFoldedLater)
