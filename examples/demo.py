@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Show what the library answers for the examples: ./dev demo runs this.
+"""Show what the library answers for the examples, and compare it with the data sheets.
 
-    demo.py TDM
+    demo.py TDM [--quiet]
 
-For each chip of checks.txt: that its description is in order, its model as a tree, and the
-addresses that its data sheet knows, translated and compared with what is expected. Ends with 0
-when all of them agree.
+For each description of checks.txt: its model as a tree, and the addresses that its data sheet
+knows, translated from the space of a core to memory. Ends with 0 when all of them agree; --quiet
+prints the differences alone.
 """
+import json
 import os
-import shlex
 import subprocess
 import sys
 
@@ -23,29 +23,52 @@ def checks():
     """(description, options, space, address, expected) of each line of checks.txt."""
     with open(os.path.join(HERE, "checks.txt"), encoding="utf-8") as lines:
         for line in lines:
-            line = line.split("#", 1)[0].strip()
-            if line:
-                fields = [field.strip() for field in line.split("|")]
-                yield fields[0], shlex.split(fields[1]), *fields[2:5]
+            fields = line.split("#", 1)[0].split()
+            if fields:
+                name, options, space, address, expected = fields
+                macros = [] if options == "-" else [f"-D{macro}" for macro in options.split(",")]
+                yield name, macros, space, address.replace("@", ":"), expected
+
+
+def reached(answer):
+    """The routes of an answer, written as checks.txt writes them."""
+    routes = []
+    for route in answer["routes"]:
+        at = route["address"]
+        bit = f".{at['bit']}" if at["bit"] else ""
+        mark = "!" if route["reserved"] else ""
+        routes.append(f"{route['name'].split(':')[-1]}:{at['value']:#x}{bit}{mark}")
+    return ",".join(routes) or "none"
 
 
 def main():
-    tdm, seen, failures = os.path.abspath(sys.argv[1]), set(), 0
+    tdm, quiet = os.path.abspath(sys.argv[1]), "--quiet" in sys.argv
+    seen, failures, translated = set(), 0, 0
     os.chdir(HERE)
-    for chip, options, space, address, expected in checks():
-        if (chip, *options) not in seen:
-            seen.add((chip, *options))
-            print(f"\n== {chip} {' '.join(options)}".rstrip())
-            result = run(tdm, "show", chip, *options)
-            print(result.stdout + result.stderr, end="")
-            failures += result.returncode != 0
-        result = run(tdm, "map", chip, *options, "--space", space, "--at", address)
-        print(f"\n$ tdm map {chip} {' '.join(options + ['--space', space, '--at', address])}")
-        print(result.stdout + result.stderr, end="")
-        if expected not in result.stdout:
-            print(f"   NOT as expected: {expected}")
+    for name, macros, space, address, expected in checks():
+        if (name, *macros) not in seen:
+            seen.add((name, *macros))
+            show = run(tdm, "check" if macros else "show", name, *macros)
+            failures += show.returncode != 0
+            if not quiet or show.returncode != 0:
+                print(f"\n$ tdm {'check' if macros else 'show'} {' '.join([name, *macros])}")
+                print(show.stdout + show.stderr)
+        command = ["map", name, *macros, "--space", space, "--at", address]
+        translated += 1
+        found = run(tdm, *command, "--json")
+        try:
+            answer = reached(json.loads(found.stdout))
+        except ValueError:
+            answer = found.stdout + found.stderr
+        if answer.lower() != expected.lower():
             failures += 1
-    print(f"\n{failures} differences" if failures else "\nAll as the data sheets say.")
+            print(f"DIFFERENT: tdm {' '.join(command)}: expected {expected}, found {answer}")
+        elif not quiet:
+            print(f"{space} {address:>12}  ->  {answer}")
+    if failures:
+        print(f"\n{failures} differences")
+    else:
+        print(f"\n{len(seen)} descriptions, {translated} addresses: all as the data sheets say.")
     return 1 if failures else 0
 
 

@@ -54,8 +54,8 @@ const std::string architecture =
 std::string sized(const std::string &size)
 {
   return architecture +
-         "bus g { mau = 8; width = 8; }\nmemory m { mau = 8; type = ram; size = " + size +
-         "; map (dest = bus:g, size = 1); }\n";
+         "bus far { mau = 8; width = 8; }\nmemory mem1 { mau = 8; type = ram; size = " + size +
+         "; map (dest = bus:far, size = 1); }\n";
 }
 
 /// What parsing the text gives: "spec <size of memory m>" or the message without its position.
@@ -76,7 +76,7 @@ std::string outcome(const std::string &text)
       result = tdm_get_last_error();
       if (const size_t end = result.find("] "); end != std::string::npos) result.erase(0, end + 2);
     } else {
-      const tdm_memory *memory = tdm_spec_get_memory(spec, "m");
+      const tdm_memory *memory = tdm_spec_get_memory(spec, "mem1");
       result = "spec " + (memory != nullptr ? std::to_string(tdm_memory_get_size(memory)) : "");
     }
     tdm_spec_free(spec);
@@ -91,6 +91,8 @@ struct Row {
   std::string text;
   std::string expected;
 };
+
+void PrintTo(const Row &row, std::ostream *out) { *out << row.what; }
 
 class Limits : public ::testing::TestWithParam<Row> {};
 
@@ -159,9 +161,9 @@ std::vector<Row> rows()
       {"the largest size", sized("0x7FFFFFFFFFFFFFFF"), "spec 9223372036854775807"},
       {"a number that saturates", sized("0xFFFFFFFFFFFFFFFF"), "spec 9223372036854775807"},
       {"a sum past the end", sized("0x7FFFFFFFFFFFFFFF + 2"),
-       "syntax error: one or more mappings from memory m map outside of memory address range"},
+       "syntax error: one or more mappings from memory mem1 map outside of memory address range"},
       {"the quotient that wraps", sized("(-0x7FFFFFFFFFFFFFFF - 1) / -1"),
-       "syntax error: one or more mappings from memory m map outside of memory address range"},
+       "syntax error: one or more mappings from memory mem1 map outside of memory address range"},
       {"division by zero", sized("1 / 0"), "division by zero"},
       {"remainder by zero", sized("1 % 0"), "division by zero"},
   };
@@ -181,12 +183,12 @@ TEST(Limits, MappingsAtTheEndsOf64Bits)
       "0", "1", "0x7FFFFFFFFFFFFFFF", "-1", "(-0x7FFFFFFFFFFFFFFF - 1)", "0x100000000"};
   for (const std::string &offset : ends)
     for (const std::string &size : ends)
-      for (const std::string &mau : {"8", "16", "24", "64"}) {
+      for (const std::string mau : {"8", "16", "24", "64"}) {
         const std::string text =
             "architecture a { space s { id = 1; mau = 8; map (dest = bus:b, src_offset = " +
             offset + ", dest_offset = " + size + ", size = " + size + "); } bus b { mau = " + mau +
             "; width = " + mau +
-            "; } }\nderivative d { core c { architecture = a; } memory m { mau = " + mau +
+            "; } }\nderivative d { core c { architecture = a; } memory mem1 { mau = " + mau +
             "; type = ram; size = 0x7FFFFFFFFFFFFFFF; map (dest = bus:c:b, dest_offset = " +
             offset + ", size = 0x1000); } }\n";
         EXPECT_FALSE(outcome(text).empty());
@@ -195,15 +197,15 @@ TEST(Limits, MappingsAtTheEndsOf64Bits)
 
 TEST(Limits, UnusualUnitsAreRefusedOrAnswered)
 {
-  for (const std::string &mau : {"-8", "0", "1", "3", "63", "65", "65536", "32768", "0x80000000",
+  for (const std::string mau : {"-8", "0", "1", "3", "63", "65", "65536", "32768", "0x80000000",
                                  "-2147483648", "0x100000008"})
-    for (const std::string &width : {"-8", "0", "1", "64", "65536", "0x7FFFFFFF"}) {
+    for (const std::string width : {"-8", "0", "1", "64", "65536", "0x7FFFFFFF"}) {
       const std::string text =
           "architecture a { space s { id = 1; mau = " + mau +
           "; map (dest = bus:b, size = 16, src_dbits = -3..70, dest_dbits = 5..2); } bus b { mau "
           "= " +
-          mau + "; width = " + width + "; } }\nmemory m { mau = " + mau +
-          "; type = ram; size = 4; map (dest = bus:g, size = 4); } bus g { mau = 8; width = 8; }\n";
+          mau + "; width = " + width + "; } }\nmemory mem1 { mau = " + mau +
+          "; type = ram; size = 4; map (dest = bus:far, size = 4); } bus far { mau = 8; width = 8; }\n";
       outcome(text);
     }
 }

@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "common/failures.h"
-#include "interface/tdm.h"
 #include "mapping/walk.h"
 #include "model/spec.h"
+#include "preprocessor/preprocessor.h"
 
 namespace {
 
@@ -27,11 +27,11 @@ architecture a {
   bus c { mau = 8; width = 8; }
 }
 derivative chip {
-  core k { architecture = a; }
-  memory low { mau = 8; type = ram; size = 0x1000; map (dest = bus:k:d, size = 0x1000); }
+  core cpu { architecture = a; }
+  memory low { mau = 8; type = ram; size = 0x1000; map (dest = bus:cpu:d, size = 0x1000); }
   memory shared { mau = 8; type = ram; size = 0x1000;
-    map (dest = bus:k:d, dest_offset = 0x1000, size = 0x1000);
-    map (dest = bus:k:c, dest_offset = 0x1000, size = 0x1000); }
+    map (dest = bus:cpu:d, dest_offset = 0x1000, size = 0x1000);
+    map (dest = bus:cpu:c, dest_offset = 0x1000, size = 0x1000); }
 }
 processor p { derivative = chip; }
 )";
@@ -43,7 +43,7 @@ protected:
     const fs::path path =
         fs::temp_directory_path() / ("clone_space_" + std::to_string(getpid()) + ".tdm");
     std::ofstream(path) << two_spaces;
-    tdm_init(nullptr);
+    tdm::preprocessor_start();
     spec_ = std::make_unique<TDMSpec>(std::vector<std::string>{path.string()});
     fs::remove(path);
   }
@@ -51,7 +51,7 @@ protected:
   void TearDown() override
   {
     spec_.reset();
-    tdm_cleanup();
+    tdm::preprocessor_end();
   }
 
   TDMCloneSpace *create(const std::set<std::string> &names)
@@ -65,12 +65,12 @@ protected:
 
 TEST_F(CloneSpaces, ReachEachMemoryThroughTheLastMemberThatReachesIt)
 {
-  const std::set<std::string> names = {"p:k:Data", "p:k:Code"};
+  const std::set<std::string> names = {"p:cpu:Data", "p:cpu:Code"};
   EXPECT_EQ(spec_->find_clone_space(names), nullptr);
   TDMCloneSpace *clone = create(names);
   ASSERT_NE(clone, nullptr);
   EXPECT_EQ(spec_->find_clone_space(names), clone);
-  EXPECT_EQ(clone->name, "p:k:code|p:k:data");
+  EXPECT_EQ(clone->name, "p:cpu:code|p:cpu:data");
   EXPECT_EQ(clone->id, 9);
   EXPECT_EQ(clone->mau_size, 8);
   EXPECT_EQ(clone->valid_interval().low.value, 0);
@@ -90,22 +90,22 @@ TEST_F(CloneSpaces, ReachEachMemoryThroughTheLastMemberThatReachesIt)
 
 TEST_F(CloneSpaces, UnknownNamesAreLeftOutUnlessAllAre)
 {
-  EXPECT_EQ(create({"p:k:none", "q:k:Data", "Data"}), nullptr);
-  TDMCloneSpace *clone = create({"p:k:none", "p:k:Data"});
+  EXPECT_EQ(create({"p:cpu:none", "q:k:Data", "Data"}), nullptr);
+  TDMCloneSpace *clone = create({"p:cpu:none", "p:cpu:Data"});
   ASSERT_NE(clone, nullptr);
   EXPECT_EQ(clone->members.size(), 1U);
-  EXPECT_EQ(create({"p:k:Code"})->id, clone->id + 1);
+  EXPECT_EQ(create({"p:cpu:Code"})->id, clone->id + 1);
 }
 
 TEST_F(CloneSpaces, MembersCountInOneUnit)
 {
   try {
-    create({"p:k:Code", "p:k:Words"});
+    create({"p:cpu:Code", "p:cpu:Words"});
     FAIL() << "accepted";
   } catch (TDMFileException *failure) {
     EXPECT_EQ(failure->text(),
               "[\"asked.tdm\" 4/2] syntax error: the address spaces making up clone space "
-              "\"p:k:code|p:k:words...\" do not all have the same MAU size");
+              "\"p:cpu:code|p:cpu:words...\" do not all have the same MAU size");
     delete failure;
   }
 }
