@@ -244,6 +244,8 @@ private:
   std::string space_name_list();
   std::unique_ptr<TDMFileCopySubTableSpace> space_reference();
   void prohibit_references(TDMFileSectionSetup &setup);
+  void input_modification(TDMFileInputModification &modification);
+  void input_property(TDMFileInputModification &modification);
 
   // Copy tables, direct init and banks (parser_tables.cpp).
   void copytable_definition(TDMFileCopyTable &table);
@@ -261,6 +263,78 @@ private:
   void switch_property(TDMFileBankDef &bank);
   void bank_string(int word, TDMFileBankDef &bank, LocationKey key,
                    std::optional<std::string> &field);
+
+  // Vector tables (parser_vectors.cpp).
+  std::unique_ptr<TDMFileVectorTable> vector_table_definition();
+  void vector_table_property(TDMFileVectorTable &table);
+  void vector_table_size(TDMFileVectorTable &table);
+  void vector_table_fill(TDMFileVectorTable &table);
+  void vector_table_address(TDMFileVectorTable &table);
+  void vector_table_template(TDMFileVectorTable &table);
+  void vector_table_template_symbol(TDMFileVectorTable &table);
+  void vector_table_vector_prefix(TDMFileVectorTable &table);
+  std::unique_ptr<TDMFileVector> vector_definition();
+  void vector_property(TDMFileVector &vector);
+  void vector_id_spec(TDMFileVector &vector);
+  void vector_id_range(TDMFileVector &vector);
+  void vector_fill(TDMFileVector &vector);
+  std::unique_ptr<TDMFileVectorValue> vector_value();
+  void vector_loop_offset(TDMFileVectorValue &value);
+
+  // Section layouts and their simple statements (parser_layout.cpp).
+  /// The name of the enclosing space is for the message of a layout without a target.
+  void section_layout_definition(TDMFileSectionLayout &layout, const std::string &enclosing_space);
+  void layout_attribute(TDMFileSectionLayout &layout, const std::string &enclosing_space);
+  std::unique_ptr<TDMFileBlock> statement_block();
+  TDMFileStatementPtr statement();
+  TDMFileStatementPtr nested_statement();
+  TDMFileStatementPtr simple_statement();
+  TDMFileStatementPtr assignment();
+  std::int32_t assignment_operator();
+  TDMFileStatementPtr if_statement();
+  [[nodiscard]] bool at_else_statement();
+  TDMFileStatementPtr table_statement();
+  TDMFileStatementPtr stack_statement();
+  TDMFileStatementPtr heap_statement();
+  void size_or_tag(TDMFileObject &record, tdm::ExpressionPtr &size);
+  TDMFileStatementPtr reserved_statement();
+  void reserved_property(TDMFileReservedStatement &record);
+  void alloc_allowed(TDMFileReservedStatement &record);
+  tdm::AttributeSet attributes_value();
+  tdm::AttributeSet attribute_word();
+  TDMFileStatementPtr memcopy_statement();
+  void memcopy_property(TDMFileMemCopyStatement &record);
+  TDMFileStatementPtr struct_statement();
+  TDMFileStructStatement::Member struct_member();
+  std::unique_ptr<TDMFileSelectSectionStatement> select_statement();
+  void select_property(TDMFileSelectSectionStatement &record);
+  std::unique_ptr<TDMFileSelectAttrs> select_attributes();
+  void attribute_change(TDMFileSelectAttrs &attributes);
+
+  // Output sections, groups and their places (parser_groups.cpp).
+  TDMFileStatementPtr section_statement();
+  void section_property(TDMFileSectionCreationStatement &record);
+  std::unique_ptr<TDMFileBlock> section_block();
+  TDMFileStatementPtr section_member();
+  TDMFileStatementPtr section_group();
+  void section_group_property(TDMFileGroup &group);
+  void alignment_property(TDMFileGroup &group);
+  TDMFileStatementPtr group_statement();
+  void group_name(TDMFileGroup &group, const tdm::TokenSet &body_start);
+  void group_property(TDMFileGroup &group);
+  void group_flag(TDMFileGroup &group, LocationKey key, bool &flag);
+  void group_copy(TDMFileGroup &group);
+  void group_nocopy(TDMFileGroup &group);
+  void group_load_address(TDMFileGroup &group);
+  void group_page(TDMFileGroup &group);
+  void group_page_size(TDMFileGroup &group);
+  std::unique_ptr<TDMFileGroupLocation> group_location();
+  void memory_location(TDMFileGroupLocation &location);
+  std::unique_ptr<TDMFileGroupLocationRange> mapped_memory();
+  void rest_of_memory_range(TDMFileGroupLocationRange &range);
+  void more_ranges(TDMFileGroupLocation &location);
+  std::unique_ptr<TDMFileGroupLocationRange> group_range();
+  std::unique_ptr<TDMFileGroupLocationRange> group_memory_range();
 
   antlr::TokenStream &tokens_;
   antlr::RefToken window_[2];

@@ -121,6 +121,9 @@ void TDMParser::definition(TDMFileInterface &result)
   case KEY_processor:
     processor_definition(tdm::append_new(result.processors));
     break;
+  case KEY_section_layout:
+    section_layout_definition(tdm::append_new(result.sectionLayouts), std::string());
+    break;
   case KEY_section_setup:
     section_setup_definition(tdm::append_new(result.sectionSetups));
     break;

@@ -29,6 +29,13 @@ void TDMParser::section_setup_item(TDMFileSectionSetup &setup)
   case KEY_reserved:
     setup.reservedRanges.push_back(reserved_range());
     return;
+  case KEY_vector_table:
+    setup.vectorTables.push_back(vector_table_definition());
+    return;
+  case KEY_modify:
+    consume();
+    input_modification(tdm::append_new(setup.inputModifications));
+    return;
   case KEY_stack:
     stack_definition(tdm::append_new(setup.stacks));
     break;
@@ -56,6 +63,45 @@ void TDMParser::prohibit_references(TDMFileSectionSetup &setup)
 {
   match(KEY_prohibit_references_to);
   comma_list([&] { setup.prohibitedSpaces.push_back(space_reference()); });
+}
+
+// input_modification: "input" "(" input_property ("," input_property)* ")"
+//                     "{" (select_statement ";")* "}"
+void TDMParser::input_modification(TDMFileInputModification &modification)
+{
+  match(KEY_input);
+  parenthesized_list([&] { input_property(modification); });
+  match(LCURLY);
+  while (at(KEY_select)) {
+    modification.selects.push_back(select_statement());
+    match(SEMICOLON);
+  }
+  match(RCURLY);
+}
+
+// input_property: "space" "=" space_reference | "attributes" "=" attribute_change+ | "copy"
+void TDMParser::input_property(TDMFileInputModification &modification)
+{
+  if (accept(KEY_space)) {
+    match(EQUALS);
+    std::unique_ptr<TDMFileCopySubTableSpace> space = space_reference();
+    if (modification.space)
+      throw new TDMFileSyntaxException("trying to set space twice for input section modification");
+    modification.space = std::move(space);
+    return;
+  }
+  require_next({KEY_attributes, KEY_copy});
+  std::unique_ptr<TDMFileSelectAttrs> attributes;
+  if (accept(KEY_copy)) {
+    attributes = std::make_unique<TDMFileSelectAttrs>();
+    attributes->attributesSet.w = true; // what is copied at start is written
+  } else {
+    attributes = select_attributes();
+  }
+  if (modification.selector)
+    throw new TDMFileSyntaxException(
+        "trying to set attributes twice for input section modification");
+  modification.selector = std::move(attributes);
 }
 
 // space_reference: space_path

@@ -33,6 +33,12 @@ void TDMParser::space_item(TDMFileSpace &space)
   case KEY_reserved:
     space.reservedRanges.push_back(reserved_range());
     break;
+  case KEY_section_layout:
+    section_layout_definition(tdm::append_new(space.sectionLayouts), tdm::name_of(space.name));
+    break;
+  case KEY_vector_table:
+    space.vectorTables.push_back(vector_table_definition());
+    break;
   default:
     space_property(space);
     match(SEMICOLON);

@@ -255,6 +255,9 @@ void TDMParser::derivative_item(TDMFileDerivative &derivative)
   case KEY_memory:
     memory_definition(tdm::append_new(derivative.memories));
     break;
+  case KEY_section_layout:
+    section_layout_definition(tdm::append_new(derivative.sectionLayouts), std::string());
+    break;
   case KEY_section_setup:
     section_setup_definition(tdm::append_new(derivative.sectionSetups));
     break;

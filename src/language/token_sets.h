@@ -67,6 +67,10 @@ struct TokenSets : TDMTokenTypes {
   /// Behind a tag list stands a body, or the first end of a reserved range.
   static constexpr TokenSet tag_list_end = expression_start | TokenSet{LCURLY};
 
+  static constexpr TokenSet statement_start = {STRING,      KEY_select,    KEY_reserved, KEY_stack,
+                                               KEY_heap,    KEY_copytable, KEY_memcopy,  KEY_group,
+                                               KEY_section, KEY_struct,    KEY_if,       LCURLY};
+
   /// Behind an element of a list.
   static constexpr TokenSet list_end = {COMMA, RPAREN};
 

@@ -63,32 +63,34 @@
 #define TDM_KEYWORDS(X)                                                                            \
   X(memory)                                                                                        \
   X(type)                                                                                          \
-  X(reserved) X(mau) X(size) X(speed) X(priority) X(exec_priority) X(write_mode) X(setuptime) X(   \
-      holdtime) X(cycles) X(area) X(read_ports) X(write_ports) X(readwrite_ports) X(write_unit)    \
-      X(rom) X(ram) X(nvram) X(blockram) X(bus) X(address_width) X(wishbone) X(width) X(map) X(    \
-          dest) X(dest_dbits) X(dest_offset) X(src_dbits) X(src_offset) X(bank) X(dest_bank)       \
-          X(space) X(low_to_high) X(high_to_low) X(architecture) X(extends) X(page) X(             \
-              direction) X(address_literal_space) X(id) X(align) X(page_size) X(stack) X(heap)     \
-              X(copytable) X(direct_init) X(vector_table) X(fill) X(min_size) X(grows) X(fixed) X( \
-                  copy_unit) X(table) X(symbol) X(vector_size) X(id_symbol_prefix) X(run_addr)     \
-                  X(template) X(template_symbol) X(vector_prefix) X(no_inline) X(copy) X(vector)   \
-                      X(optional) X(loop) X(stub) X(switch) X(args) X(prefix) X(endianness)        \
-                          X(core) X(copytable_space) X(import) X(space_id_offset) X(derivative) X( \
-                              processor) X(start_address) X(section_layout)                        \
-                              X(group) X(allow_cross_references) X(create_section) X(attributes)   \
-                                  X(nocopy) X(load_addr)                                           \
-                                      X(clustered) X(contiguous) X(ordered) X(overlay) X(mem)      \
-                                          X(section) X(struct) X(select) X(ref_tree)               \
-                                              X(blocksize) X(overflow) X(if) X(else)               \
-                                                  X(alloc_allowed) X(absolute) X(ranged)           \
-                                                      X(memcopy) X(section_setup)                  \
-                                                          X(modify) X(prohibit_references_to)      \
-                                                              X(input) X(addressof) X(defined)     \
-                                                                  X(exists) X(max) X(min)          \
-                                                                      X(sizeof) X(checksum)        \
-                                                                          X(crc32w) X(sect) X(big) \
-                                                                              X(little) X(crc32)   \
-                                                                                  X(tag)
+  X(reserved)                                                                                      \
+  X(mau) X(size) X(speed) X(priority) X(exec_priority) X(write_mode) X(setuptime) X(holdtime) X(   \
+      cycles) X(area) X(read_ports) X(write_ports) X(readwrite_ports) X(write_unit) X(rom) X(ram)  \
+      X(nvram) X(blockram) X(bus) X(address_width) X(wishbone) X(width) X(map) X(dest) X(          \
+          dest_dbits) X(dest_offset) X(src_dbits) X(src_offset) X(bank) X(dest_bank) X(space)      \
+          X(low_to_high) X(high_to_low) X(architecture) X(extends) X(page) X(direction) X(         \
+              address_literal_space) X(id) X(align) X(page_size) X(stack) X(heap) X(copytable)     \
+              X(direct_init) X(vector_table) X(fill) X(min_size) X(grows) X(fixed) X(copy_unit)    \
+                  X(table) X(symbol) X(vector_size) X(id_symbol_prefix) X(run_addr) X(template)    \
+                      X(template_symbol) X(vector_prefix) X(no_inline) X(copy) X(vector)           \
+                          X(optional) X(loop) X(stub) X(switch) X(args) X(prefix) X(endianness)    \
+                              X(core) X(copytable_space) X(import) X(space_id_offset)              \
+                                  X(derivative) X(processor) X(start_address) X(section_layout)    \
+                                      X(group) X(allow_cross_references) X(create_section) X(      \
+                                          attributes) X(nocopy) X(load_addr)                       \
+                                          X(clustered) X(contiguous) X(ordered) X(overlay) X(mem)  \
+                                              X(section) X(struct) X(select) X(ref_tree)           \
+                                                  X(blocksize) X(overflow) X(if) X(else)           \
+                                                      X(alloc_allowed) X(absolute) X(ranged)       \
+                                                          X(memcopy) X(section_setup) X(modify)    \
+                                                              X(prohibit_references_to) X(input)   \
+                                                                  X(addressof) X(defined)          \
+                                                                      X(exists) X(max) X(min)      \
+                                                                          X(sizeof) X(checksum)    \
+                                                                              X(crc32w) X(sect)    \
+                                                                                  X(big) X(little) \
+                                                                                      X(crc32)     \
+                                                                                          X(tag)
 
 /// The token types. Those of keywords are KEY_ and the word.
 struct TDMTokenTypes {
