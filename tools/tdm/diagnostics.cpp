@@ -125,7 +125,7 @@ void Diagnostics::print(const Place &place, const char *severity, const std::str
     where += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
   out_ << styled(bold, where + ":") << ' ' << styled(style, std::string(name) + ":") << ' '
        << names_.shown_in(text) << '\n';
-  if (placed) print_source(place);
+  if (place.line > 0) print_source(place);
 }
 
 void Diagnostics::print_source(const Place &place)
