@@ -1,62 +1,90 @@
-// For now the files come out as they stand, one after the other: found by the rules of the file
-// search, but not preprocessed.
+// Starts and stops the modules around one input, and takes its tokens one by one.
 #include "preprocessor/preprocessed_file_input_stream.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "common/failures.h"
-#include "preprocessor/c_opt.h"
-#include "preprocessor/string_pool.h"
+#include "preprocessor/c_input.h"
+#include "preprocessor/c_pragma.h"
+#include "preprocessor/c_scanner.h"
+#include "preprocessor/c_srcpos.h"
+#include "preprocessor/directives.h"
+#include "preprocessor/macro_expand.h"
+#include "preprocessor/macros.h"
+#include "preprocessor/predefinition.h"
+
+namespace {
+
+constexpr const char *tool_name = "TDM parser";
+
+/// Where the paths of opened files go, null for nowhere.
+std::set<std::string> *dependency_target = nullptr;
+
+void record_dependency(const char *name)
+{
+  if (dependency_target != nullptr) dependency_target->insert(name);
+}
+
+void start_modules()
+{
+  tdm::input_start(tool_name);
+  input_add_listener(record_dependency);
+  tdm::pragma_start();
+  tdm::srcpos_start();
+  tdm::scanner_start();
+  tdm::expansion_start();
+  tdm::macro_start();
+  tdm::directives_start();
+}
+
+void stop_modules()
+{
+  tdm::expansion_stop();
+  tdm::macro_stop();
+  tdm::directives_stop();
+  tdm::scanner_stop();
+  input_add_listener(nullptr);
+  tdm::srcpos_stop();
+  tdm::input_stop();
+  tdm::pragma_end();
+}
+
+} // namespace
 
 TDMPreprocessedFileInputStream::TDMPreprocessedFileInputStream(
     const std::vector<std::string> &files, std::set<std::string> *dependencies)
 {
-  for (const std::string &name : files)
-    if (!open(name, dependencies)) throw new TDMCannotOpenFileException(name);
-  position_ = {files_.empty() ? tdm::intern("") : files_[0].first, 1, 1, nullptr};
-}
-
-TDMPreprocessedFileInputStream::~TDMPreprocessedFileInputStream() = default;
-
-bool TDMPreprocessedFileInputStream::open(const std::string &name,
-                                          std::set<std::string> *dependencies)
-{
-  std::vector<std::string> directories;
-  for (int i = 0; i < option_count(tdm::optINCDIR); ++i)
-    directories.emplace_back(option_get_string(tdm::optINCDIR, i));
-  if (const char *value = std::getenv("TDM PARSERINC")) directories.emplace_back(value);
-  directories.emplace_back("../include/");
-  for (const std::string &directory : directories) {
-    const std::string path = (std::filesystem::path(directory) / name).lexically_normal().string();
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path)) continue;
-    if (dependencies != nullptr) dependencies->insert(path);
-    content_.append(std::istreambuf_iterator<char>(file), {});
-    if (!content_.empty() && content_.back() != '\n') content_ += '\n';
-    files_.emplace_back(tdm::intern(path), content_.size());
-    return true;
+  dependency_target = dependencies;
+  start_modules();
+  try {
+    start(files);
+  } catch (...) {
+    stop_modules();
+    throw;
   }
-  return false;
 }
 
-int TDMPreprocessedFileInputStream::getChar()
+TDMPreprocessedFileInputStream::~TDMPreprocessedFileInputStream()
 {
-  if (next_ == content_.size()) return -1;
-  const char c = content_[next_++];
-  fetch();
-  return c == '\xff' ? 255 : static_cast<signed char>(c);
+  stop_modules();
 }
 
-void TDMPreprocessedFileInputStream::fetch()
+void TDMPreprocessedFileInputStream::start(const std::vector<std::string> &files)
 {
-  ++position_.column;
-  if (content_[next_ - 1] == '\n') {
-    ++position_.line;
-    position_.column = 1;
+  tdm::push_predefinitions();
+  while (pp_next_token(true).number != tEOF) {
   }
-  for (std::size_t i = 0; i + 1 < files_.size(); ++i)
-    if (files_[i].second == next_) position_ = {files_[i + 1].first, 1, 1, nullptr};
+  // The last one that is pushed is the first one that is read.
+  for (auto name = files.rbegin(); name != files.rend(); ++name)
+    if (!input_search_file(*name, false, true, true)) throw new TDMCannotOpenFileException(*name);
+  fetch_token();
+}
+
+void TDMPreprocessedFileInputStream::fetch_token()
+{
+  do token_ = &pp_next_token(true);
+  while (token_->length == 0 && token_->number != tEOF);
+  at_end_ = token_->number == tEOF;
+  text_ = token_->text;
+  text_end_ = text_ + token_->length;
+  column_step_ = token_->number == tWHITE ? 1 : 0;
+  position_ = token_->position;
 }

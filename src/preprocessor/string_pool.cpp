@@ -94,6 +94,7 @@ bool string_pool_started()
 
 const char *intern(std::string_view text)
 {
+  if (text.data() == nullptr) text = "";
   const std::uint32_t hash = hash_text(text);
   const void *found = hashtab_search(pool.table, hash, [=](const void *entry) {
     const auto *candidate = static_cast<const char *>(entry);

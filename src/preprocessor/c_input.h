@@ -1,0 +1,109 @@
+// c-input: the stack of open inputs, files and texts, and the characters that they deliver.
+//
+// The top record is read until it ends and leaves the stack; then reading goes on in the one below.
+// Delivery takes out trigraphs and line splices and counts lines and columns, so whoever reads here
+// sees logical characters only. Carriage returns and the byte 0x1A are dropped as blocks are read.
+// The scanner reads most tokens straight from a record's block instead, and then keeps the counts
+// itself. What the characters mean is none of this module's business.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+struct TDMInputRecord {
+  enum Kind : int { file = 1, text = 2 };
+
+  Kind kind;
+  bool at_line_start;    ///< the character last delivered was a newline, or there was none yet
+  bool isolated;         ///< a text whose end is the end of input, raw: no splices, no trigraphs
+  bool exhausted;        ///< of a file: the last block has been read
+  const char *cursor;    ///< next byte; `end` has a NUL, so that no loop runs past it
+  const char *end;       ///< behind the bytes at hand
+  const char *file_name; ///< the name under which the file was opened, null for a text
+  const char *presumed_name; ///< the name that positions show
+  std::uint32_t physical_line;
+  std::uint32_t presumed_line;
+  std::uint32_t column; ///< of the character last delivered
+  std::uint32_t serial; ///< different for all records of a stream
+  int handle;
+  char *buffer;         ///< the block of a file, the characters of a text
+  TDMInputRecord *next; ///< the record below
+};
+
+namespace tdm {
+
+constexpr int input_end = -1;
+
+/// The ends of the stack, for the scanner. Only this module changes them.
+struct InputStack {
+  TDMInputRecord *top = nullptr;
+  TDMInputRecord *innermost_file = nullptr;
+  bool has_unread = false; ///< a character that was given back waits outside the blocks
+};
+extern InputStack input_stack;
+
+/// Makes the stack. The environment variable `<TOOL NAME>INC` names directories for the search.
+void input_start(std::string_view tool_name);
+
+/// Closes all inputs. No listener may be left.
+void input_stop();
+
+/// The next logical character, 0 to 255, or input_end.
+[[nodiscard]] int input_next_char();
+
+/// Gives the character just delivered back, to be delivered again.
+void input_unread(int c);
+
+/// The byte behind the character just delivered, without delivering it; 0 if there is none in the
+/// same record.
+[[nodiscard]] int input_peek_byte();
+
+/// Puts what was given back on the stack as a text of its own, so that texts and files that are
+/// pushed now are read before it.
+void input_flush_unread();
+
+/// Pushes a text that ends the input for its reader, until input_pop_isolated. It is delivered raw.
+/// The text must stay until then, and have a NUL behind it.
+void input_push_isolated(std::string_view text);
+void input_pop_isolated();
+
+/// Counts a line of the record as begun, if the last character delivered was a newline.
+inline void input_begin_line(TDMInputRecord &record)
+{
+  if (!record.at_line_start) return;
+  ++record.physical_line;
+  ++record.presumed_line;
+  record.column = 0;
+  record.at_line_start = false;
+}
+
+/// To be called when a newline of the record has been delivered: for the end position of the name
+/// that #line gave first.
+void input_note_line(const TDMInputRecord &record);
+
+/// The effect of #line on the innermost file: the line that begins next has this number. A null
+/// name leaves the name.
+void input_set_presumed(const char *name, std::uint32_t line);
+
+/// Reads over whole lines of the top file, until the line with this physical number begins.
+void input_skip_to_line(std::uint32_t physical_line);
+
+} // namespace tdm
+
+/// Pushes a text; a newline is supplied at the end of the bottom record only.
+void input_push_text(std::string_view text);
+
+/// Opens one file and pushes it. False if it doesn't exist, in silence, or can't be read, with a
+/// message. The name must be interned.
+bool input_open_file(const char *name);
+
+/// Tries the directories in their order: that of the innermost file; the include directories and
+/// those of the environment; "../include/". True when a file was opened.
+bool input_search_file(std::string_view name, bool search_local, bool search_paths,
+                       bool search_default);
+
+/// Adds a function that is called with the name of each file that is opened; null drops the one
+/// that was added last.
+using InputListener = void (*)(const char *name);
+void input_add_listener(InputListener listener);

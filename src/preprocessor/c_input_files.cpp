@@ -1,0 +1,163 @@
+// Searching and opening. The first block is read as a file is opened, since only reading tells
+// whether it can be read (a directory opens like a file).
+#include "preprocessor/c_input_files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_input.h"
+#include "preprocessor/c_opt.h"
+#include "preprocessor/c_srcpos.h"
+#include "preprocessor/orderly_stop.h"
+#include "preprocessor/path_join.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+// Systems let a process open a thousand files or a million. A file that includes itself should
+// come to its end also on the latter, before memory does.
+constexpr int most_open_files = 16384;
+
+constexpr const char *tool_directory = "";
+
+struct {
+  std::vector<std::string> environment_directories;
+  std::vector<InputListener> listeners;
+  int open_files;
+} state;
+
+// "a;b,c" as it stands in the environment; empty pieces name no directory.
+void cut_directories(std::string_view value)
+{
+  while (!value.empty()) {
+    const std::size_t end = std::min(value.find_first_of(";,"), value.size());
+    if (end > 0) state.environment_directories.emplace_back(value.substr(0, end));
+    value.remove_prefix(std::min(end + 1, value.size()));
+  }
+}
+
+char upper(char c)
+{
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool refuse(const char *name)
+{
+  diag_at(F_open_failed, srcpos_current(), name);
+  return false;
+}
+
+// Bytes read, or -1. Less than asked for only at the end of the file.
+ssize_t read_fully(int handle, char *buffer, std::size_t size)
+{
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count = ::read(handle, buffer + done, size - done);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return done > 0 ? static_cast<ssize_t>(done) : -1;
+    if (count == 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  return static_cast<ssize_t>(done);
+}
+
+constexpr std::size_t first_read = 32768;
+
+std::string local_directory()
+{
+  const TDMInputRecord *record = input_stack.top;
+  while (record != nullptr && (record->kind != TDMInputRecord::file || record->physical_line == 0))
+    record = record->next;
+  return record == nullptr ? std::string() : path_join(record->file_name, "../");
+}
+
+bool open_in(std::string_view directory, std::string_view name)
+{
+  return input_open_file(intern(path_join(directory, name)));
+}
+
+} // namespace
+
+void input_files_start(std::string_view tool_name)
+{
+  std::string variable(tool_name);
+  std::transform(variable.begin(), variable.end(), variable.begin(), upper);
+  variable += "INC";
+  state.environment_directories.clear();
+  if (const char *value = std::getenv(variable.c_str())) cut_directories(value);
+}
+
+void input_files_stop()
+{
+  internal_check(state.listeners.empty());
+  state.environment_directories.clear();
+}
+
+void input_close_handle(int handle)
+{
+  ::close(handle);
+  --state.open_files;
+}
+
+} // namespace tdm
+
+bool input_open_file(const char *name)
+{
+  using namespace tdm;
+  input_flush_unread();
+  if (state.open_files >= most_open_files) return refuse(name);
+  const int handle = ::open(name, O_RDONLY | O_CLOEXEC | O_NOCTTY);
+  if (handle < 0 && (errno == ENOENT || errno == ENOTDIR)) return false;
+  if (handle < 0) return refuse(name);
+
+  auto *buffer = static_cast<char *>(std::malloc(input_buffer_size()));
+  if (buffer == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
+  const ssize_t length = read_fully(handle, buffer, first_read);
+  if (length < 0) {
+    std::free(buffer);
+    ::close(handle);
+    return refuse(name);
+  }
+  // A short file needs no room for further blocks; thousands may be open at once.
+  const bool exhausted = static_cast<std::size_t>(length) < first_read;
+  if (exhausted)
+    if (void *smaller = std::realloc(buffer, static_cast<std::size_t>(length) + 1))
+      buffer = static_cast<char *>(smaller);
+  ++state.open_files;
+  input_push_file(handle, name, buffer, static_cast<std::size_t>(length), exhausted);
+  // Told last, so that a listener that fails leaves the stack whole.
+  for (const InputListener listener : state.listeners) listener(name);
+  return true;
+}
+
+bool input_search_file(std::string_view name, bool search_local, bool search_paths,
+                       bool search_default)
+{
+  using namespace tdm;
+  if (name.find('\0') != name.npos) return false; // no file has such a name
+  if (search_local && open_in(local_directory(), name)) return true;
+  if (search_paths) {
+    for (int i = 0; i < option_count(optINCDIR); ++i)
+      if (open_in(option_get_string(optINCDIR, i), name)) return true;
+    for (const std::string &directory : state.environment_directories)
+      if (open_in(directory, name)) return true;
+  }
+  return search_default && open_in(path_join(tool_directory, "../include/"), name);
+}
+
+void input_add_listener(InputListener listener)
+{
+  auto &listeners = tdm::state.listeners;
+  if (listener != nullptr)
+    listeners.push_back(listener);
+  else if (!listeners.empty())
+    listeners.pop_back();
+}

@@ -1,0 +1,159 @@
+// A memo of a group holds the file, the line of the opening directive and that of the directive
+// that ended the group; a group that is skipped when its file is read again is passed over by
+// counting newlines. Lines are those of one reading of one file: a conditional that is closed in
+// another file than it was opened in is not remembered.
+#include "preprocessor/conditionals.h"
+
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_input.h"
+#include "preprocessor/c_memory.h"
+#include "preprocessor/hashtab.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+constexpr unsigned base_flags = group_active | allows_if;
+constexpr unsigned new_flags = allows_if | allows_elif | allows_else | allows_endif;
+
+struct SkipMemo {
+  const char *file; ///< with `line` the key
+  std::uint64_t line;
+  std::uint64_t end;
+};
+constexpr int memo_key_length = sizeof(const char *) + sizeof(std::uint64_t);
+
+struct {
+  TDMConditional base;
+  TDMConditional *top = &base;
+  MemoryArena arena;
+  hashtab memos;
+} state;
+
+bool memo_enabled = true;
+
+std::uint32_t hash_of_memo(const void *key)
+{
+  const auto *memo = static_cast<const SkipMemo *>(key);
+  return pooled(memo->file).hash + static_cast<std::uint32_t>(memo->line) * 0x9E3779B1u;
+}
+
+SkipMemo *find_memo(const char *file, std::uint32_t line)
+{
+  const SkipMemo key = {file, line, 0};
+  return static_cast<SkipMemo *>(hashtab_lookup(&state.memos, &key));
+}
+
+bool enclosing_active()
+{
+  return (state.top->next->flags & group_active) != 0;
+}
+
+void set_active(bool active)
+{
+  if (active)
+    state.top->flags |= group_active;
+  else
+    state.top->flags &= ~unsigned{group_active};
+}
+
+} // namespace
+
+void conditionals_start()
+{
+  conditionals_stop();
+  state.base = {};
+  state.base.flags = base_flags;
+  state.memos.hash = hash_of_memo;
+  state.memos.key_length = memo_key_length;
+}
+
+void conditionals_stop()
+{
+  while (state.top != &state.base) conditional_pop();
+  hashtab_free(state.memos);
+  state.arena.clear();
+}
+
+void skip_memo_enable(bool enabled)
+{
+  memo_enabled = enabled;
+}
+
+const TDMConditional &conditional_top()
+{
+  return *state.top;
+}
+
+bool conditional_active()
+{
+  return (state.top->flags & group_active) != 0;
+}
+
+void conditional_push(const tdm_srcpos &position)
+{
+  state.top = new TDMConditional{state.top, new_flags, position, 0, 0};
+}
+
+void conditional_pop()
+{
+  TDMConditional *conditional = state.top;
+  state.top = conditional->next;
+  delete conditional;
+}
+
+bool conditional_wants_condition()
+{
+  return enclosing_active() && (state.top->flags & branch_taken) == 0;
+}
+
+void conditional_decide(bool condition)
+{
+  const bool active = condition && conditional_wants_condition();
+  if (active) state.top->flags |= branch_taken;
+  set_active(active);
+}
+
+void conditional_else()
+{
+  const bool taken = (state.top->flags & branch_taken) != 0;
+  state.top->flags &= ~unsigned{allows_elif | allows_else};
+  set_active(!taken && enclosing_active());
+}
+
+void conditionals_end_of_input()
+{
+  while (state.top != &state.base) {
+    diag_at(E_no_endif, state.top->position);
+    conditional_pop();
+  }
+}
+
+void skip_memo_open(const DirectivePlace &place)
+{
+  if (place.line == 0 || !memo_enabled) return;
+  const SkipMemo *memo = find_memo(place.file, place.line);
+  if (memo == nullptr) {
+    state.top->skip_start = place.line;
+    state.top->file = place.serial;
+    return;
+  }
+  const TDMInputRecord *input = input_stack.top;
+  if (conditional_active() || input == nullptr || input->serial != place.serial) return;
+  input_skip_to_line(static_cast<std::uint32_t>(memo->end));
+}
+
+void skip_memo_close(const DirectivePlace &place)
+{
+  TDMConditional &conditional = *state.top;
+  const std::uint32_t start = conditional.skip_start;
+  conditional.skip_start = 0;
+  if (start == 0 || place.line == 0 || conditional.file != place.serial) return;
+  if (find_memo(place.file, start) != nullptr) return;
+  auto *memo = static_cast<SkipMemo *>(state.arena.allocate(sizeof(SkipMemo)));
+  *memo = {place.file, start, place.line};
+  hashtab_insert(&state.memos, memo);
+}
+
+} // namespace tdm

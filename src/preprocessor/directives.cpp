@@ -1,0 +1,394 @@
+// The read step, the table of directives, and the handlers that are short.
+#include "preprocessor/directives.h"
+
+#include <iterator>
+#include <string_view>
+
+#include "preprocessor/c_buffer.h"
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_input.h"
+#include "preprocessor/c_opt.h"
+#include "preprocessor/c_pragma.h"
+#include "preprocessor/c_scanner.h"
+#include "preprocessor/condition.h"
+#include "preprocessor/conditionals.h"
+#include "preprocessor/escapes.h"
+#include "preprocessor/macro_expand.h"
+#include "preprocessor/macros.h"
+#include "preprocessor/source_directives.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+struct {
+  int depth; ///< of calls of the read step
+  bool at_line_start;
+  bool in_directive;
+  bool line_ended;  ///< the newline of the directive line has been read
+  PpToken token;    ///< handed out when it isn't the scanner's
+  PpToken line_end; ///< what ended the directive line
+  PpToken forwarding_hash;
+  bool forwards;        ///< the directive just read goes to the lexer
+  tdm_srcpos position;  ///< of the "#" of the directive
+  DirectivePlace place; ///< the same in the real file
+  TextBuffer text;
+  PpToken name;           ///< of the directive, as it was written
+  bool opens_conditional; ///< the directive has opened one
+} state;
+
+// ---- handlers ----
+
+void handle_condition()
+{
+  conditional_decide(conditional_wants_condition() && pp_eval_condition());
+  skip_memo_close(state.place);
+}
+
+void handle_if()
+{
+  conditional_push(state.position);
+  handle_condition();
+}
+
+void handle_name_test(DiagMessage bad, bool wants_defined)
+{
+  const PpToken &name = pp_next_significant(false);
+  if (name.number != tIDENT) diag_at(bad, state.position);
+  conditional_push(state.position);
+  const bool defined = macro_lookup(name.text) != nullptr;
+  conditional_decide(defined == wants_defined);
+  expect_line_end();
+}
+
+void handle_ifdef()
+{
+  handle_name_test(E_bad_ifdef, true);
+}
+
+void handle_ifndef()
+{
+  handle_name_test(E_bad_ifndef, false);
+}
+
+void handle_else()
+{
+  conditional_else();
+  expect_line_end();
+  skip_memo_close(state.place);
+}
+
+void handle_endif()
+{
+  expect_line_end();
+  skip_memo_close(state.place);
+  conditional_pop();
+}
+
+void handle_error()
+{
+  diag_at(E_hash_error, state.position, rest_of_line());
+}
+
+void handle_warning()
+{
+  diag_at(W_hash_warning, state.position, rest_of_line());
+}
+
+void report_unknown_misra_pragma(const std::vector<PpToken> &line)
+{
+  const PpToken *first = nullptr;
+  for (const PpToken &token : line)
+    if (first == nullptr && token.number == tIDENT) first = &token;
+  if (first == nullptr || first->view() != "nomisrac" || pragma_known(first->text)) return;
+  state.text.clear();
+  for (const PpToken &token : line)
+    if (token.number != tNEWLINE && token.number != tEOF &&
+        (state.text.length() > 0 || !is_white(token.number)))
+      state.text.append(token.view());
+  diag_at(W_ignored_pragma, state.position, state.text.view());
+}
+
+// The line goes on to the lexer as it stands.
+void handle_pragma()
+{
+  std::vector<PpToken> line;
+  while (!state.line_ended) {
+    PpToken token = pp_next_token(false);
+    keep_text(token);
+    if (token.number != tEOF) line.push_back(token);
+  }
+  report_unknown_misra_pragma(line);
+  PpToken word;
+  word.number = tIDENT;
+  word.text = intern("pragma");
+  word.length = pooled(word.text).length;
+  word.position = state.position;
+  PpToken blank = word;
+  blank.number = tWHITE;
+  blank.text = token_text(tSPACE);
+  blank.length = 1;
+  if (!line.empty() && is_white(line.front().number)) line.erase(line.begin());
+  line.insert(line.begin(), {word, blank});
+  list_push(line, true);
+  state.forwards = true;
+}
+
+// ---- the table ----
+
+struct DirectiveRow {
+  std::string_view name;
+  unsigned mask;
+  void (*handler)();
+};
+
+constexpr DirectiveRow rows[] = {
+    {"if", allows_if, handle_if},
+    {"ifdef", allows_if, handle_ifdef},
+    {"ifndef", allows_if, handle_ifndef},
+    {"elif", allows_elif, handle_condition},
+    {"else", allows_else, handle_else},
+    {"endif", allows_endif, handle_endif},
+    {"include", group_active, handle_include},
+    {"define", group_active, macro_parse_define},
+    {"undef", group_active, macro_parse_undef},
+    {"line", group_active, handle_line},
+    {"", group_active, handle_line_marker},
+    {"error", group_active, handle_error},
+    {"warning", group_active, handle_warning},
+    {"pragma", group_active, handle_pragma},
+};
+
+const DirectiveRow *find_directive(std::string_view name)
+{
+  if (name == "warning" && !option_get_bool(optA_GCC)) name = "-";
+  for (const DirectiveRow &row : rows)
+    if (row.name == name) return &row;
+  return nullptr;
+}
+
+void run_directive(const PpToken &name)
+{
+  const std::string_view word = name.number == tICON ? std::string_view() : name.view();
+  const DirectiveRow *row = find_directive(word);
+  if (row == nullptr) {
+    if (conditional_active()) diag_at(E_undefined_directive, name.position, word);
+    return;
+  }
+  if ((conditional_top().flags & row->mask) == 0) {
+    if (row->mask != group_active) diag_at(E_unexpected_directive, name.position, word);
+    return;
+  }
+  row->handler();
+  state.opens_conditional = row->mask == allows_if;
+}
+
+DirectivePlace current_place()
+{
+  const TDMInputRecord *input = input_stack.top;
+  if (input == nullptr || input->kind != TDMInputRecord::file) return {nullptr, 0, 0};
+  return {input->file_name, input->physical_line, input->serial};
+}
+
+// Reads a directive line, behind its "#".
+void read_directive(const tdm_srcpos &position)
+{
+  state.position = position;
+  state.place = current_place();
+  state.in_directive = true;
+  state.line_ended = false;
+  state.forwards = false;
+  state.opens_conditional = false;
+  state.name = pp_next_significant(false);
+  const PpToken &name = state.name;
+  if (name.number == tIDENT || name.number == tICON)
+    run_directive(name);
+  else if (name.number != tNEWLINE && name.number != tEOF)
+    diag_at(E_syntax_directive, name.position);
+  while (!state.line_ended) pp_next_token(false);
+  state.in_directive = false;
+  if (state.opens_conditional) skip_memo_open(state.place);
+}
+
+// Universal character names in a name are checked once, when it leaves the preprocessor.
+void check_universal_names(const PpToken &name)
+{
+  const char *end = name.text + name.length;
+  for (const char *cursor = name.text; cursor != end;) {
+    if (*cursor++ != '\\') continue;
+    tdm_srcpos position = name.position;
+    position.column += static_cast<int>(cursor - 1 - name.text);
+    static_cast<void>(escape_check(cursor, end, position, true));
+  }
+}
+
+bool wants_text()
+{
+  return state.in_directive || conditional_active();
+}
+
+// Gives the token out of the module's own record, which may then be changed.
+PpToken &own(const PpToken &token)
+{
+  if (&token != &state.token) state.token = token;
+  return state.token;
+}
+
+// What the outermost caller sees of a name.
+const PpToken &finished_name(const PpToken &name)
+{
+  if ((pooled(name.text).marks & mark_has_backslash) != 0) check_universal_names(name);
+  if (name.number == tIDENT) return name;
+  own(name).number = tIDENT;
+  return state.token;
+}
+
+const PpToken *start_directive(const PpToken &hash)
+{
+  read_directive(hash.position);
+  if (!state.forwards) return &state.line_end;
+  state.forwarding_hash.position = state.position;
+  return &state.forwarding_hash;
+}
+
+void note_line_end(const PpToken &token)
+{
+  state.at_line_start = true;
+  if (!state.in_directive) return;
+  state.line_ended = true;
+  state.line_end = token;
+}
+
+// Most names are no macros, and this tells without a search.
+bool may_expand(const PpToken &name)
+{
+  constexpr std::size_t builtin_length = std::string_view("__FUNCTION__").size();
+  return pooled(name.text).marks != 0 || name.length == builtin_length;
+}
+
+// One round of the read step; null when the token was dropped or has been replaced.
+const PpToken *read_round(bool expand)
+{
+  const bool from_list = !list_stack_empty() && list_next(state.token);
+  const PpToken *token = &state.token;
+  if (!from_list) {
+    token = &scanner_next_token(wants_text());
+    expansion_work.allowed += expansion_per_token;
+  }
+  switch (token->number) {
+  case tIDENT: {
+    state.at_line_start = false;
+    if (!expand || (from_list && list_forwarding()) || !wants_text()) break;
+    if (!may_expand(*token)) break;
+    PpToken name = *token;
+    if (macro_expand(name)) return nullptr;
+    token = &own(name);
+    break;
+  }
+  case tNEWLINE:
+    note_line_end(*token);
+    return token;
+  case tEOF:
+    if (!from_list) conditionals_end_of_input();
+    note_line_end(*token);
+    return token;
+  case tWHITE:
+  case tCOMMENT:
+    break;
+  case tHASH:
+    if (state.at_line_start && !from_list && !state.in_directive) {
+      token = start_directive(*token);
+      state.at_line_start = true;
+      return token;
+    }
+    [[fallthrough]];
+  default:
+    state.at_line_start = false;
+  }
+  return conditional_active() || state.in_directive ? token : nullptr;
+}
+
+} // namespace
+
+void directives_start()
+{
+  state.depth = 0;
+  state.at_line_start = true;
+  state.in_directive = state.line_ended = state.forwards = false;
+  state.forwarding_hash.number = tHASH;
+  state.forwarding_hash.text = token_text(tHASH);
+  state.forwarding_hash.length = 1;
+  conditionals_start();
+}
+
+void directives_stop()
+{
+  state.text.free();
+  conditionals_stop();
+}
+
+bool pp_in_directive()
+{
+  return state.in_directive;
+}
+
+bool pp_line_ended()
+{
+  return state.line_ended;
+}
+
+void pp_reopen_line()
+{
+  state.line_ended = false;
+}
+
+const tdm_srcpos &directive_position()
+{
+  return state.position;
+}
+
+const PpToken &directive_name()
+{
+  return state.name;
+}
+
+const PpToken &pp_next_significant(bool expand)
+{
+  for (;;) {
+    const PpToken &token = pp_next_token(expand);
+    if (!is_white(token.number)) return token;
+  }
+}
+
+void expect_line_end()
+{
+  if (state.line_ended) return;
+  const PpToken &token = pp_next_significant(false);
+  if (token.number != tNEWLINE && token.number != tEOF) diag_at(W_unexpected_text, token.position);
+}
+
+std::string_view rest_of_line()
+{
+  state.text.clear();
+  if (state.line_ended) return {};
+  const PpToken *token = &pp_next_significant(false);
+  while (!state.line_ended) {
+    state.text.append(token->view());
+    token = &pp_next_token(false);
+  }
+  return state.text.view();
+}
+
+} // namespace tdm
+
+const tdm::PpToken &pp_next_token(bool expand)
+{
+  ++tdm::state.depth;
+  const tdm::PpToken *token = nullptr;
+  do token = tdm::read_round(expand);
+  while (token == nullptr);
+  if (--tdm::state.depth == 0 && (token->number == tIDENT || token->number == tIDENT2))
+    token = &tdm::finished_name(*token);
+  return *token;
+}

@@ -1,0 +1,43 @@
+// The main read step of the preprocessor and the directive lines.
+//
+// pp_next_token is what everything else sits on: it takes tokens from the list stack or from the
+// scanner, runs directive lines, drops skipped groups and has names expanded. The handlers of the
+// directives call it in turn. Conditions are evaluated in condition.cpp, conditionals are kept in
+// conditionals.cpp, and definitions are read in macro_directives.cpp.
+#pragma once
+
+#include "preprocessor/pp_token.h"
+
+/// The next token, in a record that is good until the next call. `expand` turns macros on.
+const tdm::PpToken &pp_next_token(bool expand);
+
+namespace tdm {
+
+void directives_start();
+void directives_stop();
+
+/// A directive line is being read.
+[[nodiscard]] bool pp_in_directive();
+
+/// The end of the directive line has been read. Handlers read no token beyond it.
+[[nodiscard]] bool pp_line_ended();
+
+/// The newline that ended the directive line was put back, and will come again.
+void pp_reopen_line();
+
+/// The position of the "#" of the directive being read.
+[[nodiscard]] const tdm_srcpos &directive_position();
+
+/// The token behind the "#".
+[[nodiscard]] const PpToken &directive_name();
+
+/// The next token that is neither white space nor a comment.
+const PpToken &pp_next_significant(bool expand);
+
+/// Reports text behind a directive, once. Nothing is read if the line has ended already.
+void expect_line_end();
+
+/// The texts of the rest of the line, joined.
+std::string_view rest_of_line();
+
+} // namespace tdm

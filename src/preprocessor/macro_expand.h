@@ -1,0 +1,45 @@
+// Macro expansion, and the list stack that its results are read from.
+//
+// The main read step (directives.h) takes tokens from the list stack while there are any, and hands
+// each name to macro_expand, which may push a list. Everything here works on token lists; text is
+// scanned again only for ##.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "preprocessor/pp_token.h"
+
+namespace tdm {
+
+void expansion_start();
+void expansion_stop();
+
+/// Takes the next token from the list stack; false when all lists have been read to their end.
+bool list_next(PpToken &token);
+
+[[nodiscard]] bool list_stack_empty();
+
+/// Whether a list is being read that has a token left.
+[[nodiscard]] bool list_has_next();
+
+/// Whether the token that was taken last belongs to a forwarded line, which is read as it stands.
+[[nodiscard]] bool list_forwarding();
+
+/// Puts tokens in front of the input, as they stand.
+void list_push(const std::vector<PpToken> &tokens, bool forwarded);
+
+/// Macros can multiply without end; tokens that are read from the input allow for more of it.
+struct ExpansionWork {
+  std::uint64_t done;
+  std::uint64_t allowed;
+};
+extern ExpansionWork expansion_work;
+constexpr std::uint64_t expansion_limit = 1 << 24;
+constexpr std::uint64_t expansion_per_token = 64;
+
+} // namespace tdm
+
+/// Expands the macro that the token names. True when its expansion has been pushed on the list
+/// stack (or the call has come to nothing); false when the token stays, though perhaps changed.
+bool macro_expand(tdm::PpToken &name);

@@ -1,0 +1,90 @@
+// What the parts of macro expansion share: the list stack, the calls at work and their arguments.
+// Only macro_expand.cpp, macro_arguments.cpp and macro_substitute.cpp look in here.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "preprocessor/c_buffer.h"
+#include "preprocessor/macros.h"
+#include "preprocessor/token_list.h"
+
+namespace tdm {
+
+/// One list of the list stack.
+struct OpenList {
+  const PpToken *cursor;
+  const PpToken *end;
+  TDMMacro *macro;        ///< whose expansion this is, busy until the list is popped; or null
+  tdm_srcpos position;    ///< what all its tokens take, if `positioned`
+  TokenMemory::Mark mark; ///< what is above it can go with the list
+  bool positioned = false;
+  bool barrier = false; ///< an argument on its own: nothing below is read before it is popped
+  bool linked = false;  ///< parentheses and commas carry links
+  bool forwarded = false;
+};
+
+/// An argument of a call.
+struct MacroArgument {
+  const PpToken *begin; ///< as it stands, no white space at either end; equal to `end` if empty
+  const PpToken *end;
+  const PpToken *expanded;
+  std::size_t expanded_count;
+  const char *string; ///< what # makes of it, once it has been asked for
+  std::size_t string_length;
+};
+
+/// A call whose arguments have been collected.
+struct MacroCall {
+  TDMMacro *macro;
+  PpToken name;
+  std::size_t first_argument; ///< in `arguments`
+  std::size_t next;           ///< the argument to look at next
+  std::size_t output_start;   ///< of the argument that is being expanded, in `output`
+  bool reading;               ///< an argument is being expanded
+  TokenMemory::Mark mark;
+};
+
+struct ExpansionState {
+  std::vector<OpenList> lists;
+  std::vector<MacroCall> calls;
+  std::vector<MacroArgument> arguments; ///< of all calls, the innermost call's last
+  std::vector<PpToken> output;          ///< what has come out of arguments being expanded, likewise
+  std::vector<PpToken> result;          ///< of the substitution at work
+  TokenMemory memory;
+  bool forwarding;
+  bool exhausted; ///< the limit was met: nothing is expanded any more
+  int collecting; ///< arguments are being collected: memory of popped lists is still needed
+  TokenMemory::Mark lowest; ///< of the lists popped meanwhile
+};
+extern ExpansionState expansion;
+
+enum class Read { token, barrier, end };
+
+/// Which parts come out whole; all others are opened and come out token by token.
+enum class Parts { none, done, neutral };
+
+/// The next item of the list stack, up to a barrier.
+Read read_item(PpToken &item, Parts whole);
+
+void push_list(const OpenList &list);
+void pop_list();
+
+/// Counts tokens made or read; false, once, when the limit is met. Expansion then stops as soon as
+/// it can, for the rest of the input.
+bool count_work(std::size_t tokens, const tdm_srcpos &position);
+
+/// Whether the next token that isn't white is a "(". Tokens that must be read from the input for
+/// that are put back.
+[[nodiscard]] bool next_is_parenthesis();
+
+/// Reads the arguments of a call, from its "(" on, and pushes one for each parameter. False when
+/// the call isn't complete; a message tells.
+[[nodiscard]] bool collect_arguments(const TDMMacro &macro, const PpToken &name);
+
+/// Builds the list that replaces the call.
+void substitute(const MacroCall &call, std::vector<PpToken> &result);
+
+void substitution_stop();
+
+} // namespace tdm

@@ -1,0 +1,302 @@
+// The body of a macro with the arguments in place.
+//
+// An argument beside ## or behind # goes in as it was written, any other one as it was expanded.
+// An empty argument beside ## leaves a placemarker, which vanishes at the end. Pasting goes through
+// the scanner, except that a name or number grows by letters and digits without it, however many
+// pastes stand in a row.
+#include <string>
+
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_opt.h"
+#include "preprocessor/c_scanner.h"
+#include "preprocessor/macro_lists.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+// How many characters of text count as much as a token.
+constexpr std::size_t text_per_token = 16;
+
+struct {
+  TextBuffer text;
+  TextBuffer joined;
+} scratch;
+
+bool is_number(int number)
+{
+  return number == tICON || number == tFCON;
+}
+bool is_name(int number)
+{
+  return number == tIDENT || number == tIDENT2;
+}
+
+bool is_name_character(char c)
+{
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+PpToken marker()
+{
+  PpToken token;
+  token.number = tMARKER;
+  return token;
+}
+
+class Substitution {
+public:
+  Substitution(const MacroCall &call, std::vector<PpToken> &result)
+      : call_(call), macro_(*call.macro), result_(result)
+  {
+  }
+
+  void run()
+  {
+    for (std::size_t i = 0; i < macro_.body_count && !expansion.exhausted; ++i) {
+      const PpToken &token = macro_.body[i];
+      if (token.number == tCONCAT) {
+        i = paste_at(i);
+      } else if (is_white(token.number)) {
+        if (!paste_follows(i)) append(token);
+      } else {
+        i = copy_at(i);
+      }
+    }
+    finish_join();
+    std::erase_if(result_, [](const PpToken &token) { return token.number == tMARKER; });
+  }
+
+private:
+  static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+  [[nodiscard]] std::size_t next_token(std::size_t i) const
+  {
+    while (++i < macro_.body_count)
+      if (!is_white(macro_.body[i].number)) return i;
+    return none;
+  }
+
+  [[nodiscard]] bool paste_follows(std::size_t i) const
+  {
+    const std::size_t next = next_token(i);
+    return next != none && macro_.body[next].number == tCONCAT;
+  }
+
+  [[nodiscard]] bool is_stringify(std::size_t i) const
+  {
+    return macro_.function_like && macro_.body[i].number == tHASH;
+  }
+
+  MacroArgument &argument_of(const PpToken &token)
+  {
+    return expansion.arguments[call_.first_argument + (token.link & parameter_index) - 1];
+  }
+
+  void append(const PpToken &token)
+  {
+    finish_join();
+    result_.push_back(token);
+    result_.back().link = 0;
+    count_work(1, call_.name.position);
+  }
+
+  // Copies the body token at i, or what takes its place; gives the index of the last token used.
+  std::size_t copy_at(std::size_t i)
+  {
+    const PpToken &token = macro_.body[i];
+    if (is_stringify(i)) {
+      const std::size_t parameter = next_token(i);
+      append(stringified(argument_of(macro_.body[parameter])));
+      return parameter;
+    }
+    if (token.link == 0)
+      append(token);
+    else if ((token.link & parameter_raw) != 0)
+      append_raw(argument_of(token));
+    else
+      append_expanded(argument_of(token));
+    return i;
+  }
+
+  void append_raw(const MacroArgument &argument)
+  {
+    if (argument.begin == argument.end) append(marker());
+    for_each_token(argument.begin, argument.end, [this](const PpToken &token) { append(token); });
+  }
+
+  void append_expanded(const MacroArgument &argument)
+  {
+    for (std::size_t i = 0; i < argument.expanded_count; ++i) append(argument.expanded[i]);
+  }
+
+  // ---- # ----
+
+  PpToken stringified(MacroArgument &argument)
+  {
+    if (argument.string == nullptr) make_string(argument);
+    PpToken token;
+    token.number = tSTRING;
+    token.text = argument.string;
+    token.length = argument.string_length;
+    return token;
+  }
+
+  void make_string(MacroArgument &argument) const
+  {
+    TextBuffer &text = scratch.text;
+    text.clear();
+    text.append('"');
+    for_each_token(argument.begin, argument.end, [&text](const PpToken &token) {
+      const bool quoted = token.number == tSTRING || token.number == tWSTRING ||
+                          token.number == tCHAR || token.number == tWCHAR;
+      if (!quoted) {
+        text.append(token.view());
+        return;
+      }
+      for (const char c : token.view()) {
+        if (c == '\\' || c == '"') text.append('\\');
+        text.append(c);
+      }
+    });
+    text.append('"');
+    argument.string = intern(text.view());
+    argument.string_length = text.length();
+    count_work(text.length() / text_per_token, call_.name.position);
+  }
+
+  // ---- ## ----
+
+  // The paste whose ## stands at i; gives the index of the last token used.
+  std::size_t paste_at(std::size_t i)
+  {
+    const std::size_t right = next_token(i);
+    if (right == none || macro_.body[right].number == tCONCAT) return i;
+    const PpToken &token = macro_.body[right];
+    if (is_stringify(right)) {
+      const std::size_t parameter = next_token(right);
+      paste(stringified(argument_of(macro_.body[parameter])));
+      return parameter;
+    }
+    if (token.link == 0)
+      paste(token);
+    else if (!removes_comma(token))
+      paste_argument(argument_of(token));
+    return right;
+  }
+
+  // `, ## __VA_ARGS__` with nothing given drops the comma, too.
+  bool removes_comma(const PpToken &parameter)
+  {
+    const MacroArgument &argument = argument_of(parameter);
+    const std::size_t index = (parameter.link & parameter_index) - 1;
+    if (argument.begin != argument.end || !macro_.parameters[index].variadic ||
+        result_.back().number != tCOMMA || !option_get_bool(optA_GCC))
+      return false;
+    result_.back() = marker();
+    return true;
+  }
+
+  void paste_argument(const MacroArgument &argument)
+  {
+    bool first = true;
+    for_each_token(argument.begin, argument.end, [this, &first](const PpToken &token) {
+      if (first)
+        paste(token);
+      else
+        append(token);
+      first = false;
+    });
+  }
+
+  // Pastes a token to the last one of the result.
+  void paste(const PpToken &right)
+  {
+    PpToken &left = result_.back();
+    if (right.number == tMARKER) return;
+    if (left.number == tMARKER) {
+      left = right;
+      left.link = 0;
+    } else if (grows_by(left, right)) {
+      if (!joining_) {
+        scratch.joined.clear();
+        scratch.joined.append(left.view());
+        joining_ = true;
+      }
+      scratch.joined.append(right.view());
+      count_work(1 + right.length / text_per_token, call_.name.position);
+    } else {
+      finish_join();
+      rescan(right);
+    }
+  }
+
+  static bool grows_by(const PpToken &left, const PpToken &right)
+  {
+    if (!is_name(left.number) && !is_number(left.number)) return false;
+    if (!is_name(right.number) && !is_number(right.number)) return false;
+    for (const char c : right.view())
+      if (!is_name_character(c)) return false;
+    return true;
+  }
+
+  void finish_join()
+  {
+    if (!joining_) return;
+    joining_ = false;
+    PpToken &token = result_.back();
+    const bool number = is_number(token.number);
+    const bool backslash = !number && (pooled(token.text).marks & mark_has_backslash) != 0;
+    token.text = intern(scratch.joined.view());
+    token.length = scratch.joined.length();
+    token.number = tIDENT;
+    if (backslash) pooled(token.text).marks |= mark_has_backslash;
+    if (!number) return;
+    scan(token.view());
+    token.number = scanned_.front().number;
+  }
+
+  void scan(std::string_view text)
+  {
+    scratch.text.clear();
+    scratch.text.append(text);
+    scratch.text.append('\0');
+    scanned_.clear();
+    scanner_scan_text(scratch.text.view().substr(0, text.size()), scanned_);
+  }
+
+  void rescan(const PpToken &right)
+  {
+    const PpToken left = result_.back();
+    count_work(1 + (left.length + right.length) / text_per_token, call_.name.position);
+    if (expansion.exhausted) return;
+    std::string text(left.view());
+    text += right.view();
+    scan(text);
+    if (scanned_.front().view() == left.view()) diag_at(W_concat_failed, call_.name.position);
+    result_.pop_back();
+    for (const PpToken &token : scanned_) result_.push_back(token);
+  }
+
+  const MacroCall &call_;
+  const TDMMacro &macro_;
+  std::vector<PpToken> &result_;
+  std::vector<PpToken> scanned_;
+  bool joining_ = false;
+};
+
+} // namespace
+
+void substitute(const MacroCall &call, std::vector<PpToken> &result)
+{
+  Substitution(call, result).run();
+}
+
+void substitution_stop()
+{
+  scratch.text.free();
+  scratch.joined.free();
+}
+
+} // namespace tdm

@@ -1,0 +1,315 @@
+// Entering, comparing and checking definitions.
+#include "preprocessor/macros.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_memory.h"
+#include "preprocessor/c_scanner.h"
+#include "preprocessor/hashtab.h"
+#include "preprocessor/predefined_macros.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+struct {
+  MemoryArena arena;
+  hashtab table;
+  TDMMacro *made; ///< all records, whether in the table or not
+  std::uint32_t generation;
+  const char *word_defined;
+  const char *word_va_args;
+  const char *ellipsis;
+} state;
+
+const void *name_of_macro(const void *macro)
+{
+  return static_cast<const TDMMacro *>(macro)->name;
+}
+std::uint32_t hash_of_name(const void *name)
+{
+  return pooled(static_cast<const char *>(name)).hash;
+}
+
+void init_name_table(hashtab &table, hashtab::Key key)
+{
+  table.key = key;
+  table.hash = hash_of_name;
+  table.key_length = -1;
+}
+
+bool same_token(const PpToken &a, const PpToken &b)
+{
+  if (is_white(a.number) || is_white(b.number)) return is_white(a.number) && is_white(b.number);
+  return a.text == b.text;
+}
+
+// Both bodies have single blanks only, so equal white space is equal tokens.
+bool same_definition(const TDMMacro &macro, const std::vector<MacroParameter> *parameters,
+                     const std::vector<PpToken> &body)
+{
+  const auto same_name = [](const MacroParameter &a, const MacroParameter &b) {
+    return a.name == b.name && a.variadic == b.variadic;
+  };
+  if (macro.function_like != (parameters != nullptr)) return false;
+  if (parameters != nullptr && !std::equal(parameters->begin(), parameters->end(), macro.parameters,
+                                           macro.parameters + macro.parameter_count, same_name))
+    return false;
+  return std::equal(body.begin(), body.end(), macro.body, macro.body + macro.body_count,
+                    same_token);
+}
+
+void report_redefinition(const TDMMacro &old, bool function_like, const tdm_srcpos &position)
+{
+  diag_at(old.function_like != function_like ? E_macro_redefined : W_macro_redefined, position,
+          old.name);
+  if (old.position.file != nullptr) diag_at(I_previous_macro_def, old.position, old.name);
+}
+
+template <class Item> const Item *copy_to_arena(const std::vector<Item> &items)
+{
+  if (items.empty()) return nullptr;
+  void *copy = state.arena.allocate(items.size() * sizeof(Item));
+  std::memcpy(copy, items.data(), items.size() * sizeof(Item));
+  return static_cast<const Item *>(copy);
+}
+
+// ---- the check of a body ----
+
+/// A parameter while its macro is being defined, to be found by name.
+struct NamedParameter {
+  const char *name;
+  std::uint32_t index;
+};
+const void *name_of_parameter(const void *parameter)
+{
+  return static_cast<const NamedParameter *>(parameter)->name;
+}
+
+class BodyCheck {
+public:
+  BodyCheck(std::vector<PpToken> &body, std::vector<MacroParameter> *parameters)
+      : body_(body), parameters_(parameters)
+  {
+    init_name_table(table_, name_of_parameter);
+  }
+  BodyCheck(const BodyCheck &) = delete;
+  BodyCheck &operator=(const BodyCheck &) = delete;
+  ~BodyCheck() { hashtab_free(table_); }
+
+  void run(const tdm_srcpos &position)
+  {
+    if (parameters_ != nullptr) {
+      enter_parameters(position);
+      link_parameters();
+      check_hashes();
+    }
+    check_pastes();
+    if (parameters_ != nullptr) mark_uses();
+  }
+
+  [[nodiscard]] bool has_paste() const { return has_paste_; }
+
+private:
+  static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+  void enter_parameters(const tdm_srcpos &position)
+  {
+    named_.resize(parameters_->size());
+    for (std::size_t i = 0; i < named_.size(); ++i) {
+      const char *name = (*parameters_)[i].name;
+      named_[i] = {name == state.ellipsis ? state.word_va_args : name,
+                   static_cast<std::uint32_t>(i + 1)};
+      if (hashtab_lookup(&table_, named_[i].name) != nullptr)
+        diag_at(E_duplicate_macro_arg, position);
+      else
+        hashtab_insert(&table_, &named_[i]);
+    }
+  }
+
+  void link_parameters()
+  {
+    for (PpToken &token : body_)
+      if (token.number == tIDENT || token.number == tIDENT2)
+        if (const void *found = hashtab_lookup(&table_, token.text))
+          token.link = static_cast<const NamedParameter *>(found)->index;
+  }
+
+  [[nodiscard]] std::size_t next_token(std::size_t i) const
+  {
+    while (++i < body_.size())
+      if (!is_white(body_[i].number)) return i;
+    return none;
+  }
+
+  static void make_blank(PpToken &token)
+  {
+    token.number = tWHITE;
+    token.text = token_text(tSPACE);
+    token.length = 1;
+  }
+
+  void check_hashes()
+  {
+    for (std::size_t i = 0; i < body_.size(); ++i) {
+      if (body_[i].number != tHASH) continue;
+      const std::size_t next = next_token(i);
+      if (next != none && body_[next].link != 0) continue;
+      diag_at(E_hash_without_param, body_[i].position);
+      make_blank(body_[i]);
+    }
+  }
+
+  void check_pastes()
+  {
+    bool in_front = false;
+    for (std::size_t i = 0; i < body_.size(); ++i) {
+      PpToken &token = body_[i];
+      if (is_white(token.number)) continue;
+      if (token.number == tCONCAT && !in_front) {
+        diag_at(E_concat_at_begin, token.position);
+        make_blank(token);
+      } else if (token.number == tCONCAT && next_token(i) == none) {
+        diag_at(E_concat_at_end, token.position);
+        make_blank(token);
+      } else {
+        has_paste_ = has_paste_ || token.number == tCONCAT;
+        in_front = true;
+      }
+    }
+  }
+
+  // An argument is used as it stands beside a ## and behind a #, and expanded everywhere else.
+  void mark_uses()
+  {
+    int previous = tEOF;
+    for (std::size_t i = 0; i < body_.size(); ++i) {
+      PpToken &token = body_[i];
+      if (is_white(token.number)) continue;
+      if (token.link != 0) {
+        const std::size_t next = next_token(i);
+        if (previous == tCONCAT || (next != none && body_[next].number == tCONCAT))
+          token.link |= parameter_raw;
+        else if (previous != tHASH)
+          (*parameters_)[(token.link & parameter_index) - 1].expanded = true;
+      }
+      previous = token.number;
+    }
+  }
+
+  std::vector<PpToken> &body_;
+  std::vector<MacroParameter> *parameters_;
+  std::vector<NamedParameter> named_;
+  hashtab table_;
+  bool has_paste_ = false;
+};
+
+TDMMacro *new_macro(const char *name)
+{
+  auto *macro = static_cast<TDMMacro *>(state.arena.allocate(sizeof(TDMMacro)));
+  macro->name = name;
+  macro->next_made = state.made;
+  state.made = macro;
+  pooled(name).marks |= mark_macro_name;
+  return macro;
+}
+
+} // namespace
+
+void macro_start()
+{
+  macro_stop();
+  init_name_table(state.table, name_of_macro);
+  state.word_defined = intern("defined");
+  state.word_va_args = intern("__VA_ARGS__");
+  state.ellipsis = intern("...");
+  define_predefined_macros();
+}
+
+void macro_stop()
+{
+  for (const TDMMacro *macro = state.made; macro != nullptr; macro = macro->next_made)
+    pooled(macro->name).marks &= ~mark_macro_name;
+  state.made = nullptr;
+  hashtab_free(state.table);
+  state.arena.clear();
+}
+
+std::uint32_t macro_generation()
+{
+  return state.generation;
+}
+
+void define_builtin(const char *name, MacroKind kind)
+{
+  TDMMacro *macro = new_macro(name);
+  macro->kind = kind;
+  macro->predefined = true;
+  if (hashtab_lookup(&state.table, name) == nullptr) hashtab_insert(&state.table, macro);
+}
+
+} // namespace tdm
+
+void macro_define(const char *name, const std::vector<tdm::MacroParameter> *parameters,
+                  std::vector<tdm::PpToken> body, const tdm_srcpos &position, bool predefined)
+{
+  using namespace tdm;
+  if (name == state.word_defined) {
+    diag_at(E_invalid_macro, position);
+    return;
+  }
+  if (TDMMacro *old = macro_lookup(name)) {
+    if (old->predefined) {
+      diag_at(E_define_predefined, position, name);
+      return;
+    }
+    if (same_definition(*old, parameters, body)) return;
+    report_redefinition(*old, parameters != nullptr, position);
+    static_cast<void>(hashtab_lookup(&state.table, name));
+    hashtab_delete(&state.table);
+  }
+  TDMMacro *macro = new_macro(name);
+  std::vector<MacroParameter> own_parameters;
+  if (parameters != nullptr) own_parameters = *parameters;
+  BodyCheck check(body, parameters == nullptr ? nullptr : &own_parameters);
+  check.run(position);
+  macro->function_like = parameters != nullptr;
+  macro->parameters = copy_to_arena(own_parameters);
+  macro->parameter_count = own_parameters.size();
+  macro->body = copy_to_arena(body);
+  macro->body_count = body.size();
+  macro->has_paste = check.has_paste();
+  macro->position = position;
+  macro->predefined = predefined;
+  static_cast<void>(hashtab_lookup(&state.table, name));
+  hashtab_insert(&state.table, macro);
+  ++state.generation;
+}
+
+void macro_undefine(const char *name, const tdm_srcpos &position)
+{
+  using namespace tdm;
+  if (name == state.word_defined) {
+    diag_at(E_invalid_macro, position);
+    return;
+  }
+  TDMMacro *macro = macro_lookup(name);
+  if (macro == nullptr) return;
+  if (macro->predefined) {
+    diag_at(E_undef_predefined, position, name);
+    return;
+  }
+  static_cast<void>(hashtab_lookup(&state.table, name));
+  hashtab_delete(&state.table);
+  ++state.generation;
+}
+
+TDMMacro *macro_lookup(const char *name)
+{
+  if ((tdm::pooled(name).marks & tdm::mark_macro_name) == 0) return nullptr;
+  return static_cast<TDMMacro *>(hashtab_lookup(&tdm::state.table, name));
+}

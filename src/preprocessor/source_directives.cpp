@@ -1,0 +1,148 @@
+// Reading file names and line numbers, and acting on them.
+#include "preprocessor/source_directives.h"
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_input.h"
+#include "preprocessor/c_opt.h"
+#include "preprocessor/c_pragma.h"
+#include "preprocessor/c_scanner.h"
+#include "preprocessor/directives.h"
+#include "preprocessor/string_pool.h"
+
+namespace tdm {
+
+namespace {
+
+bool ends_line(const PpToken &token)
+{
+  return token.number == tNEWLINE || token.number == tEOF;
+}
+
+// The text of a file name with its delimiters, from the token that begins it; null if that can't
+// begin one. A "<" that came from a macro starts a name of several tokens.
+std::optional<std::string> read_name(const PpToken &first)
+{
+  switch (first.number) {
+  case tFILE:
+  case tHEADER:
+  case tSTRING:
+    return std::string(first.view());
+  case tLT:
+    break;
+  default:
+    return std::nullopt;
+  }
+  std::string text = "<";
+  for (;;) {
+    const PpToken &token = pp_next_token(true);
+    if (ends_line(token)) {
+      diag_at(E_missing_bracket, directive_position());
+      return text += '>';
+    }
+    text += token.view();
+    if (token.number == tGT) return text;
+  }
+}
+
+bool is_double_byte_lead(char c)
+{
+  const auto byte = static_cast<unsigned char>(c);
+  return option_get_bool(optA_KANJI) &&
+         ((byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xEF));
+}
+
+// The name of a #line: without delimiters, each backslash making the next character plain. Null if
+// the text is neither quoted nor in angle brackets.
+const char *line_name(std::string_view text)
+{
+  if (text.starts_with("L\"")) text.remove_prefix(1);
+  const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+  const bool angled = text.size() >= 2 && text.front() == '<' && text.back() == '>';
+  if (!quoted && !angled) return nullptr;
+  text = text.substr(1, text.size() - 2);
+  std::string name;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool double_byte = is_double_byte_lead(text[i]);
+    if (text[i] == '\\' && i + 1 < text.size()) ++i;
+    name += text[i];
+    if (double_byte && i + 1 < text.size()) name += text[++i];
+  }
+  return intern(name);
+}
+
+std::uint32_t line_number(const PpToken &number)
+{
+  return static_cast<std::uint32_t>(std::strtoul(number.text, nullptr, 0));
+}
+
+// The name behind a line number, null for none. `token` is the token behind the number.
+const char *read_line_name(const PpToken &token)
+{
+  if (token.number == tWSTRING) return line_name(token.view());
+  const std::optional<std::string> text = read_name(token);
+  return text ? line_name(*text) : nullptr;
+}
+
+} // namespace
+
+void handle_include()
+{
+  scanner_set_header_mode();
+  const PpToken &token = pp_next_significant(true);
+  const void *pragmas = token.position.pragmas;
+  const std::optional<std::string> text = read_name(token);
+  if (!text) {
+    diag_at(E_missing_file, directive_position());
+    return;
+  }
+  expect_line_end();
+  while (!pp_line_ended()) pp_next_token(false);
+  const std::string_view name = std::string_view(*text).substr(1, text->size() - 2);
+  const bool only_standard = pragma_get(pragmas, optSTDINC);
+  if (!input_search_file(name, text->front() != '<', !only_standard,
+                         only_standard || !option_get_bool(optNOSTDINC)))
+    diag_at(E_include_file, directive_position(), name);
+}
+
+void handle_line()
+{
+  const PpToken &number = pp_next_significant(true);
+  if (number.number != tICON) {
+    diag_at(E_bad_line, directive_position());
+    return;
+  }
+  const std::uint32_t line = line_number(number);
+  const PpToken *token = &pp_next_significant(true);
+  const char *name = nullptr;
+  if (!ends_line(*token)) {
+    const tdm_srcpos position = token->position;
+    name = read_line_name(*token);
+    if (name == nullptr) {
+      diag_at(E_syntax_line, position);
+      return;
+    }
+    if (!pp_line_ended()) token = &pp_next_significant(true);
+  }
+  if (!pp_line_ended()) {
+    diag_at(E_syntax_line, token->position);
+    return;
+  }
+  input_set_presumed(name, line);
+}
+
+void handle_line_marker()
+{
+  const std::uint32_t line = line_number(directive_name());
+  const char *name = nullptr;
+  const PpToken &token = pp_next_significant(true);
+  if (!ends_line(token)) name = read_line_name(token);
+  while (!pp_line_ended()) pp_next_token(false);
+  input_set_presumed(name, line);
+}
+
+} // namespace tdm

@@ -1,0 +1,62 @@
+// Chunks are kept for reuse; a large one that is no longer used goes back at once.
+#include "preprocessor/token_list.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "preprocessor/orderly_stop.h"
+
+namespace tdm {
+
+namespace {
+constexpr std::size_t usual_chunk = 64 * 1024;
+constexpr std::size_t alignment = alignof(std::max_align_t);
+} // namespace
+
+void *TokenMemory::allocate(std::size_t size)
+{
+  size = (size + alignment - 1) / alignment * alignment;
+  while (top_.chunk < chunks_.size()) {
+    Chunk &chunk = chunks_[top_.chunk];
+    if (chunk.size - top_.used >= size) {
+      void *memory = chunk.begin + top_.used;
+      top_.used += size;
+      return memory;
+    }
+    ++top_.chunk;
+    top_.used = 0;
+  }
+  const std::size_t chunk_size = std::max(size, usual_chunk);
+  auto *begin = static_cast<char *>(std::malloc(chunk_size));
+  if (begin == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
+  chunks_.push_back({begin, chunk_size});
+  top_ = {chunks_.size() - 1, size};
+  return begin;
+}
+
+const PpToken *TokenMemory::copy(const PpToken *items, std::size_t count)
+{
+  if (count == 0) return nullptr;
+  void *memory = allocate(count * sizeof(PpToken));
+  std::memcpy(memory, items, count * sizeof(PpToken));
+  return static_cast<const PpToken *>(memory);
+}
+
+void TokenMemory::release(Mark mark)
+{
+  top_ = mark;
+  while (chunks_.size() > mark.chunk + 1 && chunks_.back().size > usual_chunk) {
+    std::free(chunks_.back().begin);
+    chunks_.pop_back();
+  }
+}
+
+void TokenMemory::clear()
+{
+  for (const Chunk &chunk : chunks_) std::free(chunk.begin);
+  chunks_.clear();
+  top_ = {};
+}
+
+} // namespace tdm
