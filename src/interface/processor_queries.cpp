@@ -39,10 +39,5 @@ tdm_arr *tdm_processor_get_memories(const tdm_processor *processor)
 
 tdm_memory *tdm_processor_get_memory(const tdm_processor *processor, const char *full_name)
 {
-  return guarded([&]() -> tdm_memory * {
-    if (full_name == nullptr) return nullptr;
-    for (const auto &memory : processor->memories)
-      if (memory->full_name() == full_name) return memory.get();
-    return nullptr;
-  });
+  return guarded([&] { return full_name != nullptr ? processor->find_memory(full_name) : nullptr; });
 }

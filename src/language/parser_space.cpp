@@ -146,7 +146,7 @@ void TDMParser::space_alignment(TDMFileSpace &space)
 // "page_size" "=" expression ["[" range_value "]" ("|" "[" range_value "]")*]
 void TDMParser::space_page_size(TDMFileSpace &space)
 {
-  keep(space, "page_size");
+  keep(space, "pageSize");
   match(KEY_page_size);
   match(EQUALS);
   tdm::ExpressionPtr value = expression();

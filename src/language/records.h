@@ -5,7 +5,7 @@
 #include "language/layout_records.h"
 #include "language/table_records.h"
 
-/// `space`. Keys "name", "mauSize", "id", "alignment", "page_size", "pageRestrictSections",
+/// `space`. Keys "name", "mauSize", "id", "alignment", "pageSize", "pageRestrictSections",
 /// "locateDirection", "address_literal_space", "map", "table" (behind a copy table),
 /// "start_address".
 class TDMFileSpace : public TDMFileObject {

@@ -138,10 +138,9 @@ TDMSpace *find_by_full_name(const std::string &full_name, const TDMSpec &spec,
         if (TDMSpace *space = core->find_space_by_full_name(full_name)) return space;
     return nullptr;
   };
-  for (const auto &processor : spec.processors)
-    if (processor->name == processor_name)
-      if (TDMSpace *space = find_in(processor->cores)) return space;
-  return processor_name == own_processor ? find_in(siblings) : nullptr;
+  if (processor_name == own_processor) return find_in(siblings);
+  const TDMProcessor *other = spec.find_processor(processor_name);
+  return other != nullptr ? find_in(other->cores) : nullptr;
 }
 
 /// Above all ids that the core can meet: its own and those of the cores that it imports.

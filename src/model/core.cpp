@@ -99,9 +99,10 @@ private:
       core_.endianness = record.endianness;
       return;
     }
+    bool offered[3] = {};
+    for (const int32_t value : record.endianness) offered[value] = true;
     for (const int32_t value : core_.endianness)
-      if (std::find(record.endianness.begin(), record.endianness.end(), value) ==
-          record.endianness.end())
+      if (!offered[value])
         throw new TDMSyntaxException(place_of(record, "name"),
                                      "supported endiannesses not all declared for parent");
   }

@@ -152,9 +152,10 @@ void SectionItems::add_copy_table(const TDMFileSectionSetup &record, const Argum
   const TDMFileCopyTable &table = *record.copyTables.front();
   space.copy_table = std::make_unique<TDMCopyTable>(table, scope);
   space.copy_table->resolve(table, SetupSpaceLookup(targets_, *target.core));
+  const TDMSourceLocation place = place_in(record, "section_setup");
+  space.sourceLocations.store("table", place);
   // The core of a derivative takes it over when it is checked; at file level that is past.
-  if (targets_.at_file_level())
-    target.core->set_copy_table_space(space, place_in(record, "section_setup"));
+  if (targets_.at_file_level()) target.core->set_copy_table_space(space, place);
 }
 
 void SectionItems::set_start_address(const TDMFileSectionSetup &record, const ArgumentScope &scope,
@@ -167,6 +168,7 @@ void SectionItems::set_start_address(const TDMFileSectionSetup &record, const Ar
     throw new TDMSyntaxException(
         place, "trying to set start address in a section setup while it was already set elsewhere");
   space.start_address = std::make_unique<TDMStartAddress>(*record.startAddress, scope);
+  space.sourceLocations.store("start_address", place);
   if (targets_.at_file_level()) target.core->set_start_address(space, place);
 }
 

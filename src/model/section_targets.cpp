@@ -108,8 +108,9 @@ SectionTargets::Target SectionTargets::find(const Record &record, const TargetWo
                                                         : words.no_core);
 
   const TDMSourceLocation space_place = place_of(record, "spaceName", words.key);
-  TDMSpace *space = record.spaceName ? find_space(processor, *core, *record.spaceName, space_place)
-                                     : only_space(*core);
+  TDMSpace *space = record.spaceName
+                        ? find_space(processor, *core, *record.spaceName, space_place, place)
+                        : only_space(*core);
   if (space == nullptr)
     throw new TDMSyntaxException(
         space_place, record.spaceName ? "could not find space " + *record.spaceName + words.purpose
@@ -131,50 +132,52 @@ TDMProcessor &SectionTargets::find_processor(const std::string *name, const Targ
 }
 
 TDMSpace *SectionTargets::find_space(TDMProcessor &processor, TDMCore &core,
-                                     const std::string &name, const TDMSourceLocation &place)
+                                     const std::string &name, const TDMSourceLocation &place,
+                                     const TDMSourceLocation &asked)
 {
-  if (name.find('|') != std::string::npos) return clone_space(processor, core, name, place);
+  if (name.find('|') != std::string::npos) return clone_space(processor, core, name, place, asked);
   return core.find_space(name);
 }
 
 TDMSpace *SectionTargets::clone_space(TDMProcessor &processor, TDMCore &core,
-                                      const std::string &names, const TDMSourceLocation &place)
+                                      const std::string &names, const TDMSourceLocation &place,
+                                      const TDMSourceLocation &asked)
 {
   if (core.imported)
     throw new TDMSyntaxException(place, "clone spaces are not allowed in imported core \"" +
                                             processor.name + ":" + core.name + "\"");
-  const Members &known = members_of(processor, core);
   std::set<std::string> full_names;
   for (const std::string &member : split_members(names)) {
-    const auto found = known.find(member);
-    if (found == known.end())
+    const TDMSpace *found = find_member(processor, core, member);
+    if (found == nullptr)
       throw new TDMSyntaxException(place, "could not resolve address space reference \"" + member +
                                               "\" in clone address space section layout \"" +
                                               names + "\"");
-    full_names.insert(found->second->full_name());
+    full_names.insert(found->full_name());
   }
   if (TDMCloneSpace *known_clone = registry_.find_clone_space(full_names)) return known_clone;
-  return registry_.create_clone_space(core, processor.cores, full_names, place);
+  return registry_.create_clone_space(core, processor.cores, full_names, asked);
 }
 
-/// The spaces of the core by plain name, then all of the processor by `<processor>_<core>_<space>`
-/// and `<core>_<space>`. Spaces that are made later stand for others and have no such names.
-const SectionTargets::Members &SectionTargets::members_of(const TDMProcessor &processor,
-                                                          const TDMCore &core)
+/// A space of the core by plain name, else any of the processor as `<processor>_<core>_<space>` or
+/// `<core>_<space>`. Spaces that are made later stand for others and have no such names.
+TDMSpace *SectionTargets::find_member(const TDMProcessor &processor, const TDMCore &core,
+                                      const std::string &member)
 {
-  const auto [entry, added] = members_.try_emplace(&core);
+  if (TDMSpace *own = core.find_space_by_plain_name(member)) return own;
+  const auto [entry, added] = members_.try_emplace(&processor);
   Members &members = entry->second;
-  if (!added) return members;
-  for (const auto &space : core.spaces) members.emplace(space->name, space.get());
-  for (const auto &each : processor.cores)
-    for (const auto &space : each->spaces) {
-      std::string name = space->full_name();
-      const size_t first_colon = name.find(':');
-      std::replace(name.begin(), name.end(), ':', '_');
-      members.emplace(name, space.get());
-      members.emplace(name.substr(first_colon + 1), space.get());
-    }
-  return members;
+  if (added)
+    for (const auto &each : processor.cores)
+      for (const auto &space : each->spaces) {
+        std::string name = space->full_name();
+        const size_t first_colon = name.find(':');
+        std::replace(name.begin(), name.end(), ':', '_');
+        members.emplace(name, space.get());
+        members.emplace(name.substr(first_colon + 1), space.get());
+      }
+  const auto found = members.find(member);
+  return found != members.end() ? found->second : nullptr;
 }
 
 TDMSpace *SectionTargets::resolve(const TDMFileCopySubTableSpace &reference)
@@ -189,8 +192,8 @@ TDMSpace *SectionTargets::resolve(const TDMFileCopySubTableSpace &reference)
     throw new TDMSyntaxException(place,
                                  "could not find core with name \"" + *reference.coreName + "\"");
   }
-  return find_space(processor, *core, reference.spaceName.value_or(""),
-                    place_of(reference, "spaceName", "spaceRef"));
+  const TDMSourceLocation place = place_of(reference, "spaceName", "spaceRef");
+  return find_space(processor, *core, reference.spaceName.value_or(""), place, place);
 }
 
 TDMProcessor &SectionTargets::referenced_processor(const TDMFileCopySubTableSpace &reference) const

@@ -55,24 +55,26 @@ public:
                                          const std::string &name) const;
 
 private:
-  /// What the members of a group of spaces can be called by, for one core.
+  /// What the spaces of a processor can be called by in a group, beside their plain names.
   using Members = std::unordered_map<std::string, TDMSpace *>;
 
   template <class Record> Target find(const Record &record, const TargetWords &words);
   TDMProcessor &find_processor(const std::string *name, const TargetWords &words,
                                const TDMSourceLocation &place) const;
+  /// `place` is that of the name, `asked` that of the definition.
   TDMSpace *find_space(TDMProcessor &processor, TDMCore &core, const std::string &name,
-                       const TDMSourceLocation &place);
+                       const TDMSourceLocation &place, const TDMSourceLocation &asked);
   TDMSpace *clone_space(TDMProcessor &processor, TDMCore &core, const std::string &names,
-                        const TDMSourceLocation &place);
-  const Members &members_of(const TDMProcessor &processor, const TDMCore &core);
+                        const TDMSourceLocation &place, const TDMSourceLocation &asked);
+  TDMSpace *find_member(const TDMProcessor &processor, const TDMCore &core,
+                        const std::string &member);
 
   TDMProcessor &referenced_processor(const TDMFileCopySubTableSpace &reference) const;
 
   TDMCloneSpaceRegistry &registry_;
   TDMSpec *spec_ = nullptr;           ///< at file level
   TDMProcessor *processor_ = nullptr; ///< in a derivative
-  std::unordered_map<const TDMCore *, Members> members_;
+  std::unordered_map<const TDMProcessor *, Members> members_;
 };
 
 } // namespace tdm

@@ -92,7 +92,8 @@ void TDMSpec::create_processors(const TDMFileInterface &records)
     processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this));
   if (processors.empty())
     for (const auto &record : records.derivatives)
-      processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this));
+      processors.push_back(
+          std::make_unique<TDMProcessor>(*templates.derivative(*record->name), templates, *this));
   if (processors.empty()) create_default_processors(records, templates);
 }
 
