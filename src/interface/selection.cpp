@@ -3,7 +3,6 @@
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "layout/section.h"
-#include "layout/section_map.h"
 #include "layout/selection_statement.h"
 #include "layout/statement_env.h"
 
@@ -41,12 +40,9 @@ void tdm_selection_statement_get_sections(tdm_selection_statement *statement,
                                           void *user)
 {
   guarded([&] {
-    TDMDefaultSectionMap map;
-    const auto *items = static_cast<TDMSection *const *>(sections->items);
-    for (uint32_t i = 0; i < sections->count; ++i)
-      if (items[i] != nullptr) map.add(items[i]);
     SelectionFunctionWrapper selected(function, user);
-    statement->select(*env, map, selected, verbose != 0);
+    statement->select(*env, {static_cast<TDMSection *const *>(sections->items), sections->count},
+                      selected, verbose != 0);
   });
 }
 

@@ -74,6 +74,18 @@ void TDMSelectionStatement::select(TDMStatementEnv &env, TDMSectionMap &map,
   if (use_reference_tree && !taken.empty()) select_referenced(env, map, taken, function, verbose);
 }
 
+/// A map of all sections is made only where one that isn't selected by its name can play a part.
+void TDMSelectionStatement::select(TDMStatementEnv &env, std::span<TDMSection *const> sections,
+                                   SectionFunction &function, bool verbose)
+{
+  const TDMSelectionPattern *pattern = use_reference_tree ? nullptr : pattern_in(env);
+  TDMDefaultSectionMap map;
+  for (TDMSection *section : sections)
+    if (section != nullptr && (pattern == nullptr || pattern->matches(section->name())))
+      map.add(section);
+  select(env, map, function, verbose);
+}
+
 void TDMSelectionStatement::select_referenced(TDMStatementEnv &env, TDMSectionMap &map,
                                               const std::vector<TDMSection *> &taken,
                                               SectionFunction &function, bool verbose) const

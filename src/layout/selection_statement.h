@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,11 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
   /// doesn't. With a reference tree, the sections of the map follow that those taken refer to.
   /// `verbose` has the environment told why sections are left out.
   void select(TDMStatementEnv &env, TDMSectionMap &map, SectionFunction &function, bool verbose);
+
+  /// The same from a list of sections, null ones left out, in the order of names and, for sections
+  /// of one name, of the list. The list stays as it is.
+  void select(TDMStatementEnv &env, std::span<TDMSection *const> sections,
+              SectionFunction &function, bool verbose);
 
   /// The name that alone is selected; null if there is none, or one with wildcards.
   const std::string *literal_section_name() const;

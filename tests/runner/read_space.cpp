@@ -125,6 +125,7 @@ private:
   /// The environment of the scope stays the same one until the scope ends.
   void check(tdm_statement_env *env)
   {
+    if (!nulls_.empty()) return; // scopes may begin unseen
     if (envs_.back() == nullptr) envs_.back() = env;
     if (envs_.back() != env) say("another environment than that of the scope");
   }
