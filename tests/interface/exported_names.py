@@ -50,7 +50,8 @@ def main():
     interface = source / "src" / "interface"
     nodes = listed(interface / "exports.map")
     found = exported(library)
-    called = set(re.findall(r"\b(tdm_\w+)\s*\(", (source / "tests/interface/c_client.c").read_text()))
+    client = "".join(file.read_text() for file in (source / "tests/interface").glob("c_*.c"))
+    called = set(re.findall(r"\b(tdm_\w+)\s*\(", client))
     problems = []
 
     def compare(what, names, where, others):
@@ -60,7 +61,7 @@ def main():
         functions = declared([interface / header for header in headers])
         compare("declared", functions, f"in node {node}", nodes.get(node, set()))
         compare(f"in node {node}", nodes.get(node, set()), "declared", functions)
-        compare("exported function", functions, "called by c_client.c", called)
+        compare("exported function", functions, "called by the client in C", called)
     wanted = {(name, node) for node, names in nodes.items() for name in names}
     # What C++ clients may use is mangled; its own node holds it, and the test of that client.
     plain = {entry for entry in found if entry[1] != "TDM_C_CXX_4.0"}

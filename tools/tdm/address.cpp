@@ -111,20 +111,20 @@ tdm_addressvalue address_of(const Place &place, const Place::Point &point, int m
   return {point.value, point.bit, mau, place.bank};
 }
 
-std::string address_text(const tdm_addressvalue &address)
+std::string address_text(const tdm_addressvalue &address, int digits)
 {
   std::string text;
   if (address.bank >= 0) text += std::to_string(address.bank) + ":";
-  text += hex(address.value);
+  text += hex(address.value, digits);
   if (address.bits != 0) text += "." + std::to_string(address.bits);
   return text;
 }
 
-std::string span_text(const tdm_interval &interval)
+std::string span_text(const tdm_interval &interval, int digits)
 {
   tdm_addressvalue end = interval.high;
   end.bank = -1;
-  return address_text(interval.low) + ".." + address_text(end);
+  return address_text(interval.low, digits) + ".." + address_text(end, digits);
 }
 
 } // namespace tool

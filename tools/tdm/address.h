@@ -30,8 +30,8 @@ struct Place {
 /// Decimal, hex or octal, with k, m or g; nothing if it is no such number or above 2^63 - 1.
 [[nodiscard]] std::optional<int64_t> parse_number(std::string_view text);
 
-/// In the form that parse_place takes.
-[[nodiscard]] std::string address_text(const tdm_addressvalue &address);
-[[nodiscard]] std::string span_text(const tdm_interval &interval);
+/// In the form that parse_place takes, with at least so many hex digits.
+[[nodiscard]] std::string address_text(const tdm_addressvalue &address, int digits = 1);
+[[nodiscard]] std::string span_text(const tdm_interval &interval, int digits = 1);
 
 } // namespace tool

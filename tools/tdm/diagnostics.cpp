@@ -52,6 +52,27 @@ Severity severity_of(std::string_view name)
   return {"error", red};
 }
 
+/// The texts that quote the name of a file as the library has it.
+struct NamingText {
+  std::string_view before;
+  std::string_view after;
+};
+constexpr NamingText naming_texts[] = {{"cannot open \"", "\""},
+                                       {"the file ", " could not be opened [E982]"}};
+
+std::string with_shown_name(std::string_view text, const FileNames &names)
+{
+  for (const auto &[before, after] : naming_texts)
+    if (text.size() > before.size() + after.size() && text.starts_with(before) &&
+        text.ends_with(after)) {
+      const size_t length = text.size() - before.size() - after.size();
+      return std::string(before)
+          .append(names.shown(text.substr(before.size(), length)))
+          .append(after);
+    }
+  return std::string(text);
+}
+
 const char *severity_name(char letter)
 {
   return letter == 'W' ? "warning" : letter == 'I' ? "note" : "error";
@@ -121,11 +142,12 @@ void Diagnostics::print(const Place &place, const char *severity, const std::str
 {
   const auto [name, style] = severity_of(severity);
   std::string where = place.file.empty() ? "tdm" : names_.shown(place.file);
-  if (place.line > 0)
-    where += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+  // What is given on the command line has lines too, but no file.
+  const bool placed = !place.file.empty() && place.line > 0;
+  if (placed) where += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
   out_ << styled(bold, where + ":") << ' ' << styled(style, std::string(name) + ":") << ' '
-       << names_.shown_in(text) << '\n';
-  if (place.line > 0) print_source(place);
+       << with_shown_name(text, names_) << '\n';
+  if (placed) print_source(place);
 }
 
 void Diagnostics::print_source(const Place &place)

@@ -1,5 +1,7 @@
 #include "file_names.h"
 
+#include <algorithm>
+
 namespace tool {
 
 FileNames::FileNames(std::string working_directory, const std::vector<std::string> &given)
@@ -15,36 +17,24 @@ std::string FileNames::absolute(const std::string &name) const
   return name.starts_with('/') ? name : directory_ + name;
 }
 
-std::pair<size_t, std::string_view> FileNames::prefix_of(std::string_view text) const
+bool FileNames::is_kept(std::string_view name, size_t longer_than) const
 {
-  if (!text.starts_with(directory_)) return {0, {}};
-  for (const std::string &kept : kept_)
-    if (kept.size() >= directory_.size() && text.starts_with(kept)) return {kept.size(), kept};
-  return {directory_.size(), {}};
+  return std::any_of(kept_.begin(), kept_.end(), [&](const std::string &kept) {
+    return kept.size() >= longer_than && name.starts_with(kept);
+  });
 }
 
 std::string FileNames::shown(std::string_view name) const
 {
-  const auto [length, shown] = prefix_of(name);
-  return std::string(shown).append(name.substr(length));
-}
-
-std::string FileNames::shown_in(std::string_view text) const
-{
-  std::string result;
-  for (size_t at = 0; at < text.size();) {
-    // A name begins where no other name goes on.
-    const bool begins = at == 0 || text[at - 1] == '"' || text[at - 1] == ' ';
-    const auto [length, shown] =
-        begins ? prefix_of(text.substr(at)) : std::pair(size_t{0}, std::string_view());
-    if (length > 0) {
-      result += shown;
-      at += length;
-    } else {
-      result += text[at++];
-    }
+  std::string up;
+  for (std::string_view directory = directory_; directory.size() > 1; up += "../") {
+    if (name.starts_with(directory))
+      return is_kept(name, directory.size()) ? std::string(name)
+                                             : up.append(name.substr(directory.size()));
+    directory.remove_suffix(1);
+    directory = directory.substr(0, directory.rfind('/') + 1);
   }
-  return result;
+  return std::string(name);
 }
 
 } // namespace tool

@@ -5,7 +5,6 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace tool {
@@ -18,18 +17,15 @@ public:
   /// For the library.
   [[nodiscard]] std::string absolute(const std::string &name) const;
 
-  /// For the user, a name of the library's.
+  /// For the user, a name of the library's: relative to the working directory, or to one above it,
+  /// unless the user gave it as an absolute one.
   [[nodiscard]] std::string shown(std::string_view name) const;
 
-  /// For the user, a text that may quote such names.
-  [[nodiscard]] std::string shown_in(std::string_view text) const;
-
 private:
-  /// The length of the prefix at the beginning of the text that is to be replaced, and by what.
-  [[nodiscard]] std::pair<size_t, std::string_view> prefix_of(std::string_view text) const;
+  [[nodiscard]] bool is_kept(std::string_view name, size_t longer_than) const;
 
   std::string directory_; ///< ends with "/"
-  /// Directories that the user gave as absolute names stay.
+  /// Directories that the user gave by absolute names, each with its "/".
   std::vector<std::string> kept_;
 };
 

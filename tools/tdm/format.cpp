@@ -7,13 +7,13 @@
 
 namespace tool {
 
-std::string hex(int64_t number)
+std::string hex(int64_t number, int digits)
 {
   const bool negative = number < 0;
   const uint64_t size =
       negative ? ~static_cast<uint64_t>(number) + 1 : static_cast<uint64_t>(number);
   std::array<char, 24> text{};
-  std::snprintf(text.data(), text.size(), "%s0x%" PRIX64, negative ? "-" : "", size);
+  std::snprintf(text.data(), text.size(), "%s0x%0*" PRIX64, negative ? "-" : "", digits, size);
   return text.data();
 }
 

@@ -8,8 +8,8 @@
 
 namespace tool {
 
-/// 0x1F40; a number below 0 with its sign in front.
-[[nodiscard]] std::string hex(int64_t number);
+/// 0x1F40, or 0x00001F40 of eight digits; a number below 0 with its sign in front.
+[[nodiscard]] std::string hex(int64_t number, int digits = 1);
 
 /// A number of MAUs as a size: "16 KiB", "3 B", "12 bits".
 [[nodiscard]] std::string human_size(int64_t units, int mau);

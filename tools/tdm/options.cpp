@@ -65,8 +65,10 @@ void add_map(CLI::App &app, Options &options, std::string &address)
   verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
   verb->callback([&options, &address] {
     options.verb = Verb::map;
-    if (options.space.empty() == options.memory.empty())
-      throw UsageError{"map: either --space or --memory is needed"};
+    if (options.space.empty() && options.memory.empty())
+      throw UsageError{"map: --space or --memory is needed"};
+    if (!options.space.empty() && !options.memory.empty())
+      throw UsageError{"map: --space and --memory don't go together"};
     options.place = parse_place(address);
   });
   verb->footer(
@@ -87,6 +89,18 @@ void add_deps(CLI::App &app, Options &options)
   verb->callback([&options] { options.verb = Verb::deps; });
   verb->footer("Example:\n"
                "  tdm deps --target firmware.elf chip.tdm > chip.d");
+}
+
+/// The parser of the command line would call a word that is no verb a missing one.
+void require_verb(const CLI::App &app, int argc, char **argv)
+{
+  const std::string verbs = "check, show, map or deps";
+  if (argc < 2) throw UsageError{"a verb is needed: " + verbs};
+  const std::string first = argv[1];
+  const bool is_verb =
+      !app.get_subcommands([&](const CLI::App *verb) { return verb->get_name() == first; }).empty();
+  if (!first.starts_with('-') && !is_verb)
+    throw UsageError{"there is no verb \"" + first + "\"; there are " + verbs};
 }
 
 int refuse(const std::string &text)
@@ -117,6 +131,7 @@ Command read_command_line(int argc, char **argv)
              "  tdm deps chip.tdm\n"
              "Exit codes: 0 in order, 1 errors in the description, 2 wrong usage, 3 no route");
   try {
+    require_verb(app, argc, argv);
     app.parse(argc, argv);
   } catch (const CLI::Success &answer) {
     return {std::nullopt, app.exit(answer)};

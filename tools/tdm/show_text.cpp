@@ -8,6 +8,7 @@
 //   └─ memories
 //      ├─ flash  rom    1 MiB  0x100000 MAUs of 8 bits
 //      └─ sram   ram   64 KiB  0x10000 MAUs of 8 bits
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -130,11 +131,14 @@ private:
   {
     Table table;
     table.align_right(1);
+    int digits = 1;
+    for (const Region &region : memory_map_.of(space))
+      digits = std::max(digits, static_cast<int>(hex(region.span.high.value).size()) - 2);
     for (const Region &region : memory_map_.of(space)) {
       Facts facts;
       facts.add_if(region.reserved, "reserved");
       facts.add(mask_text(region.span));
-      table.add({span_text(region.span), human_size(size_of(region.span), mau),
+      table.add({span_text(region.span, digits), human_size(size_of(region.span), mau),
                  text_of(tdm_memory_get_full_name(region.memory)), facts.text()});
     }
     return table.lines();

@@ -1,0 +1,33 @@
+/* What the parts of the client in C share. */
+#ifndef CLIENT_H
+#define CLIENT_H
+
+#include <stdio.h>
+#include <string.h>
+
+#include <tdm_c/tdm.h>
+
+extern int failures;
+
+#define CHECK(condition)                                                                           \
+  do {                                                                                             \
+    if (!(condition)) {                                                                            \
+      printf("%s:%d: not so: %s\n", __FILE__, __LINE__, #condition);                               \
+      ++failures;                                                                                  \
+    }                                                                                              \
+  } while (0)
+
+#define CHECK_TEXT(text, expected) check_text(__FILE__, __LINE__, text, expected)
+
+void check_text(const char *file, int line, const char *text, const char *expected);
+
+/* That a location is at a place in a file of that name. */
+void check_location(const tdm_source_location *location, const char *file, int line, int column);
+
+/* An array of the caller's. */
+tdm_arr array_of(void *items, uint32_t count);
+
+/* Walks, and selects sections. */
+void walk(const char *file);
+
+#endif
