@@ -5,42 +5,19 @@
 #include <string>
 #include <vector>
 
+#include "empty_space.h"
 #include "expressions/applications.h"
 #include "layout/group.h"
 #include "layout/statement_env.h"
 
 namespace {
 
-/// A space that nothing is mapped to.
-class Space final : public tdm::LayoutSpace, public TDMMapSource, public TDMMapDestination {
-public:
-  [[nodiscard]] const TDMMapSource &source() const override { return *this; }
-  [[nodiscard]] const TDMMapDestination &destination() const override { return *this; }
-  [[nodiscard]] int32_t page_size() const override { return 0; }
-  [[nodiscard]] const std::vector<std::unique_ptr<TDMRange>> &page_ranges() const override
-  {
-    return page_ranges_;
-  }
-  [[nodiscard]] const tdm::LayoutSpace *address_literal_space() const override { return nullptr; }
-
-  int get_mau_size() const override { return 16; }
-  void get_full_name(std::string &out) const override { out = "c:k:s"; }
-  void add_outgoing_mapping(TDMMapping *) override {}
-  void add_incoming_mapping(TDMMapping *) override {}
-  const std::vector<TDMMapping *> &outgoing_mappings() const override { return none_; }
-  const std::vector<TDMMapping *> &incoming_mappings() const override { return none_; }
-
-private:
-  std::vector<std::unique_ptr<TDMRange>> page_ranges_;
-  std::vector<TDMMapping *> none_;
-};
-
 std::unique_ptr<TDMExpression> number(int64_t value)
 {
   return std::make_unique<TDMNumber>(value);
 }
 
-const Space space;
+const EmptySpace space;
 
 TEST(InnerEnvironment, TakesOverAndReplaces)
 {
@@ -84,11 +61,11 @@ TEST(InnerEnvironment, TakesOverAndReplaces)
   EXPECT_EQ(inner->page_size, 32);
   ASSERT_EQ(inner->page_ranges->size(), 1U);
   EXPECT_EQ(inner->page_ranges->front().size, 32);
-  EXPECT_EQ(inner->page_ranges->front().start, AddressValue(0, 0, 16));
+  EXPECT_EQ(inner->page_ranges->front().start, AddressValue(0, 0, 8));
 
   plain->pages.emplace_back(number(4), number(6));
   inner = tdm::inner_environment(*plain, outer, space);
-  EXPECT_EQ(inner->page_ranges->front().start, AddressValue(4, 0, 16));
+  EXPECT_EQ(inner->page_ranges->front().start, AddressValue(4, 0, 8));
   EXPECT_EQ(inner->page_ranges->front().size, 2);
 }
 
