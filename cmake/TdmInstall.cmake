@@ -1,12 +1,12 @@
 # What `cmake --install` puts in place: the library, its headers, and what lets others find them,
 # pkg-config (tdm_c.pc) and CMake (find_package(tdm_c), target tdm_c::tdm_c). Included from
-# src/CMakeLists.txt, which lists the headers.
+# src/CMakeLists.txt, which puts the headers into TDM_INCLUDE_DIR.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS tdm_c EXPORT tdm_c_targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES ${TDM_INSTALLED_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tdm_c)
+install(DIRECTORY ${TDM_INCLUDE_DIR}/tdm_c DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # GNUInstallDirs allows absolute directories; a path below the prefix keeps the file relocatable.
 foreach(dir LIBDIR INCLUDEDIR)

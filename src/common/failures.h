@@ -104,4 +104,4 @@ public:
 };
 
 /// The root of the failures of address arithmetic; carries nothing.
-class MauLibException {};
+class TDM_CLIENT_API MauLibException {};

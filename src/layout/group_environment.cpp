@@ -2,6 +2,7 @@
 // first disagreement is the one that is told, so the order of the steps is behaviour.
 #include "common/failures.h"
 #include "layout/group.h"
+#include "layout/layout_space.h"
 #include "layout/statement_env.h"
 #include "mapping/wrapping.h"
 

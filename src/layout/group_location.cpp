@@ -2,6 +2,9 @@
 #include "layout/group_location.h"
 
 #include "common/failures.h"
+#include "layout/layout_space.h"
+#include "layout/memory_routes.h"
+#include "mapping/mapping.h"
 #include "mapping/walk.h"
 
 namespace tdm {

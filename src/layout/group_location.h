@@ -11,8 +11,13 @@
 #include "common/tdm_object.h"
 #include "common/tdm_types.h"
 #include "expressions/expression.h"
-#include "layout/layout_space.h"
-#include "mapping/mapping.h"
+#include "layout/layout_memory.h"
+
+struct TDMMapping;
+
+namespace tdm {
+class LayoutSpace;
+} // namespace tdm
 
 struct TDM_CLIENT_API TDMGroupLocation final : TDMObject {
   struct Range {
@@ -49,14 +54,3 @@ private:
   TDMSourceLocation place(LocationKey key) const { return location_or(key, group_place); }
   [[noreturn]] void no_route() const;
 };
-
-namespace tdm {
-
-/// Where a position or an interval of a memory shows up in the space, route by route: through the
-/// mapping first, if there is one.
-template <class Value>
-[[nodiscard]] std::vector<Value> memory_to_space(const LayoutSpace &space,
-                                                 const TDMMapDestination &memory,
-                                                 const TDMMapping *mapping, const Value &value);
-
-} // namespace tdm

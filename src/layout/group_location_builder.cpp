@@ -4,6 +4,7 @@
 #include "common/failures.h"
 #include "expressions/translate.h"
 #include "language/layout_records.h"
+#include "mapping/mapping.h"
 
 namespace tdm {
 

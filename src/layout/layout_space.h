@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "layout/layout_memory.h"
 #include "layout/range.h"
 #include "mapping/map_graph.h"
 
@@ -34,12 +35,6 @@ protected:
   space.source().get_full_name(name);
   return name;
 }
-
-/// A memory that a layout names.
-struct LayoutMemory {
-  const TDMMapDestination *object = nullptr; ///< null if none is named
-  int64_t size = 0;                          ///< in its own MAUs
-};
 
 /// The memories that can be named from one place.
 class MemoryLookup {

@@ -14,7 +14,7 @@
 #include "expressions/expression.h"
 #include "layout/attributes.h"
 #include "layout/fill_spec.h"
-#include "layout/layout_space.h"
+#include "layout/layout_memory.h"
 #include "layout/statement.h"
 
 /// `"symbol" = value;` or `"symbol" := value;`

@@ -2,8 +2,8 @@
 #include "common/failures.h"
 #include "expressions/applications.h"
 #include "language/table_records.h"
-#include "layout/group_location.h"
 #include "layout/layout_builder.h"
+#include "layout/memory_routes.h"
 #include "layout/record_values.h"
 #include "layout/section_names.h"
 

@@ -16,9 +16,9 @@
 #include "common/tdm_types.h"
 #include "mapping/wrapping.h"
 
-struct AddressValue {
+struct TDM_CLIENT_API AddressValue {
   /// Two positions that are counted in different units met. Thrown by pointer.
-  class MauException : public MauLibException {};
+  class TDM_CLIENT_API MauException : public MauLibException {};
 
   int64_t value = 0;
   int16_t bits = 0;

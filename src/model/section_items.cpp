@@ -3,8 +3,8 @@
 
 #include "common/failures.h"
 #include "language/records.h"
-#include "layout/group_location.h"
 #include "layout/layout_builder.h"
+#include "layout/memory_routes.h"
 #include "layout/record_values.h"
 #include "layout/space_lookup.h"
 #include "model/spec.h"
@@ -14,7 +14,7 @@ namespace tdm {
 namespace {
 
 /// The place of a property of a setup, else that of the setup.
-TDMSourceLocation place_in(const TDMFileSectionSetup &record, LocationKey key)
+TDMSourceLocation location_in(const TDMFileSectionSetup &record, LocationKey key)
 {
   if (const TDMSourceLocation *found = record.find_location(key)) return *found;
   return place_of(record, "section_setup");
@@ -134,7 +134,7 @@ void SectionItems::apply_setup(const TDMFileSectionSetup &record, const Argument
 void SectionItems::add_reserved_ranges(const TDMFileSectionSetup &record,
                                        const ArgumentScope &scope, TDMSpace &space)
 {
-  const TDMSourceLocation place = place_in(record, "section_setup");
+  const TDMSourceLocation place = location_in(record, "section_setup");
   for (const FileRange &range : record.reservedRanges) {
     const int64_t low = evaluate(*range.low, scope, place);
     const int64_t high = evaluate(*range.high, scope, place);
@@ -152,7 +152,7 @@ void SectionItems::add_copy_table(const TDMFileSectionSetup &record, const Argum
   const TDMFileCopyTable &table = *record.copyTables.front();
   space.copy_table = std::make_unique<TDMCopyTable>(table, scope);
   space.copy_table->resolve(table, SetupSpaceLookup(targets_, *target.core));
-  const TDMSourceLocation place = place_in(record, "section_setup");
+  const TDMSourceLocation place = location_in(record, "section_setup");
   space.sourceLocations.store("table", place);
   // The core of a derivative takes it over when it is checked; at file level that is past.
   if (targets_.at_file_level()) target.core->set_copy_table_space(space, place);
@@ -163,7 +163,7 @@ void SectionItems::set_start_address(const TDMFileSectionSetup &record, const Ar
 {
   if (record.startAddress == nullptr) return;
   TDMSpace &space = *target.space;
-  const TDMSourceLocation place = place_in(record, "startAddress");
+  const TDMSourceLocation place = location_in(record, "startAddress");
   if (space.start_address != nullptr)
     throw new TDMSyntaxException(
         place, "trying to set start address in a section setup while it was already set elsewhere");
@@ -177,7 +177,7 @@ void SectionItems::prohibit_references(const TDMFileSectionSetup &record, TDMSpa
   for (const auto &reference : record.prohibitedSpaces) {
     const TDMSpace *prohibited = targets_.resolve(*reference);
     if (prohibited == nullptr)
-      throw new TDMSyntaxException(place_in(record, "section_setup"),
+      throw new TDMSyntaxException(location_in(record, "section_setup"),
                                    "could not find space \"" + reference->spaceName.value_or("") +
                                        "\" for no_references_to");
     space.prohibited_spaces.insert(prohibited->id);
