@@ -264,9 +264,9 @@ void TDMParser::group_flag(TDMFileGroup &group, LocationKey key, bool &flag)
 void TDMParser::group_copy(TDMFileGroup &group)
 {
   keep(group, "copy");
+  const TDMSourceLocation &place = group.get_location("copy");
   if (group.nocopy)
-    throw new TDMSyntaxException(group.get_location("copy"),
-                                 "cannot set both the copy and nocopy attribute on a group");
+    throw new TDMSyntaxException(place, "cannot set both the copy and nocopy attribute on a group");
   consume();
   group.copy = true;
 }
@@ -275,9 +275,9 @@ void TDMParser::group_copy(TDMFileGroup &group)
 void TDMParser::group_nocopy(TDMFileGroup &group)
 {
   keep(group, "nocopy");
+  const TDMSourceLocation &place = group.get_location("nocopy");
   if (group.copy)
-    throw new TDMSyntaxException(group.get_location("nocopy"),
-                                 "cannot set both the copy and nocopy attribute on a group");
+    throw new TDMSyntaxException(place, "cannot set both the copy and nocopy attribute on a group");
   consume();
   group.nocopy = true;
 }
