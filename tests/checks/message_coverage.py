@@ -19,6 +19,11 @@ HELPERS = r'(?:fail\w*|refuse\w*|reject\w*|report\w*|rule_error|repeat_error|set
 
 # text (the literals joined by "..."): reason
 EXCEPTIONS = {
+    'could not allocate TDM file':
+        'needs an input stream that fails while it is read, and the one stream that there is reports'
+        ' such failures as messages of the preprocessor',
+    'internal error with range in group address':
+        'the grammar makes no range without a memory and without two bounds',
 }
 # numbers of the catalogue that end the process or that nothing reports
 NUMBER_EXCEPTIONS = {

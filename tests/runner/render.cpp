@@ -179,13 +179,17 @@ void collect_buses(const tdm_space *space, Buses &buses)
 
 } // namespace
 
-std::string hex(int64_t value)
+std::string hex(uint64_t value)
 {
   char text[32];
-  std::snprintf(text, sizeof text, "%s0x%llx", value < 0 ? "-" : "",
-                static_cast<unsigned long long>(value < 0 ? 0 - static_cast<uint64_t>(value)
-                                                          : static_cast<uint64_t>(value)));
+  std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(value));
   return text;
+}
+
+std::string hex(int64_t value)
+{
+  const auto bits = static_cast<uint64_t>(value);
+  return value < 0 ? "-" + hex(0 - bits) : hex(bits);
 }
 
 std::string render(const tdm_addressvalue &address)
@@ -200,10 +204,9 @@ std::string render(const tdm_interval &interval)
 {
   std::string text = "[" + render(interval.low) + "," + render(interval.high) + ")";
   if (interval.width != 1 || interval.bits != 1)
-    text +=
-        " mask=" + std::to_string(interval.width) + "/" + hex(static_cast<int64_t>(interval.bits));
-  if (interval.priority != 0x10000) text += " priority=" + hex(interval.priority);
-  if (interval.exec_priority != 0x10000) text += " exec=" + hex(interval.exec_priority);
+    text += " mask=" + std::to_string(interval.width) + "/" + hex(interval.bits);
+  if (interval.priority != 0x10000) text += " priority=" + hex(int64_t{interval.priority});
+  if (interval.exec_priority != 0x10000) text += " exec=" + hex(int64_t{interval.exec_priority});
   return text;
 }
 

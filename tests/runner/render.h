@@ -13,6 +13,7 @@ namespace cases {
 
 using Lines = std::vector<std::string>;
 
+[[nodiscard]] std::string hex(uint64_t value);
 [[nodiscard]] std::string hex(int64_t value);
 [[nodiscard]] std::string render(const tdm_addressvalue &address);
 [[nodiscard]] std::string render(const tdm_interval &interval);

@@ -155,6 +155,9 @@ private:
     std::ofstream(broken) << "#define LEAKED memory\n#if 1\n#endif\nLEAKED m1 { size = ; }\n";
     if (tdm_parse_file(Texts({broken.string()}).array(), Texts({}).array()) != nullptr)
       out_.push_back("the broken file was accepted");
+    // Definitions of the caller are read, and refused, in each parse.
+    shown_errors_ = static_cast<std::size_t>(tdm_get_error_count());
+    shown_warnings_ = static_cast<std::size_t>(tdm_get_warning_count());
     start_again();
   }
 
@@ -246,13 +249,14 @@ private:
     if (words.empty()) throw std::runtime_error("a request without words");
     const std::string &name = words.front();
     if (name == "parse") return parse({words.begin() + 1, words.end()});
-    if (name == "define" || name == "dir" || name == "files" || name == "bytes" || name == "none")
+    if (name == "define" || name == "dir" || name == "files" || name == "bytes" || name == "none" ||
+        name == "once")
       return;
     if (name == "last_error") return say(std::string("last error ") + tdm_get_last_error());
     if (spec_ == nullptr) return;
     if (name == "model") return render_to_out();
     say("? " + request);
-    const char *before = tdm_get_last_error();
+    const int64_t failures = tdm_inspect_failure_count();
     if (name == "find")
       find(words);
     else if (name == "set_literals")
@@ -268,7 +272,8 @@ private:
       valid(words);
     else
       translate(words);
-    if (tdm_get_last_error() != before) say(std::string("  error ") + tdm_get_last_error());
+    if (tdm_inspect_failure_count() != failures)
+      say(std::string("  error ") + tdm_get_last_error());
   }
 
   void render_to_out()

@@ -8,6 +8,7 @@
 //                         as it stands, any other names a file of the input
 //   parse <a> <b> ...     a parse of its own in the same started period, once the requests get here
 //   none                  no parse to begin with
+//   once                  one run instead of three, for what takes a second or more
 // Requests that are answered after it:
 //   model                 all that the getters tell
 //   find <kind> ...       a look-up by name or number
