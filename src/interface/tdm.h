@@ -36,8 +36,11 @@
  *     their own and end no parse: look at tdm_get_error_count() after a successful parse too.
  *  8. Time and threads. All state is process-wide and without locks, and even asking for a name
  *     writes to the pool: call from one thread at a time. Everything but tdm_provides(),
- *     tdm_requires(), tdm_get_last_error(), tdm_arr_del() and the two functions that begin and end
- *     the use of the library belongs between tdm_init() and tdm_cleanup().
+ *     tdm_requires(), tdm_get_last_error(), tdm_arr_del(), tdm_spec_free() and the two functions
+ * that begin and end the use of the library belongs between tdm_init() and tdm_cleanup().
+ *  9. Callbacks. The caller's own pointer comes last and is only passed on; a null entry of a table
+ *     is skipped; what an entry returns is ignored unless its description says otherwise. Nothing
+ *     may be thrown out of one, and none may end the spec or the library.
  *
  * Further readers, outside this interface's promise of stability: <tdm_c/tdm_inspect.h>.
  */

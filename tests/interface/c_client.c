@@ -386,11 +386,11 @@ static void messages(const char *file)
   CHECK(tdm_inspect_get_message(1, &message) == 1);
   CHECK(message.letter == 'I' && message.number == 981 && message.note == -1);
 
-  tdm_spec_free(spec);
   tdm_init(NULL); /* starts anew, but keeps the texts */
   CHECK(tdm_get_warning_count() == 0 && tdm_inspect_message_count() == 0);
   CHECK_TEXT(warning.text, "macro \"CLOCK\" redefined");
   tdm_cleanup();
+  tdm_spec_free(spec); /* all that is left to do with it */
 }
 
 int main(int argc, char **argv)
