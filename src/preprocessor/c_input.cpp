@@ -17,6 +17,7 @@
 namespace tdm {
 
 InputStack input_stack;
+MainFile main_file;
 
 namespace {
 
@@ -28,11 +29,9 @@ constexpr std::string_view supplied_newline = "\n";
 struct {
   MemoryArena arena;
   std::uint32_t serial;
-  int unread;                 ///< a character given back that isn't in a block, if there is one
-  bool last_plain;            ///< the last character was one byte of the top record
-  bool last_began_line;       ///< delivering it began a line
-  const char *main_name;      ///< the first name that #line gave
-  std::uint32_t main_highest; ///< its highest line so far
+  int unread;           ///< a character given back that isn't in a block, if there is one
+  bool last_plain;      ///< the last character was one byte of the top record
+  bool last_began_line; ///< delivering it began a line
 } state;
 
 // The third character of a trigraph, and what the three stand for.
@@ -55,8 +54,8 @@ void find_innermost_file()
 
 void store_end(const TDMInputRecord &last)
 {
-  if (state.main_name != nullptr)
-    srcpos_set_end(state.main_name, static_cast<int>(state.main_highest + 1), 1);
+  if (main_file.name != nullptr)
+    srcpos_set_end(main_file.name, static_cast<int>(main_file.highest_line + 1), 1);
   else
     srcpos_set_end(last.presumed_name, static_cast<int>(last.presumed_line), 1);
 }
@@ -161,8 +160,7 @@ void input_start(std::string_view tool_name)
   state.serial = 0;
   input_stack.has_unread = false;
   state.last_plain = false;
-  state.main_name = nullptr;
-  state.main_highest = 0;
+  main_file = {};
   input_files_start(tool_name);
 }
 
@@ -170,7 +168,7 @@ void input_stop()
 {
   while (input_stack.top != nullptr) pop_record();
   state.arena.clear();
-  state.main_name = nullptr;
+  main_file = {};
   input_files_stop();
 }
 
@@ -289,12 +287,6 @@ std::size_t input_buffer_size()
   return longest_look + block_size + 1;
 }
 
-void input_note_line(const TDMInputRecord &record)
-{
-  if (record.presumed_name == state.main_name && state.main_name != nullptr)
-    state.main_highest = std::max(state.main_highest, record.presumed_line);
-}
-
 void input_set_presumed(const char *name, std::uint32_t line)
 {
   TDMInputRecord *record = input_stack.innermost_file;
@@ -302,7 +294,7 @@ void input_set_presumed(const char *name, std::uint32_t line)
     record = input_stack.top;
     while (record != nullptr && record->next != nullptr) record = record->next;
   }
-  if (name != nullptr && state.main_name == nullptr) state.main_name = name;
+  if (name != nullptr && main_file.name == nullptr) main_file.name = name;
   if (record == nullptr) return;
   if (name != nullptr) record->presumed_name = name;
   record->presumed_line = line - 1;

@@ -78,9 +78,19 @@ inline void input_begin_line(TDMInputRecord &record)
   record.at_line_start = false;
 }
 
-/// To be called when a newline of the record has been delivered: for the end position of the name
-/// that #line gave first.
-void input_note_line(const TDMInputRecord &record);
+/// What #line has to do with the position of the end of input.
+struct MainFile {
+  const char *name = nullptr;     ///< the first one that #line gave
+  std::uint32_t highest_line = 0; ///< so far, under this name
+};
+extern MainFile main_file;
+
+/// To be called when a newline of the record has been delivered.
+inline void input_note_line(const TDMInputRecord &record)
+{
+  if (record.presumed_name == main_file.name && record.presumed_line > main_file.highest_line)
+    main_file.highest_line = record.presumed_line;
+}
 
 /// The effect of #line on the innermost file: the line that begins next has this number. A null
 /// name leaves the name.

@@ -11,6 +11,8 @@
 
 namespace tdm {
 
+const void *pragma_vector = nullptr;
+
 namespace {
 
 struct PragmaRow {
@@ -46,7 +48,6 @@ struct {
   hashtab vectors;
   Slot slots[option_limit];
   int slot_count;
-  const Word *current;
 } state;
 
 const void *name_of(const void *row)
@@ -116,7 +117,7 @@ void pragma_start()
   option_allow_pragma_bound(true);
   for (const PragmaRow &row : rows) first[state.slots[row.option].index] = table_value(row.option);
   option_allow_pragma_bound(false);
-  state.current = intern_vector(first);
+  pragma_vector = intern_vector(first);
 }
 
 void pragma_end()
@@ -126,7 +127,7 @@ void pragma_end()
   hashtab_free(state.vectors);
   state.arena.clear();
   state.slot_count = 0;
-  state.current = nullptr;
+  pragma_vector = nullptr;
 }
 
 bool pragma_known(const char *name)
@@ -135,11 +136,6 @@ bool pragma_known(const char *name)
 }
 
 } // namespace tdm
-
-const void *pragma_vector_current()
-{
-  return tdm::state.current;
-}
 
 bool pragma_get(const void *vector, tdm::Option option)
 {

@@ -14,13 +14,19 @@ namespace tdm {
 void pragma_start();
 void pragma_end();
 
+/// The vector in force. Only c_pragma.cpp changes it.
+extern const void *pragma_vector;
+
 /// Whether the pragma table has a row of this name.
 [[nodiscard]] bool pragma_known(const char *name);
 
 } // namespace tdm
 
 /// The vector in force.
-[[nodiscard]] const void *pragma_vector_current();
+[[nodiscard]] inline const void *pragma_vector_current()
+{
+  return tdm::pragma_vector;
+}
 
 /// A switch of a vector. The option must be a switch and pragma-bound.
 [[nodiscard]] bool pragma_get(const void *vector, tdm::Option option);

@@ -1,5 +1,5 @@
-// Two roads to a token: next_in_block() takes it from the bytes at hand, next_by_character() asks
-// for logical characters. The first gives up, with nothing changed, on whatever it can't decide.
+// Two roads to a token: the functions ..._in_block take it from the bytes at hand, by_character()
+// asks for logical characters. The former hand over to the latter whatever they can't decide.
 #include "preprocessor/c_scanner.h"
 
 #include <array>
@@ -18,7 +18,17 @@ namespace tdm {
 namespace {
 
 // How a token begins, by its first byte.
-enum class Start : std::uint8_t { other, name, number, blank, newline, quote, slash, special };
+enum class Start : std::uint8_t {
+  other,
+  name,
+  number,
+  blank,
+  newline,
+  quote,
+  slash,
+  single, // a punctuator that begins no other one
+  special // may be or begin a splice, a trigraph or the end of the block
+};
 
 // What a byte may be part of.
 enum Part : std::uint8_t {
@@ -48,6 +58,7 @@ constexpr ByteTables make_byte_tables()
   set(" \t", Start::blank, 0);
   set("\n", Start::newline, stops_string | stops_line);
   set("\"'", Start::quote, stops_string);
+  set("()[]{},;~", Start::single, 0);
   set("*", Start::other, stops_comment);
   set("/", Start::slash, stops_comment);
   set(std::string_view("\\?\0", 3), Start::special, stops_string | stops_comment | stops_line);
@@ -198,14 +209,18 @@ void set_table_text(int number)
 
 // ---- tokens that lie in a block ----
 
-void place_at_next(TDMInputRecord &record)
+inline void place_at_next(TDMInputRecord &record)
 {
   input_begin_line(record);
-  if (record.kind == TDMInputRecord::file)
-    state.token.position = {record.presumed_name, static_cast<int>(record.presumed_line),
-                            static_cast<int>(record.column + 1), pragma_vector_current()};
-  else
+  if (record.kind != TDMInputRecord::file) {
     state.token.position = srcpos_current();
+    return;
+  }
+  tdm_srcpos &position = state.token.position;
+  position.file = record.presumed_name;
+  position.line = static_cast<int>(record.presumed_line);
+  position.column = static_cast<int>(record.column + 1);
+  position.pragmas = pragma_vector_current();
 }
 
 bool needs_other_road(const char *cursor)
@@ -264,14 +279,16 @@ const char *end_of_line_comment(const char *cursor)
 }
 
 // Ends a token of one line: the record stands behind it.
-bool pass(TDMInputRecord &record, const char *end)
+inline const PpToken &pass(TDMInputRecord &record, const char *end)
 {
   record.column += static_cast<std::uint32_t>(end - record.cursor);
   record.cursor = end;
-  return true;
+  return state.token;
 }
 
-bool comment_in_block(TDMInputRecord &record)
+const PpToken &by_character();
+
+const PpToken &comment_in_block(TDMInputRecord &record)
 {
   const char *begin = record.cursor;
   std::uint32_t lines = 0;
@@ -281,7 +298,7 @@ bool comment_in_block(TDMInputRecord &record)
     end = end_of_comment(begin, lines, line_start);
   else if (state.line_comments)
     end = end_of_line_comment(begin);
-  if (end == nullptr) return false;
+  if (end == nullptr) return by_character();
   place_at_next(record);
   state.token.number = tCOMMENT;
   if (state.keep_comments)
@@ -290,36 +307,30 @@ bool comment_in_block(TDMInputRecord &record)
     set_table_text(tCOMMENT);
   if (lines > 0) {
     record.physical_line += lines;
-    record.presumed_line += lines;
+    record.presumed_line += lines - 1;
+    input_note_line(record); // of the line that was left last
+    ++record.presumed_line;
     record.column = 0;
     record.cursor = line_start;
-    --record.presumed_line; // the line that was left last
-    input_note_line(record);
-    ++record.presumed_line;
   }
   return pass(record, end);
 }
 
-bool punctuator_in_block(TDMInputRecord &record)
+const PpToken &punctuator_in_block(TDMInputRecord &record)
 {
   BlockSource source{record.cursor};
   const int at = match(source);
-  if (at != 0 && recogniser.goes_on[static_cast<std::size_t>(at)] &&
-      needs_other_road(source.cursor))
-    return false;
-  int number = recogniser.token[static_cast<std::size_t>(at)];
   if (at == 0) {
     place_at_next(record);
     state.token.number = tERROR;
     set_interned({record.cursor, 1});
     return pass(record, record.cursor + 1);
   }
-  if (number == tFCON) {
-    read_number(source, false, true);
-    if (needs_other_road(source.cursor)) return false;
-  } else if (number == tLT && state.header_mode) {
-    return false;
-  }
+  const int number = recogniser.token[static_cast<std::size_t>(at)];
+  if (number == tFCON) read_number(source, false, true);
+  const bool undecided = recogniser.goes_on[static_cast<std::size_t>(at)] || number == tFCON;
+  if ((undecided && needs_other_road(source.cursor)) || (number == tLT && state.header_mode))
+    return by_character();
   place_at_next(record);
   state.token.number = without_digraph(number);
   if (number == tFCON || number == tWHITE)
@@ -329,15 +340,15 @@ bool punctuator_in_block(TDMInputRecord &record)
   return pass(record, source.cursor);
 }
 
-bool name_in_block(TDMInputRecord &record)
+const PpToken &name_in_block(TDMInputRecord &record)
 {
   const char *begin = record.cursor;
   const char *end = begin + 1;
   while (has_part(static_cast<unsigned char>(*end), in_name)) ++end;
-  if (needs_other_road(end)) return false;
+  if (needs_other_road(end)) return by_character();
   int number = tIDENT;
   if (start_of(*end) == Start::quote && *begin == 'L' && end == begin + 1) {
-    if ((end = end_of_quoted(end)) == nullptr) return false;
+    if ((end = end_of_quoted(end)) == nullptr) return by_character();
     number = begin[1] == '"' ? tWSTRING : tWCHAR;
   }
   place_at_next(record);
@@ -346,76 +357,57 @@ bool name_in_block(TDMInputRecord &record)
   return pass(record, end);
 }
 
-bool number_in_block(TDMInputRecord &record)
+const PpToken &number_in_block(TDMInputRecord &record)
 {
   BlockSource source{record.cursor + 1};
   const int number = read_number(source, *record.cursor == '0', false);
-  if (needs_other_road(source.cursor)) return false;
+  if (needs_other_road(source.cursor)) return by_character();
   place_at_next(record);
   state.token.number = number;
   set_interned({record.cursor, static_cast<std::size_t>(source.cursor - record.cursor)});
   return pass(record, source.cursor);
 }
 
-bool blanks_in_block(TDMInputRecord &record)
-{
-  const char first = *record.cursor;
-  const char *end = record.cursor + 1;
-  while (*end == first && end != record.cursor + longest_run) ++end;
-  place_at_next(record);
-  state.token.number = tWHITE;
-  set_text(first == ' ' ? blanks + (longest_run - static_cast<std::size_t>(end - record.cursor))
-                        : tabs + (longest_run - static_cast<std::size_t>(end - record.cursor)),
-           static_cast<std::size_t>(end - record.cursor));
-  return pass(record, end);
-}
-
-bool newline_in_block(TDMInputRecord &record)
-{
-  place_at_next(record);
-  state.token.number = tNEWLINE;
-  set_table_text(tNEWLINE);
-  pass(record, record.cursor + 1);
-  input_note_line(record);
-  record.at_line_start = true;
-  state.header_mode = false;
-  return true;
-}
-
-bool quoted_in_block(TDMInputRecord &record)
+const PpToken &quoted_in_block(TDMInputRecord &record)
 {
   const char *end = end_of_quoted(record.cursor);
-  if (end == nullptr) return false;
+  if (end == nullptr) return by_character();
   place_at_next(record);
   state.token.number = *record.cursor == '"' ? tSTRING : tCHAR;
   set_interned({record.cursor, static_cast<std::size_t>(end - record.cursor)});
   return pass(record, end);
 }
 
-bool next_in_block()
+inline const PpToken &blanks_in_block(TDMInputRecord &record)
 {
-  if (input_stack.top == nullptr || input_stack.has_unread) return false;
-  TDMInputRecord &record = *input_stack.top;
-  switch (start_of(*record.cursor)) {
-  case Start::name:
-    return name_in_block(record);
-  case Start::blank:
-    return blanks_in_block(record);
-  case Start::newline:
-    return newline_in_block(record);
-  case Start::number:
-    return number_in_block(record);
-  case Start::quote:
-    return quoted_in_block(record);
-  case Start::slash:
-    if (record.cursor[1] == '*' || record.cursor[1] == '/') return comment_in_block(record);
-    return punctuator_in_block(record);
-  case Start::other:
-    return punctuator_in_block(record);
-  case Start::special:
-    return false;
-  }
-  return false;
+  const char first = *record.cursor;
+  const char *end = record.cursor + 1;
+  while (*end == first && end != record.cursor + longest_run) ++end;
+  place_at_next(record);
+  state.token.number = tWHITE;
+  set_text(first == ' ' ? blanks : tabs, static_cast<std::size_t>(end - record.cursor));
+  return pass(record, end);
+}
+
+inline const PpToken &single_in_block(TDMInputRecord &record)
+{
+  const auto c = static_cast<std::size_t>(*record.cursor);
+  const int number = recogniser.token[recogniser.next[0][c]];
+  place_at_next(record);
+  state.token.number = number;
+  set_text(state.texts[number], 1);
+  return pass(record, record.cursor + 1);
+}
+
+inline const PpToken &newline_in_block(TDMInputRecord &record)
+{
+  place_at_next(record);
+  state.token.number = tNEWLINE;
+  set_text(state.texts[tNEWLINE], 1);
+  input_note_line(record);
+  record.at_line_start = true;
+  state.header_mode = false;
+  return pass(record, record.cursor + 1);
 }
 
 // ---- tokens read character by character ----
@@ -564,7 +556,7 @@ bool is_header_opener(int number)
   return number == tSTRING || number == tLT;
 }
 
-void next_by_character()
+const PpToken &by_character()
 {
   CharacterSource source;
   state.buffer.clear();
@@ -573,7 +565,7 @@ void next_by_character()
   if (first == input_end) {
     state.token.number = tEOF;
     set_text(state.no_text, 0);
-    return;
+    return state.token;
   }
   const int at = match(source);
   int number = recogniser.token[static_cast<std::size_t>(at)];
@@ -597,6 +589,7 @@ void next_by_character()
   set_buffer_text(number);
   state.token.number = number;
   if (source.holds) input_unread(source.ahead);
+  return state.token;
 }
 
 } // namespace
@@ -651,9 +644,32 @@ void scanner_scan_text(std::string_view text, std::vector<PpToken> &tokens)
 
 const tdm::PpToken &scanner_next_token(bool want_text)
 {
-  tdm::state.want_text = want_text;
-  if (!tdm::next_in_block()) tdm::next_by_character();
-  return tdm::state.token;
+  using namespace tdm;
+  state.want_text = want_text;
+  if (input_stack.top == nullptr || input_stack.has_unread) return by_character();
+  TDMInputRecord &record = *input_stack.top;
+  switch (start_of(*record.cursor)) {
+  case Start::name:
+    return name_in_block(record);
+  case Start::blank:
+    return blanks_in_block(record);
+  case Start::single:
+    return single_in_block(record);
+  case Start::newline:
+    return newline_in_block(record);
+  case Start::number:
+    return number_in_block(record);
+  case Start::quote:
+    return quoted_in_block(record);
+  case Start::slash:
+    if (record.cursor[1] == '*' || record.cursor[1] == '/') return comment_in_block(record);
+    return punctuator_in_block(record);
+  case Start::other:
+    return punctuator_in_block(record);
+  case Start::special:
+    break;
+  }
+  return by_character();
 }
 
 void scanner_set_header_mode()

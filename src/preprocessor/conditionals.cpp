@@ -26,10 +26,15 @@ constexpr int memo_key_length = sizeof(const char *) + sizeof(std::uint64_t);
 
 struct {
   TDMConditional base;
-  TDMConditional *top = &base;
   MemoryArena arena;
   hashtab memos;
 } state;
+
+} // namespace
+
+TDMConditional *conditional_top = &state.base;
+
+namespace {
 
 bool memo_enabled = true;
 
@@ -47,15 +52,15 @@ SkipMemo *find_memo(const char *file, std::uint32_t line)
 
 bool enclosing_active()
 {
-  return (state.top->next->flags & group_active) != 0;
+  return (conditional_top->next->flags & group_active) != 0;
 }
 
 void set_active(bool active)
 {
   if (active)
-    state.top->flags |= group_active;
+    conditional_top->flags |= group_active;
   else
-    state.top->flags &= ~unsigned{group_active};
+    conditional_top->flags &= ~unsigned{group_active};
 }
 
 } // namespace
@@ -71,7 +76,7 @@ void conditionals_start()
 
 void conditionals_stop()
 {
-  while (state.top != &state.base) conditional_pop();
+  while (conditional_top != &state.base) conditional_pop();
   hashtab_free(state.memos);
   state.arena.clear();
 }
@@ -81,51 +86,41 @@ void skip_memo_enable(bool enabled)
   memo_enabled = enabled;
 }
 
-const TDMConditional &conditional_top()
-{
-  return *state.top;
-}
-
-bool conditional_active()
-{
-  return (state.top->flags & group_active) != 0;
-}
-
 void conditional_push(const tdm_srcpos &position)
 {
-  state.top = new TDMConditional{state.top, new_flags, position, 0, 0};
+  conditional_top = new TDMConditional{conditional_top, new_flags, position, 0, 0};
 }
 
 void conditional_pop()
 {
-  TDMConditional *conditional = state.top;
-  state.top = conditional->next;
+  TDMConditional *conditional = conditional_top;
+  conditional_top = conditional->next;
   delete conditional;
 }
 
 bool conditional_wants_condition()
 {
-  return enclosing_active() && (state.top->flags & branch_taken) == 0;
+  return enclosing_active() && (conditional_top->flags & branch_taken) == 0;
 }
 
 void conditional_decide(bool condition)
 {
   const bool active = condition && conditional_wants_condition();
-  if (active) state.top->flags |= branch_taken;
+  if (active) conditional_top->flags |= branch_taken;
   set_active(active);
 }
 
 void conditional_else()
 {
-  const bool taken = (state.top->flags & branch_taken) != 0;
-  state.top->flags &= ~unsigned{allows_elif | allows_else};
+  const bool taken = (conditional_top->flags & branch_taken) != 0;
+  conditional_top->flags &= ~unsigned{allows_elif | allows_else};
   set_active(!taken && enclosing_active());
 }
 
 void conditionals_end_of_input()
 {
-  while (state.top != &state.base) {
-    diag_at(E_no_endif, state.top->position);
+  while (conditional_top != &state.base) {
+    diag_at(E_no_endif, conditional_top->position);
     conditional_pop();
   }
 }
@@ -135,8 +130,8 @@ void skip_memo_open(const DirectivePlace &place)
   if (place.line == 0 || !memo_enabled) return;
   const SkipMemo *memo = find_memo(place.file, place.line);
   if (memo == nullptr) {
-    state.top->skip_start = place.line;
-    state.top->file = place.serial;
+    conditional_top->skip_start = place.line;
+    conditional_top->file = place.serial;
     return;
   }
   const TDMInputRecord *input = input_stack.top;
@@ -146,7 +141,7 @@ void skip_memo_open(const DirectivePlace &place)
 
 void skip_memo_close(const DirectivePlace &place)
 {
-  TDMConditional &conditional = *state.top;
+  TDMConditional &conditional = *conditional_top;
   const std::uint32_t start = conditional.skip_start;
   conditional.skip_start = 0;
   if (start == 0 || place.line == 0 || conditional.file != place.serial) return;

@@ -31,8 +31,13 @@ void conditionals_stop();
 /// Off, every group is scanned each time it is read; for tests, as the tokens are the same.
 void skip_memo_enable(bool enabled);
 
-[[nodiscard]] const TDMConditional &conditional_top();
-[[nodiscard]] bool conditional_active();
+/// The innermost open conditional. Only conditionals.cpp changes it.
+extern TDMConditional *conditional_top;
+
+[[nodiscard]] inline bool conditional_active()
+{
+  return (conditional_top->flags & group_active) != 0;
+}
 
 void conditional_push(const tdm_srcpos &position);
 void conditional_pop();

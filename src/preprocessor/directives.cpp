@@ -176,7 +176,7 @@ void run_directive(const PpToken &name)
     if (conditional_active()) diag_at(E_undefined_directive, name.position, word);
     return;
   }
-  if ((conditional_top().flags & row->mask) == 0) {
+  if ((conditional_top->flags & row->mask) == 0) {
     if (row->mask != group_active) diag_at(E_unexpected_directive, name.position, word);
     return;
   }
@@ -247,6 +247,7 @@ const PpToken &finished_name(const PpToken &name)
 const PpToken *start_directive(const PpToken &hash)
 {
   read_directive(hash.position);
+  state.at_line_start = true;
   if (!state.forwards) return &state.line_end;
   state.forwarding_hash.position = state.position;
   return &state.forwarding_hash;
@@ -267,20 +268,14 @@ bool may_expand(const PpToken &name)
   return pooled(name.text).marks != 0 || name.length == builtin_length;
 }
 
-// One round of the read step; null when the token was dropped or has been replaced.
-const PpToken *read_round(bool expand)
+// What a token that came from the list stack or the scanner leads to; null when it was dropped or
+// has been replaced.
+const PpToken *treat(const PpToken *token, bool from_list, bool expand)
 {
-  const bool from_list = !list_stack_empty() && list_next(state.token);
-  const PpToken *token = &state.token;
-  if (!from_list) {
-    token = &scanner_next_token(wants_text());
-    expansion_work.allowed += expansion_per_token;
-  }
   switch (token->number) {
   case tIDENT: {
     state.at_line_start = false;
-    if (!expand || (from_list && list_forwarding()) || !wants_text()) break;
-    if (!may_expand(*token)) break;
+    if (!expand || (from_list && list_forwarding()) || !wants_text() || !may_expand(*token)) break;
     PpToken name = *token;
     if (macro_expand(name)) return nullptr;
     token = &own(name);
@@ -297,16 +292,54 @@ const PpToken *read_round(bool expand)
   case tCOMMENT:
     break;
   case tHASH:
-    if (state.at_line_start && !from_list && !state.in_directive) {
-      token = start_directive(*token);
-      state.at_line_start = true;
-      return token;
-    }
+    if (state.at_line_start && !from_list && !state.in_directive) return start_directive(*token);
     [[fallthrough]];
   default:
     state.at_line_start = false;
   }
   return conditional_active() || state.in_directive ? token : nullptr;
+}
+
+const PpToken *read_round(bool expand)
+{
+  if (!list_stack_empty() && list_next(state.token)) return treat(&state.token, true, expand);
+  const PpToken &token = scanner_next_token(wants_text());
+  expansion_work.allowed += expansion_per_token;
+  return treat(&token, false, expand);
+}
+
+// The whole read step, perhaps with a token that has been taken from the scanner.
+const PpToken &read_on(const PpToken *token, bool expand)
+{
+  ++state.depth;
+  if (token != nullptr) token = treat(token, false, expand);
+  while (token == nullptr) token = read_round(expand);
+  if (--state.depth == 0 && (token->number == tIDENT || token->number == tIDENT2))
+    token = &finished_name(*token);
+  return *token;
+}
+
+// Most tokens of an active group need no more than this.
+bool passes(const PpToken &token, bool expand)
+{
+  switch (token.number) {
+  case tIDENT:
+    if (expand && may_expand(token)) return false;
+    state.at_line_start = false;
+    return true;
+  case tNEWLINE:
+    state.at_line_start = true;
+    return true;
+  case tWHITE:
+  case tCOMMENT:
+    return true;
+  case tHASH:
+  case tEOF:
+    return false;
+  default:
+    state.at_line_start = false;
+    return true;
+  }
 }
 
 } // namespace
@@ -384,11 +417,11 @@ std::string_view rest_of_line()
 
 const tdm::PpToken &pp_next_token(bool expand)
 {
-  ++tdm::state.depth;
-  const tdm::PpToken *token = nullptr;
-  do token = tdm::read_round(expand);
-  while (token == nullptr);
-  if (--tdm::state.depth == 0 && (token->number == tIDENT || token->number == tIDENT2))
-    token = &tdm::finished_name(*token);
-  return *token;
+  if (tdm::list_stack_empty() && !tdm::state.in_directive && tdm::conditional_active()) {
+    const tdm::PpToken &token = scanner_next_token();
+    tdm::expansion_work.allowed += tdm::expansion_per_token;
+    if (tdm::passes(token, expand)) return token;
+    return tdm::read_on(&token, expand);
+  }
+  return tdm::read_on(nullptr, expand);
 }

@@ -33,6 +33,7 @@ namespace tdm {
 
 ExpansionState expansion;
 ExpansionWork expansion_work;
+std::size_t list_count;
 
 namespace {
 
@@ -273,6 +274,7 @@ void drop_everything()
   for (const OpenList &list : expansion.lists)
     if (list.macro != nullptr) list.macro->busy = false;
   expansion.lists.clear();
+  list_count = 0;
   expansion.calls.clear();
   expansion.arguments.clear();
   expansion.output.clear();
@@ -313,6 +315,7 @@ void expansion_stop()
 void push_list(const OpenList &list)
 {
   expansion.lists.push_back(list);
+  ++list_count;
 }
 
 void pop_list()
@@ -324,6 +327,7 @@ void pop_list()
   else if (list.mark < expansion.lowest)
     expansion.lowest = list.mark;
   expansion.lists.pop_back();
+  --list_count;
 }
 
 bool count_work(std::size_t tokens, const tdm_srcpos &position)
@@ -366,11 +370,6 @@ bool list_next(PpToken &token)
   if (read_item(token, Parts::none) == Read::token) return true;
   if (expansion.exhausted) drop_everything();
   return false;
-}
-
-bool list_stack_empty()
-{
-  return expansion.lists.empty();
 }
 
 bool list_has_next()

@@ -5,6 +5,7 @@
 // scanned again only for ##.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -18,7 +19,12 @@ void expansion_stop();
 /// Takes the next token from the list stack; false when all lists have been read to their end.
 bool list_next(PpToken &token);
 
-[[nodiscard]] bool list_stack_empty();
+/// The number of lists on the stack.
+extern std::size_t list_count;
+[[nodiscard]] inline bool list_stack_empty()
+{
+  return list_count == 0;
+}
 
 /// Whether a list is being read that has a token left.
 [[nodiscard]] bool list_has_next();

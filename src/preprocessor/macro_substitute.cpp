@@ -17,7 +17,7 @@ namespace tdm {
 namespace {
 
 // How many characters of text count as much as a token.
-constexpr std::size_t text_per_token = 16;
+constexpr std::size_t text_per_token = 4;
 
 struct {
   TextBuffer text;

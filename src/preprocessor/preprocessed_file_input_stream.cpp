@@ -82,9 +82,6 @@ void TDMPreprocessedFileInputStream::fetch_token()
 {
   do token_ = &pp_next_token(true);
   while (token_->length == 0 && token_->number != tEOF);
-  at_end_ = token_->number == tEOF;
   text_ = token_->text;
   text_end_ = text_ + token_->length;
-  column_step_ = token_->number == tWHITE ? 1 : 0;
-  position_ = token_->position;
 }

@@ -26,16 +26,20 @@ public:
   /// so that it isn't taken for the end.
   int getChar() override
   {
-    if (at_end_) return -1;
+    if (text_ == text_end_) return -1;
     const char c = *text_++;
-    position_.column += column_step_;
     if (text_ == text_end_) fetch_token();
     return c == '\xff' ? 255 : static_cast<signed char>(c);
   }
 
-  int getLine() const override { return position_.line; }
-  int getColumn() const override { return position_.column; }
-  const char *getFile() const override { return position_.file; }
+  int getLine() const override { return token_->position.line; }
+  int getColumn() const override
+  {
+    // A run of blanks is as many tokens as it has characters.
+    const int passed = token_->number == tWHITE ? static_cast<int>(text_ - token_->text) : 0;
+    return token_->position.column + passed;
+  }
+  const char *getFile() const override { return token_->position.file; }
 
   /// The token whose characters are being handed out: number (tEOF at the end), text and position.
   /// The text of a name, number or string is interned.
@@ -48,10 +52,7 @@ private:
   void start(const std::vector<std::string> &files);
   void fetch_token();
 
-  bool at_end_ = true;
-  const char *text_ = nullptr;
-  const char *text_end_ = nullptr;
-  int column_step_ = 0; ///< 1 in a run of blanks, which is as many tokens as it has characters
-  tdm_srcpos position_ = {};
   const tdm::PpToken *token_ = nullptr;
+  const char *text_ = nullptr; ///< the rest of the token's text; empty only at the end of input
+  const char *text_end_ = nullptr;
 };
