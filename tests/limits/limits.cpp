@@ -58,7 +58,29 @@ std::string sized(const std::string &size)
          "; map (dest = bus:far, size = 1); }\n";
 }
 
-/// What parsing the text gives: "spec <size of memory m>" or the message without its position.
+/// How many scopes and selections a walk of the space meets.
+int walked(tdm_space *space)
+{
+  int count = 0;
+  tdm_walk_callbacks callbacks{};
+  callbacks.block_begin = [](tdm_block *, tdm_statement_env *, void *user) {
+    ++*static_cast<int *>(user);
+  };
+  callbacks.group_begin = [](tdm_group *, tdm_statement_env *, tdm_statement_env *, void *user) {
+    ++*static_cast<int *>(user);
+  };
+  callbacks.if_begin = [](tdm_if_statement *, tdm_statement_env *, void *user) {
+    ++*static_cast<int *>(user);
+  };
+  callbacks.selection = [](tdm_selection_statement *, tdm_statement_env *, void *user) {
+    ++*static_cast<int *>(user);
+  };
+  tdm_space_walk(space, &callbacks, &count, nullptr, nullptr);
+  return count;
+}
+
+/// What parsing the text gives: "spec <size of memory mem1>", with what a walk of the first space
+/// meets, or the message without its position.
 std::string outcome(const std::string &text)
 {
   const fs::path path =
@@ -78,6 +100,12 @@ std::string outcome(const std::string &text)
     } else {
       const tdm_memory *memory = tdm_spec_get_memory(spec, "mem1");
       result = "spec " + (memory != nullptr ? std::to_string(tdm_memory_get_size(memory)) : "");
+      tdm_arr *processors = tdm_spec_get_processors(spec);
+      tdm_arr *cores = tdm_processor_get_cores(*static_cast<tdm_processor **>(processors->items));
+      tdm_arr *spaces = tdm_core_get_spaces(*static_cast<tdm_core **>(cores->items));
+      if (const int count = walked(*static_cast<tdm_space **>(spaces->items)))
+        result += "walked " + std::to_string(count);
+      for (tdm_arr *array : {processors, cores, spaces}) tdm_arr_del(array);
     }
     tdm_spec_free(spec);
     tdm_cleanup();
@@ -92,7 +120,10 @@ struct Row {
   std::string expected;
 };
 
-void PrintTo(const Row &row, std::ostream *out) { *out << row.what; }
+void PrintTo(const Row &row, std::ostream *out)
+{
+  *out << row.what;
+}
 
 class Limits : public ::testing::TestWithParam<Row> {};
 
@@ -140,6 +171,12 @@ std::string chain_of_bases(int length)
   return text + "processor p { derivative = d" + std::to_string(length - 1) + "; }\n";
 }
 
+/// A layout with the statements.
+std::string laid_out(const std::string &statements)
+{
+  return architecture + "section_layout ::s { " + statements + " }\n";
+}
+
 std::vector<Row> rows()
 {
   return {
@@ -164,6 +201,30 @@ std::vector<Row> rows()
        "syntax error: one or more mappings from memory mem1 map outside of memory address range"},
       {"the quotient that wraps", sized("(-0x7FFFFFFFFFFFFFFF - 1) / -1"),
        "syntax error: one or more mappings from memory mem1 map outside of memory address range"},
+      {"groups 250 deep", laid_out(repeated("group (align = 4, priority = 2) ", 250) + "select;"),
+       "spec walked 252"},
+      {"groups and blocks", laid_out(repeated("group { ", 120) + "select;" + repeated("}", 120)),
+       "spec walked 242"},
+      {"blocks 250 deep", laid_out(repeated("{ ", 250) + repeated("}", 250)), "spec walked 251"},
+      {"conditions 250 deep", laid_out(repeated("if (1) ", 250) + "select;"), "spec walked 252"},
+      {"else 250 deep", laid_out(repeated("if (0) select; else ", 250) + "select;"),
+       "spec walked 252"},
+      {"sections 250 deep",
+       laid_out("section \"x\" (size = 1) { " + repeated("{ ", 250) + repeated("} ", 250) + "}"),
+       "spec walked 252"},
+      {"too many groups", laid_out(repeated("group ", 300) + "select;"), too_deep},
+      {"a million blocks", laid_out(repeated("{ ", 1000000)), too_deep},
+      {"a million else", laid_out(repeated("if (0) select; else ", 1000000) + "select;"), too_deep},
+      {"100,000 selections", laid_out(repeated("select \"name\"; ", 100000)), "spec walked 100001"},
+      {"a long condition", laid_out("if (1" + repeated(" + 1", 99999) + ") select;"),
+       "spec walked 3"},
+      {"a pattern of parentheses",
+       laid_out("select \"" + repeated("(", 100000) + "*" + repeated(")", 100000) + "\";"),
+       "spec walked 2"},
+      {"a pattern of a megabyte", laid_out("select \"" + repeated("?", 1000000) + "\";"),
+       "spec walked 2"},
+      {"a pattern of open sets", laid_out("select \"" + repeated("[", 1000000) + "\";"),
+       "syntax error: selection pattern error: unexpected end of input"},
       {"division by zero", sized("1 / 0"), "division by zero"},
       {"remainder by zero", sized("1 % 0"), "division by zero"},
   };
@@ -198,14 +259,15 @@ TEST(Limits, MappingsAtTheEndsOf64Bits)
 TEST(Limits, UnusualUnitsAreRefusedOrAnswered)
 {
   for (const std::string mau : {"-8", "0", "1", "3", "63", "65", "65536", "32768", "0x80000000",
-                                 "-2147483648", "0x100000008"})
+                                "-2147483648", "0x100000008"})
     for (const std::string width : {"-8", "0", "1", "64", "65536", "0x7FFFFFFF"}) {
       const std::string text =
           "architecture a { space s { id = 1; mau = " + mau +
           "; map (dest = bus:b, size = 16, src_dbits = -3..70, dest_dbits = 5..2); } bus b { mau "
           "= " +
           mau + "; width = " + width + "; } }\nmemory mem1 { mau = " + mau +
-          "; type = ram; size = 4; map (dest = bus:far, size = 4); } bus far { mau = 8; width = 8; }\n";
+          "; type = ram; size = 4; map (dest = bus:far, size = 4); } bus far { mau = 8; width = 8; "
+          "}\n";
       outcome(text);
     }
 }
