@@ -15,9 +15,6 @@ from pathlib import Path
 
 HEADERS = {"TDM_C_4.0": ["tdm.h"], "TDM_C_INSPECT_1.0": ["tdm_inspect.h"]}
 
-CXX_NODE = "TDM_C_CXX_4.0"
-FOREIGN = re.compile(r"_Z(T[VISH]|N?V?K?|GR)*(St|S[absiod]|5antlr|N5antlr|NSt|NKSt|9__gnu_cxx)")
-
 
 def without_comments(text):
     return re.sub(r"/\*.*?\*/|//[^\n]*", "", text, flags=re.S)
