@@ -17,8 +17,8 @@ namespace {
 
 class Building : public testing::Test {
 protected:
-  const tdm::ArgumentScope scope;
-  const EmptySpace space;
+  const tdm::ArgumentScope scope{};
+  const EmptySpace space{};
   tdm::SectionNames names;
   const std::string core = "c:k";
   const tdm::LayoutContext context{scope, space, nullptr, names, core};
