@@ -1,0 +1,211 @@
+// The stream as a whole: which files are found, in what order they come, what the lexer sees of
+// them, and that one input leaves nothing behind for the next.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "common/failures.h"
+#include "preprocess.h"
+#include "preprocessor/c_diag.h"
+#include "preprocessor/c_opt.h"
+#include "preprocessor/path_join.h"
+#include "preprocessor/preprocessed_file_input_stream.h"
+#include "preprocessor/preprocessor.h"
+
+namespace {
+
+using namespace std::string_literals;
+using tdm_test::Outcome;
+using tdm_test::preprocess;
+using tdm_test::Settings;
+using tdm_test::squeezed;
+
+TEST(PathJoin, FollowsItsRules)
+{
+  const struct {
+    const char *directory, *name, *path;
+  } rows[] = {
+      {"", "a", "a"},
+      {"d", "a", "d/a"},
+      {"d/", "a", "d/a"},
+      {"d//", "a", "d/a"},
+      {"/", "a", "/a"},
+      {"d", "/a", "/a"},
+      {"d", "//a/../b", "//a/../b"},
+      {"d", "c:a", "c:a"},
+      {"d", "\\a", "/a"},
+      {"d\\e", "f\\a", "d/e/f/a"},
+      {"d/e", "../a", "d/a"},
+      {"d/e", "../../a", "a"},
+      {"d/e", "../../../a", "../a"},
+      {"", "../a", "../a"},
+      {"..", "../a", "../../a"},
+      {"d", "./a", "d/a"},
+      {"d", "x/./../a", "d/a"},
+      {"d/.", "../a", "a"},
+      {".", "a", "./a"},
+      {".", "../a", "../a"},
+      {"d/f", "../", "d/"},
+      {"f", "../", ""},
+      {"/f", "../", "/"},
+      {"", "../include/", "../include/"},
+      {"../include/", "a", "../include/a"},
+      {"d", "", "d/"},
+      {"", "", ""},
+  };
+  for (const auto &row : rows)
+    EXPECT_EQ(path_join(row.directory, row.name), row.path) << row.directory << " + " << row.name;
+}
+
+TEST(Stream, ReadsFilesInOrderAsOneInput)
+{
+  Settings settings;
+  settings.inputs = {"a", "empty", "b", "c"};
+  settings.positions_with_file = true;
+  const Outcome outcome = preprocess({{"a", "#define A 1\n#if A\nx"},
+                                      {"empty", ""},
+                                      {"b", "A\n#include \"d\"\n/*"},
+                                      {"c", "y"},
+                                      {"d", "z\n#endif"}},
+                                     settings);
+  EXPECT_EQ(outcome.text, "\n\nx\n1\n\nz\n\n/*\n*/y\n");
+  EXPECT_EQ(outcome.tokens, "7@a:3:1<x> 9@b:1:1<1> 7@d:1:1<z> 7@c:1:1<y>");
+  EXPECT_EQ(outcome.messages, "b:3:1 E939 unterminated comment\n");
+  EXPECT_EQ(outcome.dependencies, (std::vector<std::string>{"a", "b", "c", "d", "empty"}));
+}
+
+TEST(Stream, FailsBeforeTheFirstFileIsReadWhenOneIsMissing)
+{
+  Settings settings;
+  settings.inputs = {"a", "none"};
+  Outcome outcome = preprocess({{"a", "#error no\n"}}, settings);
+  EXPECT_EQ(outcome.failure, "cannot open \"none\"");
+  EXPECT_EQ(outcome.messages, "");
+  EXPECT_TRUE(outcome.dependencies.empty());
+  settings.inputs = {"d"};
+  outcome = preprocess({{"d/x", ""}}, settings);
+  EXPECT_EQ(outcome.failure, "cannot open \"d\"");
+  EXPECT_NE(outcome.messages.find("E982 the file d could not be opened"), std::string::npos);
+}
+
+// Reads one file to its end; all of its text.
+std::string read_all(const std::string &name)
+{
+  std::string text;
+  try {
+    TDMPreprocessedFileInputStream stream({name}, nullptr);
+    for (int c; (c = stream.getChar()) != -1;) text += static_cast<char>(c);
+  } catch (TDMFileException *failure) {
+    text = failure->text();
+    delete failure;
+  }
+  return text;
+}
+
+class StreamInDirectory : public testing::Test {
+protected:
+  StreamInDirectory()
+  {
+    std::string pattern = (std::filesystem::temp_directory_path() / "tdm_ppXXXXXX").string();
+    directory_ = ::mkdtemp(pattern.data());
+    for (const char *name : {"one", "two", "three"})
+      std::filesystem::create_directory(directory_ + "/" + name);
+    tdm::preprocessor_start();
+  }
+  ~StreamInDirectory() override
+  {
+    tdm::preprocessor_end();
+    ::unsetenv("TDM PARSERINC");
+    std::filesystem::remove_all(directory_);
+  }
+
+  void write(const std::string &name, const std::string &content) const
+  {
+    std::ofstream(directory_ + "/" + name, std::ios::binary) << content;
+  }
+
+  std::string directory_;
+};
+
+TEST_F(StreamInDirectory, SearchesDirectoriesInOrder)
+{
+  write("one/a", "1");
+  write("two/a", "2");
+  write("two/b", "3");
+  write("three/c", "4");
+  EXPECT_EQ(read_all("a"), "cannot open \"a\"");
+  EXPECT_EQ(read_all(directory_ + "/one/a"), "1\n");
+  ::setenv("TDM PARSERINC", (directory_ + "/two;;" + directory_ + "/three,nowhere").c_str(), 1);
+  EXPECT_EQ(read_all("a"), "2\n");
+  EXPECT_EQ(read_all("c"), "4\n");
+  option_set_string(tdm::optINCDIR, directory_ + "/one");
+  EXPECT_EQ(read_all("a"), "1\n");
+  EXPECT_EQ(read_all("b"), "3\n");
+  EXPECT_EQ(read_all("../two/b"), "3\n");
+
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::create_directory(directory_ + "/include");
+  write("include/d", "5");
+  write("one/e", "6");
+  std::filesystem::current_path(directory_ + "/one");
+  EXPECT_EQ(read_all("d"), "5\n");
+  tdm::option_start();
+  EXPECT_EQ(read_all("e"), "cannot open \"e\"");
+  std::filesystem::current_path(before);
+}
+
+// What one input sets up goes with it; messages and option values go on.
+TEST_F(StreamInDirectory, InputsDoNotSeeEachOther)
+{
+  option_set_string(tdm::optINCDIR, directory_);
+  option_set_string(tdm::optDEFINE, "X=7");
+  write("a",
+        "X A B __FILE__\n#define A 1\n#define B(x) x\n#if 1\n#line 5 \"n\"\n#define C(x) x\nC(1");
+  const std::string first = read_all("a");
+  EXPECT_EQ(read_all("a"), first);
+  EXPECT_EQ(read_all("none"), "cannot open \"none\"");
+  {
+    TDMPreprocessedFileInputStream stream({"a"}, nullptr); // left in the middle of a call
+    for (int i = 0; i < 3; ++i) stream.getChar();
+  }
+  EXPECT_EQ(read_all("a"), first);
+  EXPECT_EQ(tdm::diag_error_count(), 6); // three times E930 and E928
+  EXPECT_EQ(tdm::diag_list('E').size(), 6U);
+  tdm::preprocessor_end();
+  tdm::preprocessor_start();
+  EXPECT_EQ(tdm::diag_error_count(), 0);
+  EXPECT_EQ(read_all("a"), "cannot open \"a\"");
+}
+
+// The lexer takes the position of a token when its first character has been handed out.
+TEST_F(StreamInDirectory, PositionIsThatOfTheTokenAtHand)
+{
+  write("a", "ab  c;\n\t\xff\x80\0d"s);
+  TDMPreprocessedFileInputStream stream({directory_ + "/a"}, nullptr);
+  const struct {
+    int line, column, character;
+  } rows[] = {{1, 1, 'a'}, {1, 1, 'b'},  {1, 3, ' '},  {1, 4, ' '}, {1, 5, 'c'},
+              {1, 6, ';'}, {1, 7, '\n'}, {2, 1, '\t'}, {2, 2, 255}, {2, 3, -128},
+              {2, 4, 0},   {2, 5, 'd'},  {2, 6, '\n'}, {3, 1, -1},  {3, 1, -1}};
+  for (const auto &row : rows) {
+    EXPECT_EQ(stream.getLine(), row.line);
+    EXPECT_EQ(stream.getColumn(), row.column);
+    EXPECT_EQ(stream.getFile(), directory_ + "/a");
+    EXPECT_EQ(stream.getChar(), row.character);
+  }
+}
+
+TEST_F(StreamInDirectory, TheEndStandsBehindTheNameThatLineGaveFirst)
+{
+  write("a", "#line 100 \"n\"\nx\ny\n#line 7 \"m\"\nz");
+  TDMPreprocessedFileInputStream stream({directory_ + "/a"}, nullptr);
+  while (stream.getChar() != -1) {
+  }
+  EXPECT_STREQ(stream.getFile(), "n");
+  EXPECT_EQ(stream.getLine(), 103);
+  EXPECT_EQ(stream.getColumn(), 1);
+}
+
+} // namespace
