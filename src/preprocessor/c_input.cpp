@@ -81,12 +81,15 @@ char *drop_unwanted(char *begin, char *end)
   return std::remove_if(begin, end, [](char c) { return c == '\r' || c == 0x1A; });
 }
 
-// Reads the next block behind the bytes that are left of the last one. A read error ends the file.
+// Reads the next block behind the bytes that are left of the last one. The byte in front of them
+// stays, too, since it may be given back. A read error ends the file.
 void read_block(TDMInputRecord &record)
 {
   const auto left = static_cast<std::size_t>(record.end - record.cursor);
-  if (left > 0) std::memmove(record.buffer, record.cursor, left);
-  char *fresh = record.buffer + left;
+  if (record.cursor != record.buffer) record.buffer[0] = record.cursor[-1];
+  char *begin = record.buffer + 1;
+  if (left > 0) std::memmove(begin, record.cursor, left);
+  char *fresh = begin + left;
   char *end = fresh;
   while (end == fresh && !record.exhausted) {
     const ssize_t count = ::read(record.handle, fresh, block_size);
@@ -98,7 +101,7 @@ void read_block(TDMInputRecord &record)
       end = drop_unwanted(fresh, fresh + count);
   }
   *end = 0;
-  record.cursor = record.buffer;
+  record.cursor = begin;
   record.end = end;
 }
 

@@ -248,6 +248,7 @@ const PpToken *start_directive(const PpToken &hash)
 {
   read_directive(hash.position);
   state.at_line_start = true;
+  if (state.line_end.number == tEOF) conditionals_end_of_input();
   if (!state.forwards) return &state.line_end;
   state.forwarding_hash.position = state.position;
   return &state.forwarding_hash;
@@ -285,7 +286,8 @@ const PpToken *treat(const PpToken *token, bool from_list, bool expand)
     note_line_end(*token);
     return token;
   case tEOF:
-    if (!from_list) conditionals_end_of_input();
+    // A directive may end with the input; its conditional is still at work then.
+    if (!from_list && !state.in_directive) conditionals_end_of_input();
     note_line_end(*token);
     return token;
   case tWHITE:

@@ -41,7 +41,7 @@ struct ExpansionWork {
   std::uint64_t allowed;
 };
 extern ExpansionWork expansion_work;
-constexpr std::uint64_t expansion_limit = 1 << 24;
+constexpr std::uint64_t expansion_limit = 1 << 22;
 constexpr std::uint64_t expansion_per_token = 64;
 
 } // namespace tdm

@@ -189,6 +189,13 @@ TEST(Directives, KeepConditionals)
       {"#if 0\n'a\n\"b\n/* #endif */ // #endif\n@ 0x\n#endif", "",
        "2:1 E938 unterminated character constant\n3:1 E941 unterminated string constant\n"},
       {"#if 0\n/* a\n#endif", "", "2:1 E939 unterminated comment\n1:1 E928 no matching #endif\n"},
+      {"#if 1 /* a", "",
+       "1:7 E939 unterminated comment\n2:1 E932 syntax error in #if/#elif expression\n"
+       "1:1 E928 no matching #endif\n"},
+      {"#if 1\na\n#endif /* b", "a", "3:8 E939 unterminated comment\n"},
+      {"#ifdef /* a", "",
+       "1:8 E939 unterminated comment\n"
+       "1:1 E923 missing identifier after #ifdef\n1:1 E928 no matching #endif\n"},
       {"#error  a \"b\"  c /* d */\n#error\n # warning x  y\n#if 0\n#error z\n#endif", "",
        "1:1 E901 #error a \"b\"  c /* d */\n2:1 E901 #error \n3:2 E980 #warning x  y\n"},
       {"#define A defined B\n#define D defined\n#define B\n#if A\na\n#endif\n#if D B\nb\n#endif",

@@ -221,7 +221,7 @@ TEST(Macros, GrowthBeyondReasonIsCutOff)
     empty += "#define a" + next + " a" + n + " a" + n + "\n";
     twice += "#define b" + next + "(x) b" + n + "(x) b" + n + "(x)\n";
   }
-  const std::string limit = " E955 macro expansion is too large, the limit is 16777216 tokens\n";
+  const std::string limit = " E955 macro expansion is too large, the limit is 4194304 tokens\n";
   Outcome outcome = preprocess(empty + "a40 x\na1 y");
   EXPECT_EQ(outcome.messages, "42:1" + limit);
   EXPECT_EQ(squeezed(outcome.text), "x a1 y");

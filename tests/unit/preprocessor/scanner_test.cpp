@@ -105,12 +105,15 @@ TEST(Scanner, RecognisesTokens)
 // Blocks end where they end: a token that crosses the border of two is the same token.
 TEST(Scanner, BlocksLeaveNoTrace)
 {
-  const std::string line = "ab 12 \"s?\" /* c\n */ <<= \\\n x ?\?( // d\n";
+  const std::string line = "ab 12 \"s?\" /* c\n */ <<= y? z\\w \\\n x ?\?( // d\n";
   const Outcome expected = preprocess(line);
   for (std::size_t shift = 32768 - line.size(); shift <= 32768; ++shift) {
     const Outcome outcome = preprocess(std::string(shift - 1, ' ') + "\n" + line);
     ASSERT_EQ(outcome.text.substr(shift), expected.text) << shift;
-    ASSERT_NE(outcome.tokens.find("63@3:5<<<=> 7@4:2<x> 19@4:6<[>"), std::string::npos)
+    ASSERT_NE(
+        outcome.tokens.find(
+            "63@3:5<<<=> 7@3:9<y> 55@3:10<?> 7@3:12<z> 1@3:13<\\> 7@3:14<w> 7@4:2<x> 19@4:6<[>"),
+        std::string::npos)
         << outcome.tokens;
   }
 }
