@@ -148,7 +148,15 @@ private:
     TextBuffer &text = scratch.text;
     text.clear();
     text.append('"');
-    for_each_token(argument.begin, argument.end, [&text](const PpToken &token) {
+    // What is left between two tokens when a macro between them expands to nothing is one blank.
+    bool blank = false;
+    for_each_token(argument.begin, argument.end, [&text, &blank](const PpToken &token) {
+      if (is_white(token.number) || token.number == tNEWLINE) {
+        blank = text.length() > 1;
+        return;
+      }
+      if (blank) text.append(' ');
+      blank = false;
       const bool quoted = token.number == tSTRING || token.number == tWSTRING ||
                           token.number == tCHAR || token.number == tWCHAR;
       if (!quoted) {
