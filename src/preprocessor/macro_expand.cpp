@@ -19,8 +19,10 @@
 // their own. And it must not take a time that grows with the square of the depth. For that
 //   - a collected argument carries links from each "(" to its commas and its ")", so the arguments
 //     of a call inside it are found without reading it again, and are slices of it, not copies;
-//   - what has been expanded is kept as a part that further lists refer to: reading it again could
-//     change nothing, but for a function-like name at its end, which stays outside.
+//   - what has been expanded is kept as parts that further lists refer to, as reading it again
+//   could
+//     change nothing. Only function-like names that may meet a "(" then stay outside: with
+//     `#define L (1)` the argument of f(g L) comes out as g (1), and that is a call of g.
 #include "preprocessor/macro_expand.h"
 
 #include "preprocessor/c_diag.h"
@@ -142,15 +144,6 @@ Begun begin(PpToken &name)
   return Begun::list;
 }
 
-// What must stay outside a part: a function-like name at the end, with the white space behind it.
-std::size_t length_done(const PpToken *items, std::size_t count)
-{
-  std::size_t end = count;
-  while (end > 0 && is_white(items[end - 1].number)) --end;
-  if (end == 0 || items[end - 1].number != tIDENT) return count;
-  return macro_lookup(items[end - 1].text) == nullptr ? count : end - 1;
-}
-
 void describe(TokenPart &part)
 {
   int depth = 0;
@@ -189,21 +182,70 @@ PpToken make_part(const PpToken *items, std::size_t count)
   return item;
 }
 
+// What an item begins with: the number of its first token that isn't white, or 0.
+int first_number(const PpToken &item)
+{
+  if (item.number == item_part) return part_of(item).first;
+  return is_white(item.number) ? 0 : item.number;
+}
+
+bool is_function_name(const PpToken &item)
+{
+  if (item.number != tIDENT) return false;
+  const TDMMacro *macro = macro_lookup(item.text);
+  return macro != nullptr && macro->function_like;
+}
+
+// Marks the names that may become calls when the items are read again: a function-like one that a
+// "(" has come to stand behind, or nothing yet, or another name that may become a call.
+void mark_loose_names(PpToken *items, std::size_t count)
+{
+  bool may_meet_parenthesis = true;
+  for (std::size_t i = count; i-- > 0;) {
+    const int number = first_number(items[i]);
+    items[i].link = 0;
+    if (number == 0) continue;
+    if (may_meet_parenthesis && is_function_name(items[i]))
+      items[i].link = 1;
+    else
+      may_meet_parenthesis = number == tLPAR;
+  }
+}
+
+void pack_run(const PpToken *begin, const PpToken *end, std::vector<PpToken> &packed)
+{
+  const auto count = static_cast<std::size_t>(end - begin);
+  if (count < smallest_part)
+    packed.insert(packed.end(), begin, end);
+  else
+    packed.push_back(make_part(begin, count));
+}
+
+// The items with all that is done with in parts.
+void pack(PpToken *items, std::size_t count, std::vector<PpToken> &packed)
+{
+  packed.clear();
+  mark_loose_names(items, count);
+  const PpToken *run = items;
+  for (const PpToken *item = items; item != items + count; ++item) {
+    if (item->link == 0) continue;
+    pack_run(run, item, packed);
+    packed.push_back(*item);
+    packed.back().link = 0;
+    run = item + 1;
+  }
+  pack_run(run, items + count, packed);
+}
+
 // Takes what came out of an argument off the output.
 void finish_argument(MacroCall &call)
 {
   MacroArgument &argument = expansion.arguments[call.first_argument + call.next - 1];
-  PpToken *items = expansion.output.data() + call.output_start;
-  std::size_t count = expansion.output.size() - call.output_start;
-  const std::size_t done = length_done(items, count);
-  if (done >= smallest_part) {
-    // In place of the done ones stands the part, directly in front of the rest.
-    items[done - 1] = make_part(items, done);
-    items += done - 1;
-    count -= done - 1;
-  }
-  argument.expanded = expansion.memory.copy(items, count);
-  argument.expanded_count = count;
+  std::vector<PpToken> &packed = expansion.result;
+  pack(expansion.output.data() + call.output_start, expansion.output.size() - call.output_start,
+       packed);
+  argument.expanded = expansion.memory.copy(packed.data(), packed.size());
+  argument.expanded_count = packed.size();
   expansion.output.resize(call.output_start);
   call.reading = false;
 }

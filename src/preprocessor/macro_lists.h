@@ -50,7 +50,7 @@ struct ExpansionState {
   std::vector<MacroCall> calls;
   std::vector<MacroArgument> arguments; ///< of all calls, the innermost call's last
   std::vector<PpToken> output;          ///< what has come out of arguments being expanded, likewise
-  std::vector<PpToken> result;          ///< of the substitution at work
+  std::vector<PpToken> result;          ///< scratch: of the substitution or argument at work
   TokenMemory memory;
   bool forwarding;
   bool exhausted; ///< the limit was met: nothing is expanded any more

@@ -16,8 +16,8 @@ namespace tdm {
 constexpr int item_part = -1;
 
 /// Tokens that macro expansion is done with: reading them again could not change them, so a list
-/// that holds them refers to them. (A name at the end of an argument that might find its "(" later
-/// is never in a part.)
+/// that holds them refers to them. (A function-like name that might meet a "(" later is never in a
+/// part.)
 struct TokenPart {
   const PpToken *items;
   std::size_t count;

@@ -94,7 +94,8 @@ private:
   {
     const std::string macro = name();
     std::string text = "#undef " + macro + "\n#define " + macro;
-    if (chance(45)) return text + " " + body({}, false) + "\n";
+    if (chance(15)) return text + " " + one_of({"", "(1)", "(a,b)", "f (2)", "g g"}) + "\n";
+    if (chance(35)) return text + " " + body({}, false) + "\n";
     std::vector<std::string> parameters = {"p", "q", "r"};
     parameters.resize(static_cast<std::size_t>(number(0, 3)));
     std::string list;

@@ -40,6 +40,9 @@ TEST(Macros, ExpandAsTheStandardHasIt)
       {"#define f(x) x\nf(f(f(1)))", "1", ""},
       {"#define f(x) [x]\n#define g f\ng(1) g (2)", "[1] [2]", ""},
       {"#define f(x) x f\nf(1)(2)(3)", "1 f(2)(3)", ""},
+      {"#define c(p) [p]\n#define L (1)\n#define i(p) p\n#define n(p) (p L)\n"
+       "i(c L) i(i(c c L)) n(n(c)) i(c i L) i(i(c)(2)) i(1 2 3 4 5 c L 1 2 3 4 5 c)(6)",
+       "[1] c [1] (([1]) (1)) c i (1) [2] 1 2 3 4 5 [1] 1 2 3 4 5 [6]", ""},
       {"#define g(x) g(x+1)\ng(g(1))", "g(g(1+1)+1)", ""},
       {"#define f(x,y) y x\nf((1,2), (3))", "(3) (1,2)", ""},
       {"#define f(x,y) <x|y>\nf(,) f( , ) f(1,)", "<|> <|> <1|>", ""},
