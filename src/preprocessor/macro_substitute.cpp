@@ -145,33 +145,32 @@ private:
 
   void make_string(MacroArgument &argument) const
   {
-    TextBuffer &text = scratch.text;
-    text.clear();
-    text.append('"');
+    scratch.text.clear();
+    scratch.text.append('"');
     // What is left between two tokens when a macro between them expands to nothing is one blank.
     bool blank = false;
-    for_each_token(argument.begin, argument.end, [&text, &blank](const PpToken &token) {
+    for_each_token(argument.begin, argument.end, [&blank](const PpToken &token) {
       if (is_white(token.number) || token.number == tNEWLINE) {
-        blank = text.length() > 1;
+        blank = scratch.text.length() > 1;
         return;
       }
-      if (blank) text.append(' ');
+      if (blank) scratch.text.append(' ');
       blank = false;
       const bool quoted = token.number == tSTRING || token.number == tWSTRING ||
                           token.number == tCHAR || token.number == tWCHAR;
       if (!quoted) {
-        text.append(token.view());
+        scratch.text.append(token.view());
         return;
       }
       for (const char c : token.view()) {
-        if (c == '\\' || c == '"') text.append('\\');
-        text.append(c);
+        if (c == '\\' || c == '"') scratch.text.append('\\');
+        scratch.text.append(c);
       }
     });
-    text.append('"');
-    argument.string = intern(text.view());
-    argument.string_length = text.length();
-    count_work(text.length() / text_per_token, call_.name.position);
+    scratch.text.append('"');
+    argument.string = intern(scratch.text.view());
+    argument.string_length = scratch.text.length();
+    count_work(scratch.text.length() / text_per_token, call_.name.position);
   }
 
   // ---- ## ----

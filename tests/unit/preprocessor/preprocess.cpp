@@ -91,6 +91,7 @@ Outcome preprocess(const std::vector<File> &files, const Settings &settings)
   tdm::preprocessor_start();
   for (const std::string &define : settings.defines) option_set_string(tdm::optDEFINE, define);
   option_set_string(tdm::optINCDIR, directory.path());
+  if (settings.prepare) settings.prepare();
   std::set<std::string> dependencies;
   try {
     TDMPreprocessedFileInputStream stream(settings.inputs, &dependencies);

@@ -1,6 +1,7 @@
 // Runs the preprocessor over small files and tells what came out, for the tests of this floor.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,6 +23,7 @@ struct Outcome {
 struct Settings {
   std::vector<std::string> defines;
   std::vector<std::string> inputs = {"main"}; ///< names of the files to read
+  std::function<void()> prepare;              ///< run before the input is opened
   bool positions_with_file = false;           ///< `file:line:column` in tokens and messages
 };
 

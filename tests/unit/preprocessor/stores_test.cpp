@@ -187,7 +187,7 @@ TEST(WideValue, HasEightyBits)
   EXPECT_TRUE(bottom / -1 == bottom); // wraps
   EXPECT_TRUE((bottom % -1).is_zero());
   EXPECT_TRUE(bottom * 2 == 0);
-  EXPECT_TRUE(bottom >> 79 == -1);
+  EXPECT_TRUE((bottom >> 79) == -1);
   EXPECT_TRUE((one << 40) * (one << 39) == bottom);
   EXPECT_TRUE(TDMWideValue(-1).narrowed(true) == (one << 64) - 1);
   EXPECT_TRUE((one << 63).narrowed(false) < 0);
