@@ -8,7 +8,7 @@ namespace tdm {
 
 namespace {
 
-// clang-format keeps one row together; formats stay in one piece so that a text can be searched.
+// Formats stay in one piece, so that a text can be searched.
 constexpr DiagRow catalogue[diag_message_count] = {
     {S_assertion_failed, "S_assertion_failed", 'S', 600, "assertion failed at \"%s\", line %d",
      "A check of the library itself has failed. No input should be able to cause this; please "

@@ -30,7 +30,7 @@ enum class Start : std::uint8_t {
 // What a byte may be part of.
 enum Part : std::uint8_t {
   in_name = 1,       // letters, digits, "_"
-  is_digit = 2,      //
+  is_digit = 2,      // 0 to 9
   stops_string = 4,  // quotes, newline, and what needs the other road
   stops_comment = 8, // "*", "/", and what needs a look or the other road
   stops_line = 16,   // newline, and what needs the other road
