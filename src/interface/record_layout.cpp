@@ -62,4 +62,29 @@ static_assert(sizeof(tdm_inspect_message) == 48 && offsetof(tdm_inspect_message,
               offsetof(tdm_inspect_message, text) == 32 &&
               offsetof(tdm_inspect_message, note) == 40);
 
+// Of the records of the additive readers, whose fields stand side by side in their natural layout,
+// the sizes and one place behind all padding are enough.
+static_assert(sizeof(tdm_inspect_required_symbol) == 16);
+static_assert(sizeof(tdm_inspect_mapping) == 240 &&
+              offsetof(tdm_inspect_mapping, source_interval) == 96);
+static_assert(sizeof(tdm_inspect_start_address) == 24);
+static_assert(sizeof(tdm_inspect_copy_destination) == 16);
+static_assert(sizeof(tdm_inspect_copy_table) == 40);
+static_assert(sizeof(tdm_inspect_direct_init) == 24);
+static_assert(sizeof(tdm_inspect_bank_def) == 11 * pointer);
+static_assert(sizeof(tdm_inspect_assignment) == 24);
+static_assert(sizeof(tdm_inspect_create_section) == 5 * pointer);
+static_assert(sizeof(tdm_inspect_memory_copy) == 3 * pointer);
+static_assert(sizeof(tdm_inspect_struct_member) == 16);
+static_assert(sizeof(tdm_inspect_group) == 112 && offsetof(tdm_inspect_group, alignment) == 56);
+static_assert(sizeof(tdm_inspect_expression_range) == 2 * pointer);
+static_assert(sizeof(tdm_inspect_group_location) == 56 &&
+              offsetof(tdm_inspect_group_location, group) == 32);
+static_assert(sizeof(tdm_inspect_location_range) == 4 * pointer);
+static_assert(sizeof(tdm_inspect_statement_env) == 112 &&
+              offsetof(tdm_inspect_statement_env, alignment) == 56);
+static_assert(sizeof(tdm_inspect_vector_table) == 72 &&
+              offsetof(tdm_inspect_vector_table, default_value) == 56);
+static_assert(sizeof(tdm_inspect_id_run) == 8);
+
 } // namespace

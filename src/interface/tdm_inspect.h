@@ -8,6 +8,9 @@
 
 #include <stdint.h>
 
+#include <tdm_c/tdm_inspect_layout.h>
+#include <tdm_c/tdm_inspect_model.h>
+#include <tdm_c/tdm_inspect_types.h>
 #include <tdm_c/tdm_types.h>
 
 /** The version of this header, to be compared in the preprocessor; 10000 is 1.0. */

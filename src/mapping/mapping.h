@@ -70,6 +70,9 @@ struct TDMMapping : TDMObject {
   [[nodiscard]] TDMMapDestination *destination() const { return destination_; }
   [[nodiscard]] tdm::NodeKind source_kind() const { return source_end_.kind; }
   [[nodiscard]] tdm::NodeKind destination_kind() const { return destination_end_.kind; }
+  /// Data lines of the ends, connected or not.
+  [[nodiscard]] int32_t source_width() const { return source_end_.width; }
+  [[nodiscard]] int32_t destination_width() const { return destination_end_.width; }
   /// The source as what mappings reach, and the destination as what mappings leave: the next node
   /// of a walk, or null where it ends.
   [[nodiscard]] TDMMapDestination *source_as_destination() const { return source_onward_; }

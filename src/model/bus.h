@@ -43,6 +43,11 @@ struct TDMBus : TDMMapSource, TDMMapDestination, TDMObject {
   const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
 
   [[nodiscard]] std::string full_name() const;
+  /// Those that the definition of this object states, whichever way they go.
+  [[nodiscard]] const std::vector<std::unique_ptr<TDMMapping>> &own_mappings() const
+  {
+    return owned_;
+  }
 
   std::string name;
   const std::string *core_name = nullptr;      ///< the name of the core that it belongs to

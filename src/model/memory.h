@@ -36,6 +36,11 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   const std::vector<TDMMapping *> &incoming_mappings() const override { return mappings_; }
 
   [[nodiscard]] std::string full_name() const;
+  /// Those that the definition of this object states, whichever way they go.
+  [[nodiscard]] const std::vector<std::unique_ptr<TDMMapping>> &own_mappings() const
+  {
+    return owned_;
+  }
   /// The whole memory, [0, size) in its own MAUs.
   [[nodiscard]] Interval address_range() const;
 

@@ -58,6 +58,11 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   TDMSpace &operator=(const TDMSpace &) = delete;
 
   [[nodiscard]] std::string full_name() const;
+  /// Those that the definition of this object states, whichever way they go.
+  [[nodiscard]] const std::vector<std::unique_ptr<TDMMapping>> &own_mappings() const
+  {
+    return owned_;
+  }
   [[nodiscard]] const Interval &valid_interval() const { return valid_interval_; }
   /// The space as layouts see it.
   [[nodiscard]] const tdm::LayoutSpace &layout_view() const { return view_; }
