@@ -403,7 +403,7 @@ int main(int argc, char **argv)
   const tdm_core *core;
   const char *dependency = NULL;
   tdm_spec *spec;
-  if (argc != 3) return 2;
+  if (argc != 4) return 2;
   files[0] = argv[1];
 
   before_the_start();
@@ -444,6 +444,7 @@ int main(int argc, char **argv)
   tdm_cleanup();
   messages(argv[1]);
   walk(argv[2]);
+  sequences(argv[3]);
   if (failures > 0) printf("%d differences\n", failures);
   return failures > 0 ? 1 : 0;
 }

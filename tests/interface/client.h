@@ -30,4 +30,7 @@ tdm_arr array_of(void *items, uint32_t count);
 /* Walks, and selects sections. */
 void walk(const char *file);
 
+/* Compares the calls of whole walks. */
+void sequences(const char *file);
+
 #endif
