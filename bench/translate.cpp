@@ -1,115 +1,103 @@
-// The cost of a translation: one address over one mapping, over four hops, and past a thousand
-// mappings that don't match.
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <string>
-#include <unistd.h>
+// The cost of a translation, on a description of the generator's profile `memories`: from the space
+// of a core over its buses to a global memory, and back.
+//
+//     bench_translate [--count] FILE
+//
+// A unit is one translation: the call, and giving back its results.
+#include <string_view>
 
-#include <benchmark/benchmark.h>
-#include <tdm_c/tdm.h>
+#include "measured.h"
 
 namespace {
 
-const char *const text = R"(
-architecture arch {
-  space direct { id = 1; mau = 8; map (dest = bus:local, size = 64k); }
-  space far { id = 2; mau = 8; map (dest = space:direct, size = 64k); }
-  bus local { mau = 8; width = 32; map (dest = bus:inner, size = 16M); }
-  bus inner { mau = 8; width = 32; }
-  space wide { id = 3; mau = 8; map (dest = bus:inner, size = 16M); }
-}
-derivative chip {
-  core c { architecture = arch; }
-  memory near { mau = 8; size = 64k; type = ram; map (dest = bus:c:inner, size = 64k); }
-)";
+constexpr std::size_t calls = 1000;
 
-/// A description with one memory that is found and many on the same bus that are not.
-std::string description(int others)
-{
-  std::string whole = text;
-  for (int i = 0; i < others; ++i)
-    whole += "  memory m" + std::to_string(i) +
-             " { mau = 8; size = 4k; type = ram; map (dest = bus:c:inner, dest_offset = " +
-             std::to_string(0x20000 + i * 0x1000) + ", size = 4k); }\n";
-  return whole + "}\nprocessor p { derivative = chip; }\n";
-}
-
-class Description {
-public:
-  explicit Description(int others)
-  {
-    const std::string path = "/tmp/bench_translate_" + std::to_string(getpid()) + ".tdm";
-    std::ofstream(path) << description(others);
-    const char *name = path.c_str();
-    tdm_arr files = {sizeof(char *), 1, 1, &name};
-    tdm_arr none = {sizeof(char *), 0, 0, nullptr};
-    tdm_init(nullptr);
-    spec_ = tdm_parse_file(&files, &none);
-    std::remove(path.c_str());
-    if (spec_ == nullptr) {
-      std::fprintf(stderr, "%s\n", tdm_get_last_error());
-      std::exit(1);
-    }
-  }
-  ~Description()
-  {
-    tdm_spec_free(spec_);
-    tdm_cleanup();
-  }
-  Description(const Description &) = delete;
-  Description &operator=(const Description &) = delete;
-
-  [[nodiscard]] const tdm_space *space(const char *name) const
-  {
-    return tdm_core_get_space_by_name(
-        tdm_processor_get_core(tdm_spec_get_processor(spec_, "p"), "c"), name);
-  }
-
-private:
-  tdm_spec *spec_;
+struct Place {
+  const tdm_memory *memory;
+  tdm_addressvalue in_memory;
+  const tdm_space *space;
+  tdm_addressvalue in_space;
 };
 
-void one_step(benchmark::State &state)
+tdm_interval span(const tdm_addressvalue &from, int64_t size)
 {
-  const Description description(0);
-  const tdm_space *space = description.space("direct");
-  const tdm_addressvalue address = {0x1234, 0, 8, -1};
-  for (auto step : state) {
-    tdm_arr *results = nullptr;
-    benchmark::DoNotOptimize(tdm_space_map_addressvalue_forward(space, &address, &results));
-    tdm_arr_del(results);
-  }
+  tdm_interval all{from, from, 1, 1, 0x10000, 0x10000};
+  all.high.value += size;
+  return all;
 }
-BENCHMARK(one_step);
 
-void to_memory(benchmark::State &state)
+/// An address in some of the memories, and where the space shows it.
+std::vector<Place> places(const bench::Description &description)
 {
-  const Description description(static_cast<int>(state.range(0)));
-  const tdm_space *space = description.space("far");
-  const tdm_addressvalue address = {0x1234, 0, 8, -1};
-  for (auto step : state) {
+  std::vector<Place> found;
+  for (const tdm_memory *memory : bench::sample(description.memories(), calls)) {
+    Place place{memory, {0x10, 0, tdm_memory_get_mausize(memory), -1}, nullptr, {}};
     tdm_arr *results = nullptr;
-    benchmark::DoNotOptimize(
-        tdm_space_map_addressvalue_forward_to_memory(space, &address, &results));
+    tdm_memory_map_addressvalue_backward_to_space(memory, &place.in_memory, &results);
+    const auto *each = static_cast<tdm_map_address_result *>(results->items);
+    for (uint32_t i = 0; i < results->count; ++i) {
+      const tdm_space *space =
+          tdm_mapsource_get_space(static_cast<tdm_mapsource *>(each[i].object));
+      if (std::string_view(tdm_space_get_name(space)) != "linear") continue;
+      place.space = space;
+      place.in_space = each[i].address;
+    }
     tdm_arr_del(results);
+    bench::require(place.space != nullptr, "a memory that no space shows");
+    found.push_back(place);
   }
+  return found;
 }
-BENCHMARK(to_memory)->Arg(0)->Arg(1000)->Arg(3000);
 
-void interval_to_memory(benchmark::State &state)
+template <class Translate> void each(const std::vector<Place> &all, Translate translate)
 {
-  const Description description(0);
-  const tdm_space *space = description.space("far");
-  const tdm_interval interval = {{0x100, 0, 8, -1}, {0x200, 0, 8, -1}, 1, 1, 0x10000, 0x10000};
-  for (auto step : state) {
+  for (const Place &place : all) {
     tdm_arr *results = nullptr;
-    benchmark::DoNotOptimize(tdm_space_map_interval_forward_to_memory(space, &interval, &results));
+    bench::require(translate(place, &results) == 1, "nothing is reached");
     tdm_arr_del(results);
   }
 }
-BENCHMARK(interval_to_memory);
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char **argv)
+{
+  const bench::Program program(argc, argv);
+  bench::require(program.arguments().size() == 1, "bench_translate [--count] FILE");
+  const bench::Description description(program.arguments()[0]);
+  const std::vector<Place> all = places(description);
+  const auto measured = [&all](const char *name, auto translate) {
+    return bench::Case{name, all.size(), [&all, translate] { each(all, translate); }};
+  };
+  program.run({
+      measured("address forward one step",
+               [](const Place &at, tdm_arr **results) {
+                 return tdm_space_map_addressvalue_forward(at.space, &at.in_space, results);
+               }),
+      measured("address forward to memory",
+               [](const Place &at, tdm_arr **results) {
+                 return tdm_space_map_addressvalue_forward_to_memory(at.space, &at.in_space,
+                                                                     results);
+               }),
+      measured("interval forward to memory",
+               [](const Place &at, tdm_arr **results) {
+                 const tdm_interval part = span(at.in_space, 0x100);
+                 return tdm_space_map_interval_forward_to_memory(at.space, &part, results);
+               }),
+      measured("address backward to buses",
+               [](const Place &at, tdm_arr **results) {
+                 return tdm_memory_map_addressvalue_backward_to_bus(at.memory, &at.in_memory,
+                                                                    results);
+               }),
+      measured("address backward to spaces",
+               [](const Place &at, tdm_arr **results) {
+                 return tdm_memory_map_addressvalue_backward_to_space(at.memory, &at.in_memory,
+                                                                      results);
+               }),
+      measured("interval backward to spaces",
+               [](const Place &at, tdm_arr **results) {
+                 const tdm_interval part = span(at.in_memory, 0x100);
+                 return tdm_memory_map_interval_backward_to_space(at.memory, &part, results);
+               }),
+  });
+}
