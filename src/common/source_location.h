@@ -1,7 +1,11 @@
 // Where something stands in the user's files, and the table that an object keeps of such places.
 #pragma once
 
+#include <cstddef>
 #include <cstring>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,8 +35,9 @@ private:
   const char *text_;
 };
 
-/// The locations of one object, in the order in which they were stored. Objects have a dozen keys
-/// at the most, so a flat list beats any tree, in memory and in time.
+/// The locations of one object, in the order in which they were stored. Most objects have a dozen
+/// keys at the most, and for these a flat list beats any tree, in memory and in time. But where
+/// keys are names of the text, as in copy tables, there is no end to them: a long list is indexed.
 class SourceLocations {
 public:
   using Entry = std::pair<LocationKey, TDMSourceLocation>;
@@ -46,6 +51,7 @@ public:
   /// The location under the key, or null. The pointer stays valid until the next store.
   [[nodiscard]] const TDMSourceLocation *find(LocationKey key) const
   {
+    if (entries_.size() > flat_limit) return find_indexed(key);
     for (const Entry &entry : entries_)
       if (entry.first == key) return &entry.second;
     return nullptr;
@@ -54,5 +60,37 @@ public:
   [[nodiscard]] const std::vector<Entry> &entries() const { return entries_; }
 
 private:
+  static constexpr std::size_t flat_limit = 32;
+
+  /// The places of the keys in the list, as far as it has been looked through. A copy starts
+  /// without it.
+  struct Index {
+    Index() = default;
+    Index(const Index &) {}
+    Index(Index &&) = default;
+    Index &operator=(const Index &)
+    {
+      places.reset();
+      return *this;
+    }
+    Index &operator=(Index &&) = default;
+    ~Index() = default;
+
+    std::unique_ptr<std::unordered_map<std::string_view, std::size_t>> places;
+  };
+
+  [[nodiscard]] const TDMSourceLocation *find_indexed(LocationKey key) const
+  {
+    auto &places = index_.places;
+    if (places == nullptr)
+      places = std::make_unique<std::unordered_map<std::string_view, std::size_t>>();
+    // Every key stands in the list once.
+    for (std::size_t i = places->size(); i < entries_.size(); ++i)
+      places->emplace(entries_[i].first.text(), i);
+    const auto found = places->find(key.text());
+    return found != places->end() ? &entries_[found->second].second : nullptr;
+  }
+
   std::vector<Entry> entries_;
+  mutable Index index_;
 };
