@@ -1,5 +1,5 @@
-// A list sorted by beginnings is a balanced tree by itself: the middle of a part is its root. The
-// recursion is as deep as the logarithm of the length.
+// The mappings of one bank, sorted by beginnings, are a balanced tree by themselves: the middle of
+// a part is its root. The recursion is as deep as the logarithm of the length.
 #include "mapping/mapping_index.h"
 
 #include <algorithm>
@@ -24,12 +24,16 @@ MappingIndex::MappingIndex(const std::vector<TDMMapping *> &list, MapDirection d
   entries_.reserve(list.size());
   for (const TDMMapping *mapping : list) {
     const Interval &span = near_interval(*mapping, direction);
-    entries_.push_back(
-        {span.low.value, span.high.value, 0, static_cast<uint32_t>(entries_.size())});
+    entries_.push_back({std::max(span.low.bank, -1), span.low.value, span.high.value, 0,
+                        static_cast<uint32_t>(entries_.size())});
   }
-  std::sort(entries_.begin(), entries_.end(),
-            [](const Entry &a, const Entry &b) { return a.low < b.low; });
-  set_greatest_high(0, entries_.size());
+  std::sort(entries_.begin(), entries_.end(), [](const Entry &a, const Entry &b) {
+    return a.bank != b.bank ? a.bank < b.bank : a.low < b.low;
+  });
+  for (size_t begin = 0, end = 0; begin < entries_.size(); begin = end) {
+    while (end < entries_.size() && entries_[end].bank == entries_[begin].bank) ++end;
+    set_greatest_high(begin, end);
+  }
 }
 
 int64_t MappingIndex::set_greatest_high(size_t begin, size_t end)
@@ -43,23 +47,37 @@ int64_t MappingIndex::set_greatest_high(size_t begin, size_t end)
   return entry.greatest_high;
 }
 
-void MappingIndex::find(int64_t low, int64_t high, std::vector<uint32_t> &positions) const
+void MappingIndex::find(const Reach &reach, std::vector<uint32_t> &positions) const
 {
   positions.clear();
-  find(0, entries_.size(), low, high, positions);
+  find_in_bank(-1, reach, positions);
+  if (reach.bank >= 0) find_in_bank(reach.bank, reach, positions);
   std::sort(positions.begin(), positions.end());
 }
 
-void MappingIndex::find(size_t begin, size_t end, int64_t low, int64_t high,
+void MappingIndex::find_in_bank(int32_t bank, const Reach &reach,
+                                std::vector<uint32_t> &positions) const
+{
+  const auto begin =
+      std::lower_bound(entries_.begin(), entries_.end(), bank,
+                       [](const Entry &entry, int32_t wanted) { return entry.bank < wanted; });
+  const auto end =
+      std::upper_bound(begin, entries_.end(), bank,
+                       [](int32_t wanted, const Entry &entry) { return wanted < entry.bank; });
+  find(static_cast<size_t>(begin - entries_.begin()), static_cast<size_t>(end - entries_.begin()),
+       reach, positions);
+}
+
+void MappingIndex::find(size_t begin, size_t end, const Reach &reach,
                         std::vector<uint32_t> &positions) const
 {
   while (begin < end) {
     const size_t middle = begin + (end - begin) / 2;
     const Entry &entry = entries_[middle];
-    if (entry.greatest_high < low) return;
-    find(begin, middle, low, high, positions);
-    if (entry.low > high) return;
-    if (entry.high >= low) positions.push_back(entry.position);
+    if (entry.greatest_high < reach.low) return;
+    find(begin, middle, reach, positions);
+    if (entry.low > reach.high) return;
+    if (entry.high >= reach.low) positions.push_back(entry.position);
     begin = middle + 1;
   }
 }

@@ -1,9 +1,9 @@
 // Finds, among the many mappings of one node, those whose span a value may meet: a list of mappings
-// sorted by the beginning of their spans, with the greatest end of each part of the list.
+// sorted by their banks and the beginning of their spans, with the greatest end of each part.
 //
-// The index looks at whole MAUs alone, both ends counted in, and not at banks, data lines or bits:
-// it may give too much, never too little. A complete mapping never changes, so an index stays true
-// until its list grows.
+// The index looks at banks and whole MAUs alone, both ends counted in, and not at data lines or
+// bits: it may give too much, never too little. A complete mapping never changes, so an index stays
+// true until its list grows.
 #pragma once
 
 #include <cstdint>
@@ -23,10 +23,18 @@ enum class MapDirection : uint8_t { forward, backward };
                                             : mapping.destination_interval();
 }
 
-/// Whether the whole MAUs of the span meet [low, high], both included.
-[[nodiscard]] inline bool may_meet(const Interval &span, int64_t low, int64_t high)
+/// Values of one bank, as an index looks at them: [low, high] in whole MAUs, both included.
+struct Reach {
+  int32_t bank;
+  int64_t low;
+  int64_t high;
+};
+
+/// A span without a bank may meet values of every bank.
+[[nodiscard]] inline bool may_meet(const Interval &span, const Reach &reach)
 {
-  return span.low.value <= high && span.high.value >= low;
+  return (span.low.bank < 0 || span.low.bank == reach.bank) && span.low.value <= reach.high &&
+         span.high.value >= reach.low;
 }
 
 class MappingIndex {
@@ -39,11 +47,12 @@ public:
   [[nodiscard]] static const MappingIndex *of(const std::vector<TDMMapping *> &list,
                                               MapDirection direction);
 
-  /// Positions in the list of the mappings that may meet [low, high], in ascending order.
-  void find(int64_t low, int64_t high, std::vector<uint32_t> &positions) const;
+  /// Positions in the list of the mappings that may meet the values, in ascending order.
+  void find(const Reach &reach, std::vector<uint32_t> &positions) const;
 
 private:
   struct Entry {
+    int32_t bank; ///< -1 for none
     int64_t low;
     int64_t high;
     int64_t greatest_high; ///< of the part of the list whose middle this is
@@ -53,8 +62,9 @@ private:
   MappingIndex(const std::vector<TDMMapping *> &list, MapDirection direction);
 
   int64_t set_greatest_high(size_t begin, size_t end);
-  void find(size_t begin, size_t end, int64_t low, int64_t high,
-            std::vector<uint32_t> &positions) const;
+  /// Appends what is found among the mappings of one bank, -1 for those without.
+  void find_in_bank(int32_t bank, const Reach &reach, std::vector<uint32_t> &positions) const;
+  void find(size_t begin, size_t end, const Reach &reach, std::vector<uint32_t> &positions) const;
 
   std::vector<Entry> entries_;
 };

@@ -92,18 +92,17 @@ void append_hops(const typename Way::Node &node, const Value &value, std::vector
     if (Way::cross(mapping, value, out)) hops.push_back({&mapping, out});
   };
 
-  const int64_t low = low_of(value).value;
-  const int64_t high = high_of(value).value;
+  const Reach reach{low_of(value).bank, low_of(value).value, high_of(value).value};
   if (low_of(value).bank != high_of(value).bank) {
     // A span over several banks holds all values of the banks between its ends.
     for (const TDMMapping *mapping : list) try_mapping(*mapping);
   } else if (const MappingIndex *index = MappingIndex::of(list, Way::direction)) {
     std::vector<uint32_t> positions;
-    index->find(low, high, positions);
+    index->find(reach, positions);
     for (const uint32_t position : positions) try_mapping(*list[position]);
   } else {
     for (const TDMMapping *mapping : list)
-      if (may_meet(near_interval(*mapping, Way::direction), low, high)) try_mapping(*mapping);
+      if (may_meet(near_interval(*mapping, Way::direction), reach)) try_mapping(*mapping);
   }
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <unordered_map>
+#include <utility>
 
 #include "common/failures.h"
 #include "mapping/interval_set.h"
@@ -59,6 +61,56 @@ private:
   std::vector<std::pair<TDMMapDestination *, DistinctIntervals>> memories_;
 };
 
+/// Which members are worth a walk back from a memory: of a few all; of many those that one walk to
+/// all spaces finds, so that the walks don't multiply with the members.
+class MembersInReach {
+public:
+  explicit MembersInReach(const std::vector<TDMSpace *> &members) : members_(members)
+  {
+    if (members.size() <= few) return;
+    for (size_t i = 0; i < members.size(); ++i) numbers_.emplace(members[i], i);
+  }
+
+  /// In the order of the members; all that reach the interval, and perhaps more.
+  [[nodiscard]] std::vector<TDMSpace *> of(const TDMMapDestination &memory,
+                                           const Interval &interval) const
+  {
+    if (members_.size() <= few) return members_;
+    std::set<size_t> found;
+    for (const auto &route : tdm::map_back_to(tdm::NodeKind::space, memory, interval))
+      if (const auto number = numbers_.find(route.object); number != numbers_.end())
+        found.insert(number->second);
+    std::vector<TDMSpace *> in_reach;
+    in_reach.reserve(found.size());
+    for (const size_t number : found) in_reach.push_back(members_[number]);
+    return in_reach;
+  }
+
+private:
+  static constexpr size_t few = 8;
+
+  const std::vector<TDMSpace *> &members_;
+  std::unordered_map<const TDMMapSource *, size_t> numbers_;
+};
+
+using Connections = std::vector<std::pair<Interval, TDMSpace *>>;
+
+/// One for each address at which members reach the interval; where several do so at overlapping
+/// addresses, the last of them gets it.
+void append_connections(const TDMMapDestination &memory, const Interval &interval,
+                        const MembersInReach &members, Connections &connections)
+{
+  std::multimap<Interval, TDMSpace *, tdm::IntervalBefore> routes;
+  for (TDMSpace *space : members.of(memory, interval))
+    for (const auto &route : tdm::map_back_to_object<Interval>(*space, memory, interval))
+      routes.emplace(route.value, space);
+  while (!routes.empty()) {
+    const auto first = routes.begin();
+    if (routes.count(first->first) == 1) connections.emplace_back(*first);
+    routes.erase(first);
+  }
+}
+
 } // namespace
 
 TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, const std::string &core,
@@ -81,27 +133,19 @@ TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, const std::string &
   compute_valid_interval();
 }
 
+/// The mappings come when all walks are done. No walk to a member leads through the space that is
+/// being made, but many lead past the lists of mappings that its members have.
 void TDMCloneSpace::connect()
 {
   ReachedMemories reached;
   for (const TDMSpace *space : members) reached.collect(*space);
+  const MembersInReach in_reach(members);
+  Connections connections;
   for (const auto &[memory, intervals] : reached.memories())
-    for (const Interval &interval : intervals) connect_memory(*memory, interval);
-}
-
-/// One mapping for each address at which members reach the interval; where several do so at
-/// overlapping addresses, the last of them gets it.
-void TDMCloneSpace::connect_memory(const TDMMapDestination &memory, const Interval &interval)
-{
-  std::multimap<Interval, TDMSpace *, tdm::IntervalBefore> routes;
-  for (TDMSpace *space : members)
-    for (const auto &route : tdm::map_back_to_object<Interval>(*space, memory, interval))
-      routes.emplace(route.value, space);
-  while (!routes.empty()) {
-    const auto first = routes.begin();
-    if (routes.count(first->first) == 1) add_member_mapping(first->first, *first->second);
-    routes.erase(first);
-  }
+    for (const Interval &interval : intervals)
+      append_connections(*memory, interval, in_reach, connections);
+  owned_.reserve(connections.size());
+  for (const auto &[span, member] : connections) add_member_mapping(span, *member);
 }
 
 void TDMCloneSpace::add_member_mapping(const Interval &span, TDMSpace &member)
@@ -146,12 +190,9 @@ TDMSpace *find_by_full_name(const std::string &full_name, const TDMSpec &spec,
 /// Above all ids that the core can meet: its own and those of the cores that it imports.
 int32_t next_space_id(const TDMCore &core)
 {
-  int32_t largest = 0;
-  const auto look_at = [&](const TDMCore &one) {
-    for (const auto &space : one.spaces) largest = std::max(largest, space->id);
-  };
-  look_at(core);
-  for (const TDMCore *imported : core.imported_cores) look_at(*imported);
+  int32_t largest = core.largest_space_id();
+  for (const TDMCore *imported : core.imported_cores)
+    largest = std::max(largest, imported->largest_space_id());
   return static_cast<int32_t>(static_cast<uint32_t>(largest) + 1U);
 }
 

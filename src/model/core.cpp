@@ -186,6 +186,7 @@ void TDMCore::add_space(std::unique_ptr<TDMSpace> space)
 {
   by_full_name_.emplace(space->full_name(), spaces.size());
   by_plain_name_.emplace(space->name, spaces.size());
+  largest_space_id_ = std::max(largest_space_id_, space->id);
   spaces.push_back(std::move(space));
 }
 

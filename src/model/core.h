@@ -36,7 +36,10 @@ struct TDMCore : TDMObject {
   [[nodiscard]] TDMSpace *find_space_by_full_name(const std::string &full_name) const;
   [[nodiscard]] TDMSpace *find_space_by_plain_name(const std::string &plain_name) const;
 
-  /// Appends a space; its names must be final.
+  /// Of the spaces; 0 if none is above it.
+  [[nodiscard]] int32_t largest_space_id() const { return largest_space_id_; }
+
+  /// Appends a space; its names and id must be final.
   void add_space(std::unique_ptr<TDMSpace> space);
 
   /// The checks that close a core once its processor stands; adds the placeholder space and takes
@@ -69,4 +72,5 @@ private:
 
   SpaceIndex by_full_name_;  ///< place of the first space of that full name in `spaces`
   SpaceIndex by_plain_name_; ///< the same for plain names
+  int32_t largest_space_id_ = 0;
 };

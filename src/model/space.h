@@ -164,7 +164,6 @@ struct TDMCloneSpace final : TDMSpace {
 
 private:
   void connect();
-  void connect_memory(const TDMMapDestination &memory, const Interval &interval);
   void add_member_mapping(const Interval &span, TDMSpace &member);
 
   std::string owned_core_name_;
