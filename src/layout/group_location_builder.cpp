@@ -4,7 +4,6 @@
 #include "common/failures.h"
 #include "expressions/translate.h"
 #include "language/layout_records.h"
-#include "mapping/mapping.h"
 
 namespace tdm {
 
@@ -65,8 +64,7 @@ private:
 
   const TDMMapping *find_mapping(const std::string &name, const TDMMapDestination &memory) const
   {
-    for (const TDMMapping *mapping : memory.incoming_mappings())
-      if (mapping->name == name) return mapping;
+    if (const TDMMapping *mapping = context_.memories->find_mapping(memory, name)) return mapping;
     std::string memory_name;
     memory.get_full_name(memory_name);
     throw new TDMSyntaxException(memory_place(),

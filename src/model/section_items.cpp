@@ -22,7 +22,7 @@ TDMSourceLocation location_in(const TDMFileSectionSetup &record, LocationKey key
 
 class TargetMemories final : public MemoryLookup {
 public:
-  TargetMemories(const SectionTargets &targets, const TDMProcessor &processor)
+  TargetMemories(SectionTargets &targets, const TDMProcessor &processor)
       : targets_(targets), processor_(processor)
   {
   }
@@ -32,8 +32,14 @@ public:
     return targets_.find_memory(processor_, name);
   }
 
+  [[nodiscard]] const TDMMapping *find_mapping(const TDMMapDestination &memory,
+                                               const std::string &name) const override
+  {
+    return targets_.find_mapping(memory, name);
+  }
+
 private:
-  const SectionTargets &targets_;
+  SectionTargets &targets_;
   const TDMProcessor &processor_;
 };
 

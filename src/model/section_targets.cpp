@@ -222,4 +222,16 @@ LayoutMemory SectionTargets::find_memory(const TDMProcessor &processor,
   return memory != nullptr ? LayoutMemory{memory, memory->size} : LayoutMemory{};
 }
 
+const TDMMapping *SectionTargets::find_mapping(const TDMMapDestination &memory,
+                                               const std::string &name)
+{
+  const auto [entry, added] = mappings_.try_emplace(&memory);
+  NamedMappings &mappings = entry->second;
+  if (added)
+    for (const TDMMapping *mapping : memory.incoming_mappings())
+      if (mapping->name) mappings.emplace(*mapping->name, mapping);
+  const auto found = mappings.find(name);
+  return found != mappings.end() ? found->second : nullptr;
+}
+
 } // namespace tdm

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -54,9 +55,15 @@ public:
   [[nodiscard]] LayoutMemory find_memory(const TDMProcessor &processor,
                                          const std::string &name) const;
 
+  /// The first mapping of that name of a memory, or null.
+  [[nodiscard]] const TDMMapping *find_mapping(const TDMMapDestination &memory,
+                                               const std::string &name);
+
 private:
   /// What the spaces of a processor can be called by in a group, beside their plain names.
   using Members = std::unordered_map<std::string, TDMSpace *>;
+  /// The mappings of a memory that have names.
+  using NamedMappings = std::unordered_map<std::string_view, const TDMMapping *>;
 
   template <class Record> Target find(const Record &record, const TargetWords &words);
   TDMProcessor &find_processor(const std::string *name, const TargetWords &words,
@@ -75,6 +82,7 @@ private:
   TDMSpec *spec_ = nullptr;           ///< at file level
   TDMProcessor *processor_ = nullptr; ///< in a derivative
   std::unordered_map<const TDMProcessor *, Members> members_;
+  std::unordered_map<const TDMMapDestination *, NamedMappings> mappings_; ///< of memories asked for
 };
 
 } // namespace tdm
