@@ -377,7 +377,11 @@ TDM_API int tdm_space_get_locate_direction(const tdm_space *space);
 /** Its start address, as an opaque pointer that only tells whether there is one; or null. */
 TDM_API tdm_start_address *tdm_space_get_start_address(const tdm_space *space);
 
-/** The space that address literals are stored in. @return null if none is given. */
+/**
+ * The space whose addresses are meant where the layouts of this one have plain numbers for the
+ * places of groups: tdm_group_location_get_address() and its sisters translate them.
+ * @return null if there is none: the numbers are addresses of the space itself
+ */
 TDM_API tdm_space *tdm_space_get_address_literal_space(const tdm_space *space);
 
 /** Sets what tdm_space_get_address_literal_space() gives from now on. @param other may be null */
