@@ -115,6 +115,21 @@ static void reserved_statement(tdm_reserved_statement *statement, tdm_statement_
   place(l, current_location(l), area, alignment_in(l, env));
 }
 
+/* What a struct holds is evaluated when addresses are settled; its size is known now. */
+static void struct_statement(tdm_struct_statement *statement, tdm_statement_env *env, void *user)
+{
+  linker *l = user;
+  tdm_arr *members = tdm_inspect_struct_statement_members(statement);
+  const tdm_inspect_struct_member *member = members->items;
+  int64_t size = 0;
+  piece *made;
+  for (uint32_t i = 0; i < members->count; ++i) size += member[i].size;
+  made = add_area(l, tdm_inspect_struct_statement_name(statement), "(struct)", size, 1);
+  made->attributes = initialised;
+  place(l, current_location(l), made, alignment_in(l, env));
+  tdm_arr_del(members);
+}
+
 static void vector_table(tdm_vector_table *table, void *user)
 {
   linker *l = user;
@@ -209,7 +224,8 @@ static int section_exists(const char *name, void *user)
   return 0;
 }
 
-/* The contents of structs, copy tables and assignments take no reader of this interface. */
+/* Copy tables get no room, and assignments no value: both are for when all addresses are settled.
+ */
 void walk_space(linker *l, tdm_space *space)
 {
   static const tdm_walk_callbacks callbacks = {
@@ -225,6 +241,7 @@ void walk_space(linker *l, tdm_space *space)
       .reserved_statement = reserved_statement,
       .selection = selection,
       .stack_statement = stack_statement,
+      .struct_statement = struct_statement,
   };
   static const tdm_expression_callbacks questions = {.section_exists = section_exists};
   const int64_t failures = tdm_inspect_failure_count();

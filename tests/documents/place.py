@@ -18,6 +18,7 @@ OBJECTS = ("startup.o", "main.o", "uart.o")
 TABLES = (
     ("examples/c/program/rp2040.txt", ["examples/rp2040/rp2040.tdm"]),
     ("examples/c/program/atmega328p.txt", ["examples/atmega328p/atmega328p.tdm"]),
+    ("examples/c/program/mbc1.txt", ["examples/gameboy_mbc1/mbc1.tdm"]),
     ("tests/documents/place/load_address.txt", ["tests/documents/place/load_address.tdm"]),
 )
 
@@ -58,7 +59,8 @@ def table_faults(place, objects, update):
             (ROOT / name).write_text(found.stdout, encoding="utf-8")
         expected = (ROOT / name).read_text(encoding="utf-8")
         if (found.returncode, found.stdout, found.stderr) != (0, expected, ""):
-            yield f"{name}: expected\n{expected}found {found.returncode}\n{found.stdout}{found.stderr}"
+            yield (f"{name}: expected\n{expected}"
+                   f"found {found.returncode}\n{found.stdout}{found.stderr}")
 
 
 def failure_faults(place, objects, cut):
@@ -68,7 +70,8 @@ def failure_faults(place, objects, cut):
         agrees = (found.stderr.startswith(expected[:-3]) if message.endswith("...")
                   else found.stderr == expected + "\n")
         if not agrees or found.returncode != 1 or found.stdout or found.stderr.count("\n") != 1:
-            yield f"{words}: expected 1 {expected}\nfound {found.returncode} {found.stderr}{found.stdout}"
+            yield (f"{words}: expected 1 {expected}\n"
+                   f"found {found.returncode} {found.stderr}{found.stdout}")
 
 
 def main():
