@@ -4,11 +4,15 @@
     demo.py TDM [--quiet]
 
 For each description of checks.txt: its model as a tree, and the addresses that its data sheet
-knows, translated from the space of a core to memory. Ends with 0 when all of them agree; --quiet
-prints the differences alone.
+knows, translated from the space of a core to memory. For each folder with a list of sections: how
+the layout of a space begins, and which selection takes which section; all of them have to go where
+the remarks of the list say. Ends with 0 when everything agrees; --quiet prints the differences
+alone.
 """
+import glob
 import json
 import os
+import re
 import subprocess
 import sys
 
@@ -41,6 +45,62 @@ def reached(answer):
     return ",".join(routes) or "none"
 
 
+def sections(name):
+    """{section: (space, where)} of a list, with None for one that nothing is to take."""
+    found = {}
+    with open(name, encoding="utf-8") as lines:
+        for line in lines:
+            words = re.match(r"([^\s#]+)[^#]*(?:# *(\S+) +(\S+))?", line)
+            if words:
+                found[words[1]] = (words[2], words[3]) if words[2] else None
+    return found
+
+
+def where(selection):
+    """The innermost location around a selection, written as the lists of sections write it."""
+    for item in reversed(selection["within"]):
+        if "address" in item:
+            return f"0x{item['address']:X}"
+        if "ranges" in item:
+            return "|".join(f"0x{r['low']:X}..0x{r['high']:X}" for r in item["ranges"])
+    return "anywhere"
+
+
+def placed(tdm, name, section_list, space):
+    """{section: (space, where)} as the selections of a space take them."""
+    answer = json.loads(run(tdm, "select", name, "--space", space, "--sections", section_list,
+                            "--json").stdout)
+    return {section["name"]: (space, where(selection))
+            for selection in answer["selections"] for section in selection["sections"]}
+
+
+def show_space(tdm, name, section_list, space):
+    layout = run(tdm, "layout", name, "--space", space).stdout.splitlines()
+    print(f"\n$ tdm layout {name} --space {space}")
+    print("\n".join(layout[:12] + (["..."] if len(layout) > 12 else [])))
+    print(f"\n$ tdm select {name} --space {space} --sections {section_list}")
+    print(run(tdm, "select", name, "--space", space, "--sections", section_list).stdout, end="")
+
+
+def select_all(tdm, quiet):
+    """Runs all lists of sections. The number of sections, and of those that went elsewhere."""
+    count, failures = 0, 0
+    for section_list in sorted(glob.glob("*/sections.txt")):
+        name = glob.glob(os.path.join(os.path.dirname(section_list), "*.tdm"))[0]
+        expected = sections(section_list)
+        spaces = list(dict.fromkeys(place[0] for place in expected.values() if place))
+        if not quiet:
+            show_space(tdm, name, section_list, spaces[0])
+        found = [placed(tdm, name, section_list, space) for space in spaces]
+        for section, place in expected.items():
+            count += 1
+            places = [taken[section] for taken in found if section in taken]
+            if places != ([place] if place else []):
+                failures += 1
+                print(f"DIFFERENT: {section_list}: {section}: expected {place}, found {places}")
+    return count, failures
+
+
 def main():
     tdm, quiet = os.path.abspath(sys.argv[1]), "--quiet" in sys.argv
     seen, failures, translated = set(), 0, 0
@@ -65,10 +125,13 @@ def main():
             print(f"DIFFERENT: tdm {' '.join(command)}: expected {expected}, found {answer}")
         elif not quiet:
             print(f"{space} {address:>12}  ->  {answer}")
+    selected, misplaced = select_all(tdm, quiet)
+    failures += misplaced
     if failures:
         print(f"\n{failures} differences")
     else:
         print(f"\n{len(seen)} descriptions, {translated} addresses: all as the data sheets say.")
+        print(f"{selected} sections: all where their lists say.")
     return 1 if failures else 0
 
 

@@ -6,11 +6,12 @@
 A transcript is a session of a user, `#` in front of remarks:
 
     --- dir/chip.tdm         a file, up to the next line that begins so, or with `$`
-    $ tdm check dir/chip.tdm a command; what it writes follows, errors and all, then
+    $ tdm check dir/chip.tdm a command, `< FILE` may end it; what it writes follows, errors and
+                             all, then
     [1]                      the code that it ended with, unless that is 0
 
 Commands run in an empty directory with the files alone; in them and in the output, @DIR@ stands for
-its name. `$ cd NAME` changes into a directory below it. --update writes the output into the
+its name, and @EXAMPLES@ for the examples of the project. `$ cd NAME` changes into a directory below it. --update writes the output into the
 transcript as the new expectation.
 """
 import os
@@ -22,13 +23,23 @@ import tempfile
 from pathlib import Path
 
 
+EXAMPLES = str(Path(__file__).resolve().parents[2] / "examples")
+
+
 def run(tdm, command, directory, root):
     """What the command writes, and ends with."""
-    arguments = [word.replace("@DIR@", root) for word in shlex.split(command)]
+    arguments = [word.replace("@DIR@", root).replace("@EXAMPLES@", EXAMPLES)
+                 for word in shlex.split(command)]
+    given = b""
+    if "<" in arguments[-2:-1]:
+        given = Path(directory, arguments[-1]).read_bytes()
+        arguments = arguments[:-2]
     environment = {key: value for key, value in os.environ.items() if not key.endswith("PARSERINC")}
-    done = subprocess.run([tdm] + arguments[1:], cwd=directory, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, env=environment, timeout=60, check=False)
+    done = subprocess.run([tdm] + arguments[1:], cwd=directory, input=given,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=environment,
+                          timeout=60, check=False)
     output = done.stdout.decode("utf-8", "replace").replace(root, "@DIR@")
+    output = output.replace(EXAMPLES, "@EXAMPLES@")
     return output.splitlines() + ([f"[{done.returncode}]"] if done.returncode else [])
 
 

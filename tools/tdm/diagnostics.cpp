@@ -111,7 +111,7 @@ Failure parse_failure(const std::string &text)
 void Diagnostics::report(const Session &session)
 {
   report_messages();
-  if (session.spec() == nullptr) report_failure(session.failure());
+  if (session.spec() == nullptr) report(parse_failure(session.failure()));
 }
 
 void Diagnostics::report_messages()
@@ -132,9 +132,8 @@ void Diagnostics::report_messages()
   }
 }
 
-void Diagnostics::report_failure(const std::string &text)
+void Diagnostics::report(const Failure &failure)
 {
-  const Failure failure = parse_failure(text);
   print({failure.file, failure.line, failure.column}, "error", failure.text);
 }
 

@@ -36,6 +36,9 @@ public:
   /// that it belongs to; then the failure of the parse, if it failed.
   void report(const Session &session);
 
+  /// As an error.
+  void report(const Failure &failure);
+
 private:
   struct Place {
     std::string file;
@@ -44,7 +47,6 @@ private:
   };
 
   void report_messages();
-  void report_failure(const std::string &text);
   void print(const Place &place, const char *severity, const std::string &text);
   void print_source(const Place &place);
   [[nodiscard]] std::string styled(const char *style, const std::string &text) const;

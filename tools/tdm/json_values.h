@@ -1,10 +1,12 @@
-// The small values of the JSON output; show and map share their form.
+// The small values of the JSON output; the verbs share their form.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <ostream>
 
 #include <tdm_c/tdm.h>
+
+#include "file_names.h"
 
 namespace tool {
 
@@ -32,6 +34,14 @@ inline constexpr int json_schema_version = 1;
   return {{"low", json_address(interval.low)},
           {"high", json_address(interval.high)},
           {"mask", {{"width", interval.width}, {"bits", interval.bits}}}};
+}
+
+[[nodiscard]] inline Json json_location(const FileNames &names, const tdm_source_location *location)
+{
+  if (location == nullptr) return nullptr;
+  return {{"file", names.shown(tdm_source_location_get_filename(location))},
+          {"line", tdm_source_location_get_line_number(location)},
+          {"column", tdm_source_location_get_column_number(location)}};
 }
 
 /// Names may hold bytes that aren't UTF-8; a reader of JSON gets a replacement for those.

@@ -15,15 +15,20 @@ namespace {
 
 using namespace tool;
 
-int answer(const Options &options, const Session &session, std::ostream &out)
+int answer(const Options &options, const Session &session, Diagnostics &diagnostics,
+           std::ostream &out)
 {
   switch (options.verb) {
   case Verb::check:
     return check(options, session, out);
   case Verb::show:
-    return options.json ? show_json(session, out) : show_text(session, out);
+    return options.json ? show_json(options, session, out) : show_text(session, out);
   case Verb::map:
     return map(options, session, out);
+  case Verb::layout:
+    return layout(options, session, diagnostics, out);
+  case Verb::select:
+    return select(options, session, diagnostics, out);
   case Verb::deps:
     return deps(options, session, out);
   }
@@ -33,10 +38,11 @@ int answer(const Options &options, const Session &session, std::ostream &out)
 int run(const Options &options)
 {
   const Session session(options);
-  Diagnostics(session.names(), std::cerr, shows_colors(STDERR_FILENO)).report(session);
+  Diagnostics diagnostics(session.names(), std::cerr, shows_colors(STDERR_FILENO));
+  diagnostics.report(session);
   const bool errors = tdm_get_error_count() > 0;
   if (session.spec() == nullptr || (errors && options.verb == Verb::check)) return exit_errors;
-  const int result = answer(options, session, std::cout);
+  const int result = answer(options, session, diagnostics, std::cout);
   std::cout.flush();
   if (!std::cout) {
     std::cerr << "tdm: error: cannot write the output\n";

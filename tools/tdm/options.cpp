@@ -37,7 +37,9 @@ void add_show(CLI::App &app, Options &options)
 {
   CLI::App *verb = app.add_subcommand("show", "Show the model: processors, spaces and memories");
   add_input(*verb, options);
-  verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  CLI::Option *json =
+      verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb->add_flag("--origin", options.origin, "In JSON: where each part was written")->needs(json);
   verb->callback([&options] { options.verb = Verb::show; });
   verb->footer("Example:\n"
                "  tdm show chip.tdm\n"
@@ -79,6 +81,51 @@ void add_map(CLI::App &app, Options &options, std::string &address)
       "  tdm map chip.tdm --memory flash --at 0..16k");
 }
 
+/// What the verbs that walk a space take.
+void add_walk(CLI::App &verb, Options &options)
+{
+  verb.add_option("--space", options.space,
+                  "Which space: processor:core:space, or the plain name if there is one\n"
+                  "such space")
+      ->type_name("NAME");
+  verb.add_option("--exists", options.exists, "There is a section of that name, for conditions")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  verb.add_option("--defined", options.defined, "That symbol is defined, for conditions")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+}
+
+void add_layout(CLI::App &app, Options &options)
+{
+  CLI::App *verb =
+      app.add_subcommand("layout", "Show what is to be laid out in a space, and where");
+  add_input(*verb, options);
+  add_walk(*verb, options);
+  verb->callback([&options] { options.verb = Verb::layout; });
+  verb->footer("Shows the definitions of the space, then its layouts with the branches that\n"
+               "conditions choose. Addresses and sizes are in units (MAUs) of the space.\n"
+               "Example:\n"
+               "  tdm layout chip.tdm --space linear --exists .data");
+}
+
+void add_select(CLI::App &app, Options &options)
+{
+  CLI::App *verb = app.add_subcommand("select", "Show which selection takes which section");
+  add_input(*verb, options);
+  add_walk(*verb, options);
+  verb->add_option("--sections", options.sections,
+                   "The sections to choose from; - for the standard input, the default")
+      ->type_name("LIST|-");
+  verb->callback([&options] { options.verb = Verb::select; });
+  verb->footer("A line of the list holds the name of a section and the letters of its attributes,\n"
+               "of r, w, x, i, s, b and p. # begins a remark; quotes enclose a name with blanks.\n"
+               "The sections of the list exist, for conditions.\n"
+               "Example:\n"
+               "  echo '.text rx' | tdm select chip.tdm --space linear");
+}
+
 void add_deps(CLI::App &app, Options &options)
 {
   CLI::App *verb = app.add_subcommand("deps", "List the files that are read, as a Makefile rule");
@@ -94,7 +141,7 @@ void add_deps(CLI::App &app, Options &options)
 /// The parser of the command line would call a word that is no verb a missing one.
 void require_verb(const CLI::App &app, int argc, char **argv)
 {
-  const std::string verbs = "check, show, map or deps";
+  const std::string verbs = "check, show, map, layout, select or deps";
   if (argc < 2) throw UsageError{"a verb is needed: " + verbs};
   const std::string first = argv[1];
   const bool is_verb =
@@ -114,7 +161,8 @@ int refuse(const std::string &text)
 Command read_command_line(int argc, char **argv)
 {
   Options options;
-  CLI::App app("Reads target descriptions: checks them, shows them, and translates addresses.",
+  CLI::App app("Reads target descriptions: checks them, shows them, translates addresses and "
+               "selects sections.",
                "tdm");
   app.set_version_flag("--version", "tdm " TDM_TOOL_VERSION);
   app.set_help_flag("-h,--help", "Print this help and exit");
@@ -123,11 +171,15 @@ Command read_command_line(int argc, char **argv)
   add_show(app, options);
   std::string address;
   add_map(app, options, address);
+  add_layout(app, options);
+  add_select(app, options);
   add_deps(app, options);
   app.footer("Examples:\n"
              "  tdm check chip.tdm\n"
              "  tdm show chip.tdm\n"
              "  tdm map chip.tdm --space linear --at 0x10000100\n"
+             "  tdm layout chip.tdm --space linear\n"
+             "  tdm select chip.tdm --space linear --sections sections.txt\n"
              "  tdm deps chip.tdm\n"
              "Exit codes: 0 in order, 1 errors in the description, 2 wrong usage, 3 no route");
   try {

@@ -9,18 +9,22 @@
 
 namespace tool {
 
-enum class Verb { check, show, map, deps };
+enum class Verb { check, show, map, layout, select, deps };
 
 struct Options {
   Verb verb = Verb::check;
   std::vector<std::string> files;
   std::vector<std::string> include_dirs;
   std::vector<std::string> defines;
-  bool json = false;  ///< show, map
-  std::string space;  ///< map: where the address is meant; empty for a memory
-  std::string memory; ///< map: the same
-  Place place;        ///< map
-  std::string target; ///< deps: empty for the default
+  bool json = false;   ///< show, map, layout, select
+  bool origin = false; ///< show: in JSON, where each value was written
+  std::string space;   ///< layout, select; map: where the address is meant; empty for a memory
+  std::string memory;  ///< map: the same
+  Place place;         ///< map
+  std::vector<std::string> exists;  ///< layout, select: names that conditions get a yes for
+  std::vector<std::string> defined; ///< the same for symbols
+  std::string sections = "-";       ///< select: the list; "-" for the standard input
+  std::string target;               ///< deps: empty for the default
 };
 
 /// What the process ends with.

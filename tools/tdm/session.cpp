@@ -37,6 +37,7 @@ std::vector<std::string> all_names(const Options &options)
 {
   std::vector<std::string> names = options.files;
   for (const std::string &directory : options.include_dirs) names.push_back(directory + "/");
+  names.push_back(options.sections);
   return names;
 }
 
@@ -92,6 +93,13 @@ const char *memory_type_name(const tdm_memory *memory)
   default:
     return "unknown";
   }
+}
+
+std::string place_text(const FileNames &names, const tdm_source_location *location)
+{
+  if (location == nullptr) return "";
+  return names.shown(tdm_source_location_get_filename(location)) + ":" +
+         std::to_string(tdm_source_location_get_line_number(location));
 }
 
 std::vector<tdm_memory *> memories_of(const tdm_spec *spec)

@@ -55,6 +55,8 @@ template <class Element> std::vector<Element> take_elements(tdm_arr *arr)
 [[nodiscard]] bool is_placeholder(const tdm_space *space);
 /// "ram", "rom" ...
 [[nodiscard]] const char *memory_type_name(const tdm_memory *memory);
+/// "chip.tdm:40", by the name that the user gave; "" for null.
+[[nodiscard]] std::string place_text(const FileNames &names, const tdm_source_location *location);
 /// Of all processors, then the global ones.
 [[nodiscard]] std::vector<tdm_memory *> memories_of(const tdm_spec *spec);
 

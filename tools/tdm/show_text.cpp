@@ -18,34 +18,12 @@
 #include "address.h"
 #include "format.h"
 #include "memory_map.h"
+#include "tree.h"
 #include "verbs.h"
 
 namespace tool {
 
 namespace {
-
-struct Node {
-  std::string text;
-  std::vector<std::string> details; ///< lines below the text, above the children
-  std::vector<Node> children;
-};
-
-/// Joins what there is to say.
-class Facts {
-public:
-  void add(std::string fact)
-  {
-    if (fact.empty()) return;
-    if (!text_.empty()) text_ += ", ";
-    text_ += fact;
-  }
-  void add_if(bool holds, const char *fact) { add(holds ? fact : ""); }
-
-  [[nodiscard]] const std::string &text() const { return text_; }
-
-private:
-  std::string text_;
-};
 
 class TextModel {
 public:
@@ -56,9 +34,10 @@ public:
 
   void show() const
   {
-    for (const tdm_processor *processor : processors_of(session_.spec())) print(of(processor));
+    for (const tdm_processor *processor : processors_of(session_.spec()))
+      print_tree(out_, of(processor));
     const auto global = take_elements<tdm_memory *>(tdm_spec_get_memories(session_.spec()));
-    if (!global.empty()) print({"global memories", {}, of(global)});
+    if (!global.empty()) print_tree(out_, {"global memories", {}, of(global)});
     for (const std::string &failure : memory_map_.failures())
       out_ << "not shown: " << failure << '\n';
   }
@@ -66,9 +45,7 @@ public:
 private:
   [[nodiscard]] std::string place(const tdm_source_location *location) const
   {
-    if (location == nullptr) return "";
-    return session_.names().shown(tdm_source_location_get_filename(location)) + ":" +
-           std::to_string(tdm_source_location_get_line_number(location));
+    return place_text(session_.names(), location);
   }
 
   [[nodiscard]] Node of(const tdm_processor *processor) const
@@ -162,18 +139,6 @@ private:
     std::vector<Node> nodes;
     for (std::string &line : table.lines()) nodes.push_back({std::move(line), {}, {}});
     return nodes;
-  }
-
-  /// `here` stands before the text, `below` before all that hangs on it.
-  void print(const Node &node, const std::string &here = "", const std::string &below = "") const
-  {
-    out_ << here << node.text << '\n';
-    const std::string gap = node.children.empty() ? "   " : "│  ";
-    for (const std::string &line : node.details) out_ << below << gap << line << '\n';
-    for (size_t i = 0; i < node.children.size(); ++i) {
-      const bool last = i + 1 == node.children.size();
-      print(node.children[i], below + (last ? "└─ " : "├─ "), below + (last ? "   " : "│  "));
-    }
   }
 
   const Session &session_;

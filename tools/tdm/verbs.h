@@ -3,7 +3,9 @@
 
 #include <ostream>
 
+#include "diagnostics.h"
 #include "options.h"
+#include "outline.h"
 #include "session.h"
 
 namespace tool {
@@ -15,6 +17,17 @@ int check(const Options &options, const Session &session, std::ostream &out);
 int deps(const Options &options, const Session &session, std::ostream &out);
 int map(const Options &options, const Session &session, std::ostream &out);
 int show_text(const Session &session, std::ostream &out);
-int show_json(const Session &session, std::ostream &out);
+int show_json(const Options &options, const Session &session, std::ostream &out);
+
+// These go on to tell what fails in a walk.
+int layout(const Options &options, const Session &session, Diagnostics &diagnostics,
+           std::ostream &out);
+int select(const Options &options, const Session &session, Diagnostics &diagnostics,
+           std::ostream &out);
+
+// What the two have in common.
+[[nodiscard]] Answers answers_of(const Options &options);
+/// What the process ends with.
+int report_failures(const Outline &outline, Diagnostics &diagnostics);
 
 } // namespace tool

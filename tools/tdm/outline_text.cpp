@@ -1,0 +1,130 @@
+#include "outline_text.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "format.h"
+#include "session.h"
+
+namespace tool {
+
+namespace {
+
+std::string words_of(std::string key)
+{
+  std::replace(key.begin(), key.end(), '_', ' ');
+  return key;
+}
+
+std::string text_of(const Range &range)
+{
+  return hex(range.low) + ".." + hex(range.high);
+}
+
+/// What a value adds to its key; "" for a value that isn't worth a word.
+class FactText {
+public:
+  FactText(const char *key, int mau) : key_(words_of(key)), mau_(mau) {}
+
+  std::string operator()(Unknown) const { return key_ + " ?"; }
+  std::string operator()(bool flag) const { return flag ? key_ : ""; }
+  std::string operator()(const std::string &text) const
+  {
+    return text.empty() ? "" : key_ + " " + text;
+  }
+  std::string operator()(Size size) const
+  {
+    if (size.units == 0) return "";
+    return key_ + " " + hex(size.units) + " (" + human_size(size.units, mau_) + ")";
+  }
+  std::string operator()(Alignment align) const
+  {
+    return align.units == 0 || align.units == 1 ? "" : key_ + " " + std::to_string(align.units);
+  }
+  std::string operator()(Address address) const { return key_ + " " + hex(address.value); }
+  std::string operator()(const Range &range) const { return text_of(range); }
+  std::string operator()(Vectors vectors) const { return quantity(vectors.number, "vector"); }
+  std::string operator()(Conditions conditions) const
+  {
+    return conditions.number == 0 ? "" : quantity(conditions.number, "attribute condition");
+  }
+  std::string operator()(const std::vector<Range> &ranges) const
+  {
+    std::string text = key_;
+    for (const Range &range : ranges)
+      text += (&range == &ranges.front() ? " " : " | ") + text_of(range);
+    return text;
+  }
+  std::string operator()(const std::vector<Question> &questions) const
+  {
+    std::string text;
+    for (const Question &question : questions)
+      text += (text.empty() ? "" : ", ") + std::string(question.about) + " \"" + question.name +
+              "\": " + (question.answer ? "yes" : "no");
+    return text;
+  }
+
+private:
+  static std::string quantity(int64_t number, const char *noun)
+  {
+    return number < 0 ? std::to_string(number) + " " + noun + "s"
+                      : counted(static_cast<size_t>(number), noun);
+  }
+
+  std::string key_;
+  int mau_;
+};
+
+class OutlineText {
+public:
+  OutlineText(int mau, const FileNames &names, const Annotate &annotate)
+      : mau_(mau), names_(names), annotate_(annotate)
+  {
+  }
+
+  /// Recursion follows the nesting of the description, which its parser limits.
+  [[nodiscard]] std::vector<Node> of(const std::vector<Item> &items) const
+  {
+    std::vector<Node> nodes;
+    nodes.reserve(items.size());
+    for (const Item &item : items) nodes.push_back(of(item));
+    return nodes;
+  }
+
+private:
+  [[nodiscard]] Node of(const Item &item) const
+  {
+    Node node;
+    Facts facts;
+    for (const auto &[key, value] : item.facts) facts.add(std::visit(FactText(key, mau_), value));
+    if (annotate_) annotate_(item, facts, node);
+    facts.add(place_text(names_, item.location));
+    node.text = words_of(kind_name(item.kind));
+    if (item.name.has_value()) node.text += " \"" + *item.name + "\"";
+    if (!facts.text().empty()) node.text += "  " + facts.text();
+    node.children = of(children_of(item));
+    return node;
+  }
+
+  static const std::vector<Item> &children_of(const Item &item)
+  {
+    const bool holds_block =
+        item.children.size() == 1 && item.children.front().kind == ItemKind::block;
+    return holds_block ? item.children.front().children : item.children;
+  }
+
+  int mau_;
+  const FileNames &names_;
+  const Annotate &annotate_;
+};
+
+} // namespace
+
+Node outline_tree(const Outline &outline, const FileNames &names, const Annotate &annotate)
+{
+  return {"space " + outline.space + "  " + std::to_string(outline.mau) + "-bit MAUs",
+          {},
+          OutlineText(outline.mau, names, annotate).of(outline.items)};
+}
+
+} // namespace tool
