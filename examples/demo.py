@@ -68,29 +68,40 @@ def where(selection):
 
 def placed(tdm, name, section_list, space):
     """{section: (space, where)} as the selections of a space take them."""
-    answer = json.loads(run(tdm, "select", name, "--space", space, "--sections", section_list,
-                            "--json").stdout)
+    found = run(tdm, "select", name, "--space", space, "--sections", section_list, "--json")
+    if found.returncode != 0:
+        print(found.stderr)
+        return {}
     return {section["name"]: (space, where(selection))
-            for selection in answer["selections"] for section in selection["sections"]}
+            for selection in json.loads(found.stdout)["selections"]
+            for section in selection["sections"]}
 
 
-def show_space(tdm, name, section_list, space):
-    layout = run(tdm, "layout", name, "--space", space).stdout.splitlines()
-    print(f"\n$ tdm layout {name} --space {space}")
-    print("\n".join(layout[:12] + (["..."] if len(layout) > 12 else [])))
-    print(f"\n$ tdm select {name} --space {space} --sections {section_list}")
-    print(run(tdm, "select", name, "--space", space, "--sections", section_list).stdout, end="")
+def show_space(tdm, quiet, name, section_list, space):
+    """Shows how the layout of a space begins, and its selections. The number of failures."""
+    failures = 0
+    for verb, length in (["layout"], 12), (["select", "--sections", section_list], None):
+        command = [verb[0], name, "--space", space, *verb[1:]]
+        answer = run(tdm, *command)
+        lines = answer.stdout.splitlines()
+        failures += answer.returncode != 0 or len(lines) < 2
+        if not quiet or answer.returncode != 0:
+            cut = ["..."] if length and len(lines) > length else []
+            print(f"\n$ tdm {' '.join(command)}")
+            print("\n".join(lines[:length] + cut))
+            print(answer.stderr, end="")
+    return failures
 
 
 def select_all(tdm, quiet):
-    """Runs all lists of sections. The number of sections, and of those that went elsewhere."""
+    """Runs all lists of sections. The number of sections, and of failures."""
     count, failures = 0, 0
     for section_list in sorted(glob.glob("*/sections.txt")):
         name = glob.glob(os.path.join(os.path.dirname(section_list), "*.tdm"))[0]
         expected = sections(section_list)
         spaces = list(dict.fromkeys(place[0] for place in expected.values() if place))
-        if not quiet:
-            show_space(tdm, name, section_list, spaces[0])
+        for space in spaces:
+            failures += show_space(tdm, quiet or space != spaces[0], name, section_list, space)
         found = [placed(tdm, name, section_list, space) for space in spaces]
         for section, place in expected.items():
             count += 1
@@ -125,8 +136,8 @@ def main():
             print(f"DIFFERENT: tdm {' '.join(command)}: expected {expected}, found {answer}")
         elif not quiet:
             print(f"{space} {address:>12}  ->  {answer}")
-    selected, misplaced = select_all(tdm, quiet)
-    failures += misplaced
+    selected, failed = select_all(tdm, quiet)
+    failures += failed
     if failures:
         print(f"\n{failures} differences")
     else:
