@@ -1,5 +1,6 @@
 // The values of expressions, what evaluation asks the environment, what is kept, what fails.
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include "expressions/applications.h"
 #include "expressions/checksum.h"
@@ -416,44 +417,56 @@ TEST(Evaluation, EnvironmentOfTheCInterface)
 
 // ---- Checksums ----
 
-/// CRC-32 bit by bit, over bytes in their order.
-std::uint32_t crc32(const std::vector<std::uint8_t> &bytes)
+/// Units with numbers that fill them.
+std::vector<std::uint32_t> units_of(int mau, std::size_t count)
 {
-  std::uint32_t crc = 0xFFFFFFFF;
-  for (const std::uint8_t byte : bytes)
-    for (int bit = 0; bit < 8; ++bit) {
-      const bool differs = ((crc ^ (static_cast<std::uint32_t>(byte) >> bit)) & 1) != 0;
-      crc = (crc >> 1) ^ (differs ? 0xEDB88320 : 0);
-    }
-  return ~crc;
+  std::vector<std::uint32_t> units;
+  std::uint64_t state = 0x9E3779B97F4A7C15ULL;
+  for (std::size_t i = 0; i < count; ++i) {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    units.push_back(static_cast<std::uint32_t>(state >> (64 - mau)));
+  }
+  return units;
 }
 
-TEST(Checksum, MatchesCrc32OverTheBytesOfEachWordFromTheTop)
+/// The bytes that the checksum is defined over: those of each word, from its top down. 1 is little
+/// endian, 2 is big endian, and any other byte order gives words of zero.
+std::vector<std::uint8_t> bytes_of(const std::vector<std::uint32_t> &data, int mau, int endianness)
 {
-  ASSERT_EQ(crc32({'1', '2', '3', '4', '5', '6', '7', '8', '9'}), 0xCBF43926);
-  for (const int mau : {1, 2, 4, 8, 16, 32})
-    for (const int endianness : {1, 2, 3}) {
-      LoggingEnv env;
-      env.mau = mau;
-      env.endianness = endianness;
-      const unsigned units = 32U / static_cast<unsigned>(mau);
-      std::vector<std::uint8_t> bytes;
-      for (unsigned word = 0; word < 5; ++word) {
-        std::uint64_t value = 0;
-        for (unsigned unit = 0; unit < units; ++unit) {
-          const std::uint64_t mask = (1ULL << mau) - 1;
-          const std::uint64_t data = (0x9E3779B97F4A7C15ULL * (word * 32 + unit + 1) >> 20) & mask;
-          env.data.push_back(static_cast<std::uint32_t>(data));
-          const unsigned position = endianness == 1 ? unit : units - 1 - unit;
-          if (endianness != 3) value += data << (position * static_cast<unsigned>(mau));
-        }
-        for (int shift = 24; shift >= 0; shift -= 8)
-          bytes.push_back(static_cast<std::uint8_t>(value >> shift));
-      }
-      const std::int64_t start = 3 * units;
-      const auto record = checksum(num(start), num(start + 5 * units));
-      EXPECT_EQ(translated(*record)->value(&env), std::int64_t{crc32(bytes)}) << mau << endianness;
+  const std::size_t units = 32U / static_cast<unsigned>(mau);
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t first = 0; first < data.size(); first += units) {
+    std::uint64_t word = 0;
+    for (std::size_t unit = 0; unit < units; ++unit) {
+      const std::size_t position = endianness == 1 ? unit : units - 1 - unit;
+      if (endianness == 1 || endianness == 2)
+        word += static_cast<std::uint64_t>(data[first + unit])
+                << (position * static_cast<unsigned>(mau));
     }
+    for (int shift = 24; shift >= 0; shift -= 8)
+      bytes.push_back(static_cast<std::uint8_t>(word >> shift));
+  }
+  return bytes;
+}
+
+TEST(Checksum, MatchesTheCrc32OfZlib)
+{
+  for (const int mau : {1, 2, 4, 8, 16, 32})
+    for (const int endianness : {1, 2, 3})
+      for (const std::size_t words : {1U, 2U, 5U, 300U}) {
+        LoggingEnv env;
+        env.mau = mau;
+        env.endianness = endianness;
+        const auto units = static_cast<std::int64_t>(32 / mau);
+        env.data = units_of(mau, words * static_cast<std::size_t>(units));
+        const std::vector<std::uint8_t> bytes = bytes_of(env.data, mau, endianness);
+        const auto wanted =
+            static_cast<std::int64_t>(crc32(0, bytes.data(), static_cast<uInt>(bytes.size())));
+        const std::int64_t start = 3 * units, end = start + units * static_cast<int>(words);
+        const auto record = checksum(num(start), num(end));
+        EXPECT_EQ(translated(*record)->value(&env), wanted)
+            << "MAU " << mau << ", byte order " << endianness << ", " << words << " words";
+      }
 }
 
 TEST(Checksum, ChecksItsBoundsInOrder)

@@ -1,6 +1,7 @@
 // Sections, the map and the enumerators over it, selectors, and what a selection takes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -323,33 +324,65 @@ TEST(Selection, RefusesAWrongPatternAtItsPlace)
   }
 }
 
+/// Counts who is asked for all sections, or for the name of one.
+struct CountingMap final : TDMSectionMap {
+  struct CountedSection final : public TDMSection {
+    CountedSection(CountingMap &map, const std::string &name) : map_(map), name_(name) {}
+    bool is_readable() const override { return true; }
+    bool is_writable() const override { return false; }
+    bool is_executable() const override { return false; }
+    bool is_inited() const override { return false; }
+    bool is_scratch() const override { return false; }
+    bool is_blanked() const override { return false; }
+    bool is_p() const override { return false; }
+    const std::string &name() const override
+    {
+      ++map_.names_asked;
+      return name_;
+    }
+    std::string display_name() const override { return name_; }
+
+  private:
+    CountingMap &map_;
+    std::string name_;
+  };
+
+  std::unique_ptr<TDMSectionEnumerator> all() override
+  {
+    ++passes;
+    return inner.all();
+  }
+  bool contains(const std::string &name) override { return inner.contains(name); }
+  std::unique_ptr<TDMSectionEnumerator> with_name(const std::string &name) override
+  {
+    return inner.with_name(name);
+  }
+  void remove(TDMSection *section) override { inner.remove(section); }
+  void add(TDMSection *section) override { inner.add(section); }
+
+  TDMDefaultSectionMap inner;
+  int passes = 0;
+  int names_asked = 0;
+};
+
 TEST(Selection, PlainNamesDontLookAtAllSections)
 {
-  struct CountingMap final : TDMSectionMap {
-    std::unique_ptr<TDMSectionEnumerator> all() override
-    {
-      ++passes;
-      return inner.all();
-    }
-    bool contains(const std::string &name) override { return inner.contains(name); }
-    std::unique_ptr<TDMSectionEnumerator> with_name(const std::string &name) override
-    {
-      return inner.with_name(name);
-    }
-    void remove(TDMSection *section) override { inner.remove(section); }
-    void add(TDMSection *section) override { inner.add(section); }
-
-    TDMDefaultSectionMap inner;
-    int passes = 0;
-  };
-  Section section("a", "");
   CountingMap map;
-  map.add(&section);
+  std::vector<std::unique_ptr<CountingMap::CountedSection>> sections;
+  for (int i = 0; i < 100'000; ++i) {
+    const std::string name = ".text.f" + std::to_string(i);
+    sections.push_back(std::make_unique<CountingMap::CountedSection>(map, name));
+    map.add(sections.back().get());
+  }
   TDMStatementEnv env;
   Names taken;
-  TDMSelectionStatement({}, "a").select(env, map, taken, false);
+  map.names_asked = 0;
+  constexpr int selections = 1000;
+  for (int i = 0; i < selections; ++i)
+    TDMSelectionStatement({}, ".text.f" + std::to_string(i * 97)).select(env, map, taken, false);
   EXPECT_EQ(map.passes, 0);
-  EXPECT_EQ(taken.text, "a");
+  EXPECT_EQ(std::count(taken.text.begin(), taken.text.end(), 'f'), selections);
+  EXPECT_LE(map.names_asked, 4 * selections); // each of those taken is found, told and removed
 }
 
 TEST(StatementEnv, BaseKnowsNothing)
