@@ -12,6 +12,14 @@ constexpr size_t tab_stop = 8;
 constexpr size_t window = 96;
 constexpr size_t behind_caret = 32;
 constexpr std::string_view cut_mark = "...";
+/// Bytes on either side of the caret that are looked at: more than enough to fill the window with
+/// characters of four bytes.
+constexpr size_t nearby = 512;
+
+bool is_continuation(char c)
+{
+  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
 
 /// The number of bytes of the character of UTF-8 that a text begins with; 0 if it is none that can
 /// be shown.
@@ -23,7 +31,7 @@ size_t character_length(std::string_view text)
   const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
   if (first < 0xC2 || first > 0xF4 || text.size() < length) return 0;
   for (size_t i = 1; i < length; ++i)
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
+    if (!is_continuation(text[i])) return 0;
   // The controls above ASCII.
   return first == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0 ? 0 : length;
 }
@@ -62,25 +70,34 @@ const SourceFiles::File &SourceFiles::read(const std::string &name)
   if (!added) return file;
   std::ifstream in(name, std::ios::binary);
   file.text.assign(std::istreambuf_iterator<char>(in), {});
+  std::erase_if(file.text, [](char c) { return c == '\r' || c == '\x1A'; });
   if (!file.text.empty()) file.starts.push_back(0);
   for (size_t i = 0; i + 1 < file.text.size(); ++i)
     if (file.text[i] == '\n') file.starts.push_back(i + 1);
   return file;
 }
 
-std::optional<std::string> SourceFiles::line(const std::string &name, int number)
+std::optional<std::string_view> SourceFiles::line(const std::string &name, int number)
 {
   const File &file = read(name);
   if (number < 1 || static_cast<size_t>(number) > file.starts.size()) return std::nullopt;
   const size_t start = file.starts[static_cast<size_t>(number) - 1];
-  std::string line = file.text.substr(start, file.text.find('\n', start) - start);
-  std::erase_if(line, [](char c) { return c == '\r' || c == '\x1A'; });
-  return line;
+  const size_t end = static_cast<size_t>(number) < file.starts.size()
+                         ? file.starts[static_cast<size_t>(number)] - 1
+                         : file.text.size() - (file.text.ends_with('\n') ? 1 : 0);
+  return std::string_view(file.text).substr(start, end - start);
 }
 
 Excerpt excerpt_of(std::string_view line, int column)
 {
-  const Cells all = spread(line, static_cast<size_t>(std::max(column, 1)) - 1);
+  size_t caret_byte = std::min(static_cast<size_t>(std::max(column, 1)) - 1, line.size());
+  if (caret_byte > nearby) {
+    size_t left_out = caret_byte - nearby;
+    while (left_out < caret_byte && is_continuation(line[left_out])) ++left_out;
+    line.remove_prefix(left_out);
+    caret_byte -= left_out;
+  }
+  const Cells all = spread(line.substr(0, caret_byte + nearby), caret_byte);
   size_t first = 0;
   if (all.cells.size() > window && all.caret > window - behind_caret)
     first = std::min(all.caret - (window - behind_caret), all.cells.size() - window);

@@ -14,8 +14,9 @@ namespace tool {
 class SourceFiles {
 public:
   /// The line, from 1, without its end; nothing if there is no such line or file. Bytes that the
-  /// preprocessor drops are left out, so that columns count as it counts them.
-  [[nodiscard]] std::optional<std::string> line(const std::string &file, int number);
+  /// preprocessor drops are left out, so that columns count as it counts them. Good as long as the
+  /// object.
+  [[nodiscard]] std::optional<std::string_view> line(const std::string &file, int number);
 
 private:
   struct File {
@@ -28,7 +29,8 @@ private:
 };
 
 /// Two lines: the source line, and the caret under a column (from 1, in bytes). Tabs are spread,
-/// what can't be shown becomes "?", and of a long line the part around the caret is shown.
+/// what can't be shown becomes "?", and of a long line the part around the caret is shown. The time
+/// doesn't depend on the length of the line.
 struct Excerpt {
   std::string source;
   std::string caret;
