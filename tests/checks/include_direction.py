@@ -4,7 +4,8 @@
     include_direction.py <root of the project>
 
 A file includes from its own floor and from those before it. The tools may include the installed
-headers, <tdm_c/...>, and their own files alone; so may the examples and the cases' runner.
+headers, <tdm_c/...>, and their own files alone; so may the examples and the cases' runner. A library
+of its own inside a floor includes nothing but its own files.
 """
 import pathlib
 import re
@@ -12,6 +13,7 @@ import sys
 
 FLOORS = ['common', 'preprocessor', 'language', 'expressions', 'mapping', 'layout', 'model',
           'interface']
+APART = ['expressions/exprlib/']
 CLIENTS = ['tools', 'examples', 'tests/runner']
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 SOURCES = {'.h', '.hpp', '.c', '.cpp'}
@@ -44,6 +46,8 @@ def check_floors(root, faults):
                 graph[name].append(target)
                 if FLOORS.index(target.split('/')[0]) > number:
                     faults.append(f'{where}: {floor} includes {target}, which is of a later floor')
+                if any(name.startswith(f) and not target.startswith(f) for f in APART):
+                    faults.append(f'{where}: includes {target}, which is of the rest of the project')
     return graph
 
 

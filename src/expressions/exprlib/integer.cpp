@@ -84,11 +84,10 @@ void divide(Byte *quotient, Byte *remainder, const Byte *a, const Byte *b, std::
   for (std::size_t bit = size * 8; bit > 0; --bit) {
     const std::size_t byte = (bit - 1) / 8;
     const unsigned mask = 1U << ((bit - 1) % 8);
-    // A remainder with its top bit set outgrows the size when it is shifted, and any divisor fits.
-    const bool outgrows = top_bit(remainder, size);
+    // No bit is lost: before the last step the remainder has fewer bits than the size.
     shift_left(remainder, remainder, size, 1);
     if ((a[byte] & mask) != 0) remainder[0] |= 1;
-    if (!outgrows && compare(remainder, b, size) < 0) continue;
+    if (compare(remainder, b, size) < 0) continue;
     subtract(remainder, remainder, b, size);
     quotient[byte] = low_byte(quotient[byte] | mask);
   }

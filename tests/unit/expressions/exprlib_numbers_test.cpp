@@ -18,12 +18,15 @@
 #endif
 
 #if !defined(WITH_SANITIZER)
-// Counts what reaches the general allocator.
+// Counts what reaches the general allocator, and lets it run dry.
 static std::size_t allocations;
+static std::size_t allocations_left = SIZE_MAX;
 extern "C" void *__libc_malloc(std::size_t size);
 extern "C" void *malloc(std::size_t size)
 {
   ++allocations;
+  if (allocations_left == 0) return nullptr;
+  --allocations_left;
   return __libc_malloc(size);
 }
 #endif
@@ -177,7 +180,9 @@ TEST(ExprlibNumbers, DoublesOfIntegers)
 {
   std::mt19937_64 random(2);
   for (int i = 0; i < 20000; ++i) {
-    const UnsignedWide any = ((UnsignedWide{random()} << 64) | random()) >> (random() % 128);
+    UnsignedWide any = ((UnsignedWide{random()} << 64) | random()) >> (random() % 128);
+    // Between two doubles, or just above.
+    if (i % 4 == 0) any = (((any & 0xFFFF) * 2 + (1ULL << 53) + 1) << (i % 70)) + (i / 4) % 2;
     std::uint8_t bytes[16];
     for (int n = 0; n < 16; ++n) bytes[n] = static_cast<std::uint8_t>(any >> (8 * n));
     ASSERT_EQ(exprlib::unsigned_to_double(bytes, 16), static_cast<double>(any));
@@ -259,12 +264,10 @@ TEST(ExprlibNumbers, FractsMeetDoublesExactly)
   }
   // Only the first 20 bytes count.
   std::vector<Byte> longest(40, 0);
-  longest[0] = 0x40;
-  longest[19] = 1;
-  longest[30] = 0xFF;
-  EXPECT_EQ(exprlib::fract_to_double({longest.data(), 40}), 0.5);
-  longest.assign(40, 0);
-  longest[25] = 0x80;
+  longest[19] = 3;
+  longest[20] = 0xFF;
+  EXPECT_EQ(exprlib::fract_to_double({longest.data(), 40}), std::ldexp(3.0, -159));
+  longest[19] = 0;
   EXPECT_EQ(exprlib::fract_to_double({longest.data(), 40}), 0.0);
 }
 
@@ -346,6 +349,52 @@ TEST(ExprlibPool, BuildingAndFoldingDoesNotAllocate)
   }
 #endif
 }
+
+#if !defined(WITH_SANITIZER)
+/// Builds and folds what needs each kind of memory; true if it came to its end.
+bool build_and_fold(const Trees &t, std::vector<Node> &many)
+{
+  const char text[100] = {}; // too long for the pools
+  Node strings[2] = {};
+  Node chosen = nullptr;
+  bool done = true;
+  for (Node &string : strings)
+    done = done && !exprlib_make_string_constant(t.context, &string, text, sizeof text);
+  done = done && !exprlib_make_operator_of(t.context, &chosen, EXPRLIB_MAX, 2, strings) &&
+         !exprlib_eval(chosen);
+  // Many operands, of which the first is handed over, and a copy of their list.
+  for (Node &node : many) done = done && !exprlib_make_int32(t.context, &node, 1);
+  Node user = many[0];
+  Node copy = nullptr;
+  if (done && !exprlib_make_operator_of(t.context, &user, 300,
+                                        static_cast<std::uint32_t>(many.size()), many.data())) {
+    many[0] = user;
+    done = !exprlib_alloc_node(t.context, &copy) && !exprlib_become(copy, user);
+  } else {
+    done = false;
+  }
+  for (Node node : {strings[0], strings[1], chosen, copy}) exprlib_release(node);
+  for (Node node : many) exprlib_release(node);
+  return done;
+}
+
+TEST(ExprlibPool, RunningOutOfMemoryIsAFailure)
+{
+  const Trees t(8, 2000); // four nodes to a block
+  std::size_t refused = 0;
+  for (bool done = false; !done; ++refused) {
+    t.context->error = 0;
+    std::vector<Node> many(600);
+    allocations_left = refused;
+    done = build_and_fold(t, many);
+    allocations_left = SIZE_MAX;
+    ASSERT_EQ(exprlib_error(t.context), done ? 0 : EXPRLIB_OUT_OF_MEMORY) << refused;
+    ASSERT_EQ(t.context->live_nodes, 0) << refused;
+    ASSERT_EQ(t.context->strings, nullptr) << refused;
+  }
+  EXPECT_GT(refused, 150U);
+}
+#endif
 
 TEST(ExprlibPool, LongSumsOnASmallStack)
 {
