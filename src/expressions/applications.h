@@ -2,6 +2,10 @@
 //
 // Arithmetic is that of signed 64-bit numbers and wraps. Constructors take children that are not
 // null, or that are filled in before the object is used.
+//
+// An operator number that is none of those below is a fault of whoever made the object, which no
+// text leads to: computing and rendering then throw an `int` of value 0 (by value), except that
+// computing a TDMUnaryApplication throws TDMUnexpectedErrorException *.
 #pragma once
 
 #include <array>

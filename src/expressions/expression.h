@@ -39,28 +39,34 @@ public:
   virtual void clear_cached();
 
   /// Calculates the value, whether one is kept or not, and doesn't keep it. The environment may be
-  /// null: an expression that asks it for something then fails as without layout data.
+  /// null: an expression that asks it for something then fails as without layout data, with
+  /// TDMDataNeededForExpressionException *. Throws TDMSemanticException * for a division by zero,
+  /// and TDMSyntaxException * for a symbol that isn't found or data that can't be used.
   virtual std::int64_t compute(TDMExpressionEnv *env) = 0;
 
   virtual ~TDMExpression();
 
   /// The expression as an Exprlib tree in the environment's context; the caller owns one reference.
-  /// Null where the form has none. Throws ExprlibException *.
+  /// Null where the form has none: `defined`, `exists`, `checksum`, and what the environment has no
+  /// node for. Throws ExprlibException *, for such a form inside an operator too.
   virtual ExprlibNode *to_exprlib(TDMExpressionEnv *env) = 0;
 
-  /// Whether a name in the expression is one that the environment's symbol_defined confirms.
+  /// Whether a name in the expression is one that the environment's symbol_defined confirms. False
+  /// without an environment.
   virtual bool refers_to_defined(TDMExpressionEnv *env);
 
   /// Whether a symbol reference in the expression names one of the set.
   virtual bool refers_to_any(const std::set<std::string> &names);
 
-  /// Appends start and end of each checksum's data.
+  /// Appends start and end of each checksum's data, from left to right. Evaluates them, and throws
+  /// what that throws.
   virtual void collect_data_ranges(TDMExpressionEnv *env, DataRanges &ranges);
 
   /// A deep copy that keeps no value yet.
   [[nodiscard]] virtual std::unique_ptr<TDMExpression> clone() const = 0;
 
-  /// The value: the one that is kept, else calculated and then kept.
+  /// The value: the one that is kept, else calculated and then kept. Throws what compute() throws,
+  /// and keeps nothing then: TDMFileException *, mostly.
   std::int64_t value(TDMExpressionEnv *env = nullptr)
   {
     if (!has_memo_) keep(compute(env));

@@ -14,14 +14,24 @@ struct ExprlibNode;
 /// Implemented by a client that evaluates expressions; it outlives each evaluation that uses it.
 /// An operation with a result of type bool returns false when it has no answer, and the out value
 /// then doesn't count. Nodes that are returned carry one reference, which goes to the caller.
+///
+/// A null node means that there is none: a form that is asked for itself is then null too, and one
+/// that would stand in an operator fails. An operation may throw; the exception passes through the
+/// evaluation, which keeps the values that it had found by then. A location is that of the asking
+/// expression in the description.
 class TDM_CLIENT_API TDMExpressionEnv {
 public:
+  /// Whether there is a section of the name: `exists`.
   virtual bool section_exists(const std::string &name) = 0;
+  /// Whether there is a definition of the symbol: TDMExpression::refers_to_defined.
   virtual bool symbol_defined(const std::string &name) = 0;
 
-  /// The context in which to_exprlib builds its nodes; stays the environment's.
+  /// The context in which to_exprlib builds its nodes; stays the environment's. Null if rendering
+  /// isn't supported: it then fails with an ExprlibException.
   virtual ExprlibContext *exprlib_context() = 0;
 
+  /// `addressof` and `sizeof` of a section, in MAUs: values for evaluation, where no answer counts
+  /// as -1, and nodes for rendering.
   virtual bool section_address(const std::string &name, const TDMSourceLocation &location,
                                std::int64_t &value) = 0;
   virtual ExprlibNode *section_address_node(const std::string &name,
@@ -34,8 +44,11 @@ public:
   /// The symbols at the first address of a group, and behind its last one.
   virtual std::string group_start_symbol(const std::string &group) = 0;
   virtual std::string group_end_symbol(const std::string &group) = 0;
+  /// `addressof` of a group, for rendering.
   virtual ExprlibNode *group_address_node(const std::string &group) = 0;
 
+  /// A linker symbol: its value for evaluation, which fails without one, and its node for
+  /// rendering. Evaluation asks for the node too, before the value, and releases it.
   virtual bool symbol_value(const std::string &name, std::int64_t &value) = 0;
   virtual ExprlibNode *symbol_node(const std::string &name) = 0;
 

@@ -15,6 +15,8 @@
  *    nodes come from; and one evaluation per context. The functions that a caller supplies may
  *    call back into the library, but must not throw.
  * 5. The depth of a tree is limited by memory alone: no function recurses along it.
+ * 6. Contexts, nodes and out parameters are not null, unless a function says otherwise. Nodes of
+ *    different contexts don't mix: EXPRLIB_INTERNAL_ERROR.
  */
 #ifndef TDM_C_EXPRLIB_H
 #define TDM_C_EXPRLIB_H
@@ -210,16 +212,18 @@ EXPRLIB_API int exprlib_make_context(ExprlibContext **context, uint32_t value_si
 /** Ends a context with its strings. All its nodes must have been released. Null is ignored. */
 EXPRLIB_API void exprlib_end_context(ExprlibContext *context);
 
-/** The context's error code. */
+/** The context's error code, one of ExprlibError. Reading it changes nothing. */
 EXPRLIB_API int32_t exprlib_error(const ExprlibContext *context);
 
-/** The words for an error code. */
+/** The words for an error code, "unknown error" for a number that is none. A constant text, never
+ *  null. */
 EXPRLIB_API const char *exprlib_error_text(int32_t code);
 
 /* ---- Building trees. All: 0 and *node set to a new node with one reference, or 1 and the code.
  * ---- */
 
-/** A zero-filled node, which is a constant of unknown type. */
+/** A zero-filled node, which is a constant of unknown type. Fails with EXPRLIB_OUT_OF_MEMORY, as
+ *  all that follow can. */
 EXPRLIB_API int exprlib_alloc_node(ExprlibContext *context, ExprlibNode **node);
 
 /**
@@ -248,8 +252,9 @@ EXPRLIB_API int exprlib_make_int64(ExprlibContext *context, ExprlibNode **node, 
  * An integer constant of any size.
  *
  * @param type  one of the types 0 to 3
+ *              Any other fails with EXPRLIB_UNKNOWN_TYPE.
  * @param bytes count bytes, least significant first. Fewer than the value size are extended by the
- *              sign for "int" and by 0 for the others; of more, the low ones count.
+ *              sign for "int" and by 0 for the others; of more, the low ones count. Null is none.
  * @param width in bits
  */
 EXPRLIB_API int exprlib_make_integer(ExprlibContext *context, ExprlibNode **node,
@@ -264,11 +269,13 @@ EXPRLIB_API int exprlib_make_double(ExprlibContext *context, ExprlibNode **node,
 EXPRLIB_API int exprlib_make_fract(ExprlibContext *context, ExprlibNode **node,
                                    const uint8_t *bytes, size_t count);
 
-/** An element for a string at the head of the context's list, empty as yet; null without memory.
- *  A string constant that refers to it takes it along when it is released. */
+/** An element for a string at the head of the context's list, empty as yet; null without memory,
+ *  with the code EXPRLIB_OUT_OF_MEMORY. It belongs to the context; a string constant that refers to
+ *  it takes it along when it is released. */
 EXPRLIB_API ExprlibString *exprlib_make_string(ExprlibContext *context);
 
-/** Gives the element a copy of the characters. */
+/** Gives the element a copy of the characters in the place of those that it has; null is allowed
+ *  for no characters. 0, or 1 and EXPRLIB_OUT_OF_MEMORY: the element then stays as it was. */
 EXPRLIB_API int exprlib_set_string(ExprlibContext *context, ExprlibString *string,
                                    const char *characters, size_t length);
 
@@ -276,7 +283,9 @@ EXPRLIB_API int exprlib_set_string(ExprlibContext *context, ExprlibString *strin
 EXPRLIB_API int exprlib_make_string_constant(ExprlibContext *context, ExprlibNode **node,
                                              const char *characters, size_t length);
 
-/** A reference to row `index` of the owner's table, which outlives the node. */
+/** A reference to row `index` of the owner's table, which outlives the node. Where there is no such
+ *  row, or a null owner, the variable never has a value. The type is what operators above it are
+ *  checked against; the value brings its own. */
 EXPRLIB_API int exprlib_make_variable(ExprlibContext *context, ExprlibNode **node,
                                       ExprlibValueType type, const ExprlibSymbolTable *owner,
                                       uint32_t index);
@@ -292,7 +301,8 @@ EXPRLIB_API int exprlib_make_relocation(ExprlibContext *context, ExprlibNode **n
 /** One more reference to the node. */
 EXPRLIB_API void exprlib_retain(ExprlibNode *node);
 
-/** One reference less; the last one ends the node and gives back its references. */
+/** One reference less; the last one ends the node and gives back its references. Null is ignored.
+ */
 EXPRLIB_API void exprlib_release(ExprlibNode *node);
 
 /* ---- Evaluating and reading ---- */
@@ -305,14 +315,17 @@ EXPRLIB_API void exprlib_release(ExprlibNode *node);
  */
 EXPRLIB_API int exprlib_eval(ExprlibNode *node);
 
-/** Operand number n of an operator, first is 0; null behind the last one. */
+/** Operand number n of an operator, first is 0; null behind the last one, and for constants and
+ *  variables. The reference stays the operator's. */
 EXPRLIB_API ExprlibNode *exprlib_child(const ExprlibNode *node, uint32_t n);
 
-/** Gives the node the value of the source, which stays as it is; its operands are released. If the
- *  source is no constant, the node becomes a second one of its kind with the same operands. */
+/** Gives the node the value of the source, which stays as it is; the operands that the node had are
+ *  released. If the source is no constant, the node becomes a second one of its kind with the same
+ *  operands. 0, or 1 and EXPRLIB_OUT_OF_MEMORY or EXPRLIB_TOO_BIG: the node then stays as it was.
+ */
 EXPRLIB_API int exprlib_become(ExprlibNode *node, ExprlibNode *source);
 
-/** The payload behind the header. */
+/** The payload behind the header; the node's, for as long as it is what it is. */
 static inline ExprlibPayload *exprlib_payload(const ExprlibNode *node)
 {
   return (ExprlibPayload *)(uintptr_t)(node + 1);
@@ -324,7 +337,8 @@ static inline uint8_t *exprlib_bytes(const ExprlibNode *node)
   return (uint8_t *)(uintptr_t)(node + 1);
 }
 
-/** The low 64 bits of an integer constant, extended by its sign; an "unsigned int" by 0. */
+/** The low 64 bits of an integer constant, an "int" extended by its sign, the others by 0. Of no
+ * use for any other node. */
 EXPRLIB_API int64_t exprlib_int64(const ExprlibNode *node);
 
 /** 1 if the node is a constant below 0. */
@@ -337,7 +351,8 @@ EXPRLIB_API int exprlib_is_zero(const ExprlibNode *node);
 EXPRLIB_API const char *exprlib_type_name(ExprlibValueType type);
 EXPRLIB_API const char *exprlib_operator_name(int32_t op);
 
-/** Hands the tree as text to the function, piece by piece: `((1 + $0) << 2)`. */
+/** Hands the tree as text to the function, piece by piece: `((1 + $0) << 2)`. A piece isn't NUL
+ *  terminated, and is gone when the function returns. Changes nothing in the tree. */
 EXPRLIB_API void exprlib_print(ExprlibNode *node,
                                void (*write)(const char *text, size_t length, void *closure),
                                void *closure);

@@ -182,7 +182,8 @@ TEST(ExprlibNumbers, DoublesOfIntegers)
   for (int i = 0; i < 20000; ++i) {
     UnsignedWide any = ((UnsignedWide{random()} << 64) | random()) >> (random() % 128);
     // Between two doubles, or just above.
-    if (i % 4 == 0) any = (((any & 0xFFFF) * 2 + (1ULL << 53) + 1) << (i % 70)) + (i / 4) % 2;
+    if (i % 4 == 0)
+      any = (((any & 0xFFFF) * 2 + (1ULL << 53) + 1) << (i % 70)) + (i % 8 == 0 ? 1U : 0U);
     std::uint8_t bytes[16];
     for (int n = 0; n < 16; ++n) bytes[n] = static_cast<std::uint8_t>(any >> (8 * n));
     ASSERT_EQ(exprlib::unsigned_to_double(bytes, 16), static_cast<double>(any));
