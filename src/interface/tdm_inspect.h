@@ -2,6 +2,12 @@
  * Readers beside <tdm_c/tdm.h>, for tools that show what the library found. They are versioned on
  * their own: what stands here may grow with every delivery, and tdm.h stays what it is. The
  * conventions of tdm.h hold.
+ *
+ *  - <tdm_c/tdm_inspect_model.h>: buses, mappings, what tdm.h doesn't tell of memories, cores and
+ *    spaces, what spaces define, and where each part of each object was written.
+ *  - <tdm_c/tdm_inspect_layout.h>: layouts as a tree of statements, groups, the rules in force at a
+ *    statement, vector tables.
+ *  - Below: failures, and messages of the preprocessor.
  */
 #ifndef TDM_C_TDM_INSPECT_H
 #define TDM_C_TDM_INSPECT_H

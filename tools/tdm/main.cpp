@@ -22,7 +22,7 @@ int answer(const Options &options, const Session &session, Diagnostics &diagnost
   case Verb::check:
     return check(options, session, out);
   case Verb::show:
-    return options.json ? show_json(session, out) : show_text(session, out);
+    return options.json ? show_json(options, session, out) : show_text(session, out);
   case Verb::map:
     return map(options, session, out);
   case Verb::layout:

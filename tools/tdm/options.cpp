@@ -37,7 +37,9 @@ void add_show(CLI::App &app, Options &options)
 {
   CLI::App *verb = app.add_subcommand("show", "Show the model: processors, spaces and memories");
   add_input(*verb, options);
-  verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  CLI::Option *json =
+      verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb->add_flag("--origin", options.origin, "In JSON: where each part was written")->needs(json);
   verb->callback([&options] { options.verb = Verb::show; });
   verb->footer("Example:\n"
                "  tdm show chip.tdm\n"

@@ -16,10 +16,11 @@ struct Options {
   std::vector<std::string> files;
   std::vector<std::string> include_dirs;
   std::vector<std::string> defines;
-  bool json = false;  ///< show, map, layout, select
-  std::string space;  ///< layout, select; map: where the address is meant; empty for a memory
-  std::string memory; ///< map: the same
-  Place place;        ///< map
+  bool json = false;   ///< show, map, layout, select
+  bool origin = false; ///< show: in JSON, where each value was written
+  std::string space;   ///< layout, select; map: where the address is meant; empty for a memory
+  std::string memory;  ///< map: the same
+  Place place;         ///< map
   std::vector<std::string> exists;  ///< layout, select: names that conditions get a yes for
   std::vector<std::string> defined; ///< the same for symbols
   std::string sections = "-";       ///< select: the list; "-" for the standard input

@@ -17,7 +17,7 @@ int check(const Options &options, const Session &session, std::ostream &out);
 int deps(const Options &options, const Session &session, std::ostream &out);
 int map(const Options &options, const Session &session, std::ostream &out);
 int show_text(const Session &session, std::ostream &out);
-int show_json(const Session &session, std::ostream &out);
+int show_json(const Options &options, const Session &session, std::ostream &out);
 
 // These go on to tell what fails in a walk.
 int layout(const Options &options, const Session &session, Diagnostics &diagnostics,
