@@ -19,6 +19,12 @@ bool passed_over(int number)
   return is_white(number) || number == tNEWLINE;
 }
 
+// A part is passed over if there is nothing but white space in it.
+bool passed_over(const PpToken &item)
+{
+  return item.number == item_part ? part_of(item).first == 0 : passed_over(item.number);
+}
+
 // Lists have nothing left: looks in the input. All that was read is put back, but white space in
 // front of a "(" is dropped. Inside a directive the look ends at the end of the line.
 bool input_has_parenthesis()
@@ -45,14 +51,14 @@ bool input_has_parenthesis()
 
 const PpToken *skip_white(const PpToken *begin, const PpToken *end)
 {
-  while (begin != end && passed_over(begin->number)) ++begin;
+  while (begin != end && passed_over(*begin)) ++begin;
   return begin;
 }
 
 void push_argument(const PpToken *begin, const PpToken *end)
 {
   begin = skip_white(begin, end);
-  while (begin != end && passed_over(end[-1].number)) --end;
+  while (begin != end && passed_over(end[-1])) --end;
   MacroArgument argument = {};
   argument.begin = begin;
   argument.end = end;
@@ -177,7 +183,7 @@ private:
   void add(PpToken &item)
   {
     item.link = 0;
-    if (passed_over(item.number)) {
+    if (passed_over(item)) {
       add_blank(item);
       return;
     }
@@ -263,8 +269,7 @@ bool next_is_parenthesis()
     if (!count_work(1, list->position)) return false;
     for (const PpToken *item = list->cursor; item != list->end; ++item) {
       const int number = item->number == item_part ? part_of(*item).first : item->number;
-      const bool white_part = item->number == item_part && number == 0;
-      if (!white_part && !passed_over(number)) return number == tLPAR;
+      if (!passed_over(*item)) return number == tLPAR;
     }
     if (list->barrier) return false;
   }

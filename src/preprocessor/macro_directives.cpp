@@ -1,9 +1,12 @@
 // #define and #undef: reading a definition from its line.
+#include <string>
+
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/directives.h"
 #include "preprocessor/macros.h"
+#include "preprocessor/string_pool.h"
 
 namespace tdm {
 
@@ -43,26 +46,30 @@ bool read_parameters(std::vector<MacroParameter> &parameters)
   return false;
 }
 
-// Reads a body, which begins with the token given, to the end of the line. White space becomes
-// single blanks, with none at either end.
+// The white space between two tokens of a body, as one token.
+PpToken white_token(std::string_view text, const tdm_srcpos &position)
+{
+  PpToken white;
+  white.number = tWHITE;
+  white.text = text == " " ? token_text(tSPACE) : intern(text);
+  white.length = text.size();
+  white.position = position;
+  return white;
+}
+
+// Reads a body, which begins with the token given, to the end of the line. White space at either
+// end is no part of it, and a comment counts as a blank.
 std::vector<PpToken> read_body(const PpToken *token)
 {
   std::vector<PpToken> body;
-  bool blank = false;
+  std::string white;
   for (; !ends_line(*token); token = &pp_next_token(false)) {
     if (is_white(token->number)) {
-      blank = !body.empty();
+      if (!body.empty()) white += token->number == tCOMMENT ? " " : token->view();
       continue;
     }
-    if (blank) {
-      PpToken white;
-      white.number = tWHITE;
-      white.text = token_text(tSPACE);
-      white.length = 1;
-      white.position = token->position;
-      body.push_back(white);
-      blank = false;
-    }
+    if (!white.empty()) body.push_back(white_token(white, token->position));
+    white.clear();
     body.push_back(*token);
     body.back().link = 0;
   }

@@ -401,6 +401,7 @@ Read read_item(PpToken &item, Parts whole)
     inner.position = list.position;
     inner.positioned = list.positioned;
     inner.mark = expansion.memory.mark();
+    inner.part = true;
     push_list(inner);
   }
   return Read::end;
@@ -416,7 +417,11 @@ bool list_next(PpToken &token)
 
 bool list_has_next()
 {
-  return !expansion.lists.empty() && expansion.lists.back().cursor != expansion.lists.back().end;
+  for (auto list = expansion.lists.rbegin(); list != expansion.lists.rend(); ++list) {
+    if (list->cursor != list->end) return true;
+    if (!list->part) return false;
+  }
+  return false;
 }
 
 bool list_forwarding()

@@ -22,6 +22,7 @@ struct OpenList {
   bool barrier = false; ///< an argument on its own: nothing below is read before it is popped
   bool linked = false;  ///< parentheses and commas carry links
   bool forwarded = false;
+  bool part = false; ///< a part of the list below, which goes on behind it
 };
 
 /// An argument of a call.

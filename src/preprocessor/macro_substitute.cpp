@@ -59,7 +59,7 @@ public:
       if (token.number == tCONCAT) {
         i = paste_at(i);
       } else if (is_white(token.number)) {
-        if (!paste_follows(i)) append(token);
+        i = copy_white_at(i);
       } else {
         i = copy_at(i);
       }
@@ -76,12 +76,6 @@ private:
     while (++i < macro_.body_count)
       if (!is_white(macro_.body[i].number)) return i;
     return none;
-  }
-
-  [[nodiscard]] bool paste_follows(std::size_t i) const
-  {
-    const std::size_t next = next_token(i);
-    return next != none && macro_.body[next].number == tCONCAT;
   }
 
   [[nodiscard]] bool is_stringify(std::size_t i) const
@@ -102,6 +96,18 @@ private:
     count_work(1, call_.name.position);
   }
 
+  // Copies the white space that begins at i, unless a ## is behind it; gives the index of its last
+  // token.
+  std::size_t copy_white_at(std::size_t i)
+  {
+    const std::size_t next = next_token(i);
+    const std::size_t end = next == none ? macro_.body_count : next;
+    const bool drops = next != none && macro_.body[next].number == tCONCAT;
+    for (; i < end; ++i)
+      if (!drops) append(macro_.body[i]);
+    return end - 1;
+  }
+
   // Copies the body token at i, or what takes its place; gives the index of the last token used.
   std::size_t copy_at(std::size_t i)
   {
@@ -120,10 +126,27 @@ private:
     return i;
   }
 
+  // White space that an argument has at its ends only because a macro in a part of it came to
+  // nothing is no part of it.
+  template <class Function> void append_trimmed(const MacroArgument &argument, Function take_first)
+  {
+    std::size_t taken = 0; // length of the result when the first token was in it
+    for_each_token(argument.begin, argument.end, [&](const PpToken &token) {
+      if (taken > 0) {
+        append(token);
+      } else if (!is_white(token.number)) {
+        take_first(token);
+        taken = result_.size();
+      }
+    });
+    while (taken > 0 && result_.size() > taken && is_white(result_.back().number))
+      result_.pop_back();
+  }
+
   void append_raw(const MacroArgument &argument)
   {
     if (argument.begin == argument.end) append(marker());
-    for_each_token(argument.begin, argument.end, [this](const PpToken &token) { append(token); });
+    append_trimmed(argument, [this](const PpToken &token) { append(token); });
   }
 
   void append_expanded(const MacroArgument &argument)
@@ -179,7 +202,7 @@ private:
   std::size_t paste_at(std::size_t i)
   {
     const std::size_t right = next_token(i);
-    if (right == none || macro_.body[right].number == tCONCAT) return i;
+    if (right == none) return i; // a faulty # stood there
     const PpToken &token = macro_.body[right];
     if (is_stringify(right)) {
       const std::size_t parameter = next_token(right);
@@ -207,14 +230,7 @@ private:
 
   void paste_argument(const MacroArgument &argument)
   {
-    bool first = true;
-    for_each_token(argument.begin, argument.end, [this, &first](const PpToken &token) {
-      if (first)
-        paste(token);
-      else
-        append(token);
-      first = false;
-    });
+    append_trimmed(argument, [this](const PpToken &token) { paste(token); });
   }
 
   // Pastes a token to the last one of the result.

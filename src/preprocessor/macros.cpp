@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 #include "preprocessor/c_diag.h"
@@ -42,13 +43,29 @@ void init_name_table(hashtab &table, hashtab::Key key)
   table.key_length = -1;
 }
 
-bool same_token(const PpToken &a, const PpToken &b)
+// Passes over white space; tells whether there was any.
+bool pass_white(const PpToken *&cursor, const PpToken *end)
 {
-  if (is_white(a.number) || is_white(b.number)) return is_white(a.number) && is_white(b.number);
-  return a.text == b.text;
+  const PpToken *begin = cursor;
+  while (cursor != end && is_white(cursor->number)) ++cursor;
+  return cursor != begin;
 }
 
-// Both bodies have single blanks only, so equal white space is equal tokens.
+// Any amount of white space counts as one, and none at the ends, where a faulty # or ## may have
+// left it.
+bool same_body(const PpToken *a, const PpToken *a_end, const PpToken *b, const PpToken *b_end)
+{
+  pass_white(a, a_end);
+  pass_white(b, b_end);
+  while (a != a_end && b != b_end) {
+    if (a++->text != b++->text) return false;
+    const bool white_a = pass_white(a, a_end);
+    const bool white_b = pass_white(b, b_end);
+    if (white_a != white_b && a != a_end && b != b_end) return false;
+  }
+  return a == a_end && b == b_end;
+}
+
 bool same_definition(const TDMMacro &macro, const std::vector<MacroParameter> *parameters,
                      const std::vector<PpToken> &body)
 {
@@ -59,8 +76,8 @@ bool same_definition(const TDMMacro &macro, const std::vector<MacroParameter> *p
   if (parameters != nullptr && !std::equal(parameters->begin(), parameters->end(), macro.parameters,
                                            macro.parameters + macro.parameter_count, same_name))
     return false;
-  return std::equal(body.begin(), body.end(), macro.body, macro.body + macro.body_count,
-                    same_token);
+  return same_body(body.data(), body.data() + body.size(), macro.body,
+                   macro.body + macro.body_count);
 }
 
 void report_redefinition(const TDMMacro &old, bool function_like, const tdm_srcpos &position)
@@ -106,9 +123,8 @@ public:
     if (parameters_ != nullptr) {
       enter_parameters(position);
       link_parameters();
-      check_hashes();
     }
-    check_pastes();
+    check_operators();
     if (parameters_ != nullptr) mark_uses();
   }
 
@@ -153,35 +169,35 @@ private:
     token.length = 1;
   }
 
-  void check_hashes()
-  {
-    for (std::size_t i = 0; i < body_.size(); ++i) {
-      if (body_[i].number != tHASH) continue;
-      const std::size_t next = next_token(i);
-      if (next != none && body_[next].link != 0) continue;
-      diag_at(E_hash_without_param, body_[i].position);
-      make_blank(body_[i]);
-    }
-  }
-
-  void check_pastes()
+  // One walk, so that the faults are reported in the order of the text.
+  void check_operators()
   {
     bool in_front = false;
     for (std::size_t i = 0; i < body_.size(); ++i) {
       PpToken &token = body_[i];
       if (is_white(token.number)) continue;
-      if (token.number == tCONCAT && !in_front) {
-        diag_at(E_concat_at_begin, token.position);
+      if (const auto fault = fault_at(i, in_front)) {
+        diag_at(*fault, token.position);
         make_blank(token);
-      } else if (token.number == tCONCAT && next_token(i) == none) {
-        diag_at(E_concat_at_end, token.position);
-        make_blank(token);
-      } else {
-        has_paste_ = has_paste_ || token.number == tCONCAT;
-        in_front = true;
+        continue;
       }
+      has_paste_ = has_paste_ || token.number == tCONCAT;
+      in_front = true;
     }
   }
+
+  // What is wrong with the token at i, if it is a # or ##.
+  [[nodiscard]] std::optional<DiagMessage> fault_at(std::size_t i, bool in_front) const
+  {
+    const int number = body_[i].number;
+    if (number == tCONCAT && !in_front) return E_concat_at_begin;
+    if (number == tCONCAT && next_token(i) == none) return E_concat_at_end;
+    if (number == tHASH && parameters_ != nullptr && !is_parameter(next_token(i)))
+      return E_hash_without_param;
+    return std::nullopt;
+  }
+
+  [[nodiscard]] bool is_parameter(std::size_t i) const { return i != none && body_[i].link != 0; }
 
   // An argument is used as it stands beside a ## and behind a #, and expanded everywhere else.
   void mark_uses()

@@ -62,8 +62,8 @@ void macro_parse_undef();
 
 } // namespace tdm
 
-/// Defines a macro. The parameters are null for an object-like one. White space in the body is
-/// single blanks, none at either end.
+/// Defines a macro. The parameters are null for an object-like one. White space between two tokens
+/// of the body is one token, and there is none at either end.
 void macro_define(const char *name, const std::vector<tdm::MacroParameter> *parameters,
                   std::vector<tdm::PpToken> body, const tdm_srcpos &position, bool predefined);
 void macro_undefine(const char *name, const tdm_srcpos &position);

@@ -25,7 +25,8 @@ bool ends_line(const PpToken &token)
 
 // The text of a file name with its delimiters, from the token that begins it; null if that can't
 // begin one. A "<" that came from a macro starts a name of several tokens.
-std::optional<std::string> read_name(const PpToken &first)
+// With `report` off, a missing ">" is supplied in silence.
+std::optional<std::string> read_name(const PpToken &first, bool report)
 {
   switch (first.number) {
   case tFILE:
@@ -41,7 +42,7 @@ std::optional<std::string> read_name(const PpToken &first)
   for (;;) {
     const PpToken &token = pp_next_token(true);
     if (ends_line(token)) {
-      diag_at(E_missing_bracket, directive_position());
+      if (report) diag_at(E_missing_bracket, directive_position());
       return text += '>';
     }
     text += token.view();
@@ -81,10 +82,10 @@ std::uint32_t line_number(const PpToken &number)
 }
 
 // The name behind a line number, null for none. `token` is the token behind the number.
-const char *read_line_name(const PpToken &token)
+const char *read_line_name(const PpToken &token, bool report)
 {
   if (token.number == tWSTRING) return line_name(token.view());
-  const std::optional<std::string> text = read_name(token);
+  const std::optional<std::string> text = read_name(token, report);
   return text ? line_name(*text) : nullptr;
 }
 
@@ -95,7 +96,7 @@ void handle_include()
   scanner_set_header_mode();
   const PpToken &token = pp_next_significant(true);
   const void *pragmas = token.position.pragmas;
-  const std::optional<std::string> text = read_name(token);
+  const std::optional<std::string> text = read_name(token, true);
   if (!text) {
     diag_at(E_missing_file, directive_position());
     return;
@@ -121,7 +122,7 @@ void handle_line()
   const char *name = nullptr;
   if (!ends_line(*token)) {
     const tdm_srcpos position = token->position;
-    name = read_line_name(*token);
+    name = read_line_name(*token, true);
     if (name == nullptr) {
       diag_at(E_syntax_line, position);
       return;
@@ -140,7 +141,7 @@ void handle_line_marker()
   const std::uint32_t line = line_number(directive_name());
   const char *name = nullptr;
   const PpToken &token = pp_next_significant(true);
-  if (!ends_line(token)) name = read_line_name(token);
+  if (!ends_line(token)) name = read_line_name(token, false);
   while (!pp_line_ended()) pp_next_token(false);
   input_set_presumed(name, line);
 }

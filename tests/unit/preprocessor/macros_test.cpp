@@ -73,6 +73,16 @@ TEST(Macros, ExpandAsTheStandardHasIt)
        "f(\"strncmp(\\\"abc\\\\0d\\\", \\\"abc\\\", '\\\\4') == 0\" \": @\\n\", s); "
        "\"vers2.h\" \"hello\"; \"hello\" \", world\"",
        ""},
+      {"#define d(...) p(e, __VA_ARGS__)\n#define s(...) puts(#__VA_ARGS__)\n"
+       "#define r(test, ...) ((test)?puts(#test): p(__VA_ARGS__))\n"
+       "d(\"Flag\"); d(\"X = %d\\n\", x); s(The first, second, and third items.);\n"
+       "r(x>y, \"x is %d but y is %d\", x, y);",
+       "p(e, \"Flag\"); p(e, \"X = %d\\n\", x); puts(\"The first, second, and third items.\"); "
+       "((x>y)?puts(\"x>y\"): p(\"x is %d but y is %d\", x, y));",
+       ""},
+      {"#define O (1-1)\n#define O /* a */ (1-1) /* b */\n#define F(a) ( a )\n"
+       "#define F( a )( /* c */ \\\n a /* d\n */ )\nO F(2)",
+       "(1-1) ( 2 )", ""},
       {"#define hash_hash # ## #\n#define mkstr(a) # a\n#define in_between(a) mkstr(a)\n"
        "#define join(c, d) in_between(c hash_hash d)\njoin(x, y)",
        "\"x ## y\"", ""},
@@ -95,6 +105,11 @@ TEST(Macros, ExpandAsTheStandardHasIt)
       {"__STDC__ __STDC_HOSTED__ __STDC_VERSION__ __BUILD__ __VERSION__ __REVISION__ __CORVANE__",
        "1 0 199901L 0 0 0 1", ""},
       {"#define e(x, ...) [x, ## __VA_ARGS__]\ne(1)", "[1]", ""},
+      // What comes to nothing at an end of an argument that was expanded before.
+      {"#define E\n#define c(a,b) a##b\n#define l(x) c(x,1)\n#define r(x) c(1,x)\n"
+       "#define n(...) [0,##__VA_ARGS__]\n#define o(x) n(x)\n#define z() 0\n#define y(x) z(x)\n"
+       "l(a b c d e E) r(E a b c d e) o(E E E E E E) y(E E E E E E)",
+       "a b c d e1 1a b c d e [0] 0", ""},
       {"#define _(x) defined x\n_(y)\n__FUNCTION__", "defined y __FUNCTION__", ""},
   };
   for (const Row &row : rows) check(row);
@@ -122,6 +137,9 @@ TEST(Macros, ReportFaults)
        "1:9 I981 previous definition of macro \"A\"\n"},
       {"#define A x  + y\n#define A   x /* c */ + y  \n#define A x +y\nA", "x +y",
        "3:9 W972 macro \"A\" redefined\n1:9 I981 previous definition of macro \"A\"\n"},
+      {"#define A 1 ##\n#define A 1\n#define f(x) a #b x\n#define f(x) a b x\nf(A)", "a b 1",
+       "1:13 E947 '##' at the end of a macro definition\n"
+       "3:16 E904 '#' not followed by macro parameter\n"},
       {"#define f(x,y) x\n#define f(x,y) x\n#define f(y,x) x\n#define f(y,x...) x", "",
        "3:9 W972 macro \"f\" redefined\n1:9 I981 previous definition of macro \"f\"\n"
        "4:9 W972 macro \"f\" redefined\n3:9 I981 previous definition of macro \"f\"\n"},
@@ -144,6 +162,13 @@ TEST(Macros, ReportFaults)
        "3:11 E953 '##' at the start of a macro definition\n"
        "3:16 E947 '##' at the end of a macro definition\n"
        "4:11 E953 '##' at the start of a macro definition\n"},
+      {"#define f(x) ## #y x ##\n#define g(x) x ## #\n#define h(x) x ## ## y\nf(1) g(2) h(3)",
+       "y 1 2 3## y",
+       "1:14 E953 '##' at the start of a macro definition\n"
+       "1:17 E904 '#' not followed by macro parameter\n"
+       "1:22 E947 '##' at the end of a macro definition\n"
+       "2:19 E904 '#' not followed by macro parameter\n"
+       "4:11 W978 '##' does not produce a valid preprocessing token\n"},
       {"#define f() 1\nf(x) f(,)", "1 1",
        "2:1 E907 arguments given to macro \"f\"\n2:6 E907 arguments given to macro \"f\"\n"},
       {"#define f(x,y,z) [x|y|z]\nf(1) f(1,2)", "[1||] [1|2|]",
