@@ -304,12 +304,13 @@ void TDMParser::group_page(TDMFileGroup &group)
     require_next(TokenSets::list_end);
 }
 
-// "page_size" "=" expression [page_ranges]
+// "page_size" "=" expression [page_ranges]; the last one counts, with its ranges
 void TDMParser::group_page_size(TDMFileGroup &group)
 {
   match(KEY_page_size);
   match(EQUALS);
   group.pageAlign = expression(group, "pageAlign");
+  group.pages.clear();
   optional_page_ranges(group.pages, TokenSets::list_end);
 }
 

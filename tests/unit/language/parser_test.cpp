@@ -751,6 +751,13 @@ TEST_F(Parser, KeepsGroups)
        "section=s statement=group(statement=block())<group@1/311 statement@1/318>)<group@1/228 "
        "nocopy@1/235 outputSectionName@1/258 paged@1/263 pageNum@1/271 pageAlign@1/285 "
        "statement@1/311>]))<section_layout@1/1 spaceName@1/18 statement@1/22>"},
+      // The last page size counts, with its ranges.
+      {"section_layout ::aa { group (page_size = 1 [0 .. 3], page_size = 2 [4 .. 5] | [6 .. 7], "
+       "page_size = 3) { } group (page_size = 1 [0 .. 3], page_size = 2 [4 .. 5]) { } }",
+       "layout(space=aa statement=block(of=[group(page_size=3 statement=block())<group@1/23 "
+       "pageAlign@1/43 statement@1/105>, group(page_size=2 pages=[4..5] "
+       "statement=block())<group@1/108 pageAlign@1/128 statement@1/164>]))<section_layout@1/1 "
+       "spaceName@1/18 statement@1/22>"},
       {"section_layout ::aa { group (load_addr) { } group (load_addr = 0x100, run_addr = "
        "[0x100 .. 0x1FF] | [1 .. 2]) { } group (run_addr = mem:mm) { } group (run_addr = "
        "mem:mm:nn/oo[0x10]) { } }",
