@@ -240,8 +240,19 @@ void input_unread(int c)
 
 int input_peek_byte()
 {
-  if (input_stack.top == nullptr || have(*input_stack.top, 1) == 0) return 0;
-  return static_cast<unsigned char>(*input_stack.top->cursor);
+  if (input_stack.top == nullptr) return 0;
+  TDMInputRecord &record = *input_stack.top;
+  const std::size_t length = have(record, longest_look);
+  std::string_view ahead(record.cursor, length);
+  for (bool spliced = !record.isolated; spliced;) {
+    spliced = false;
+    for (const std::string_view splice : {"\\\n", "?\?/\n"}) {
+      if (!ahead.starts_with(splice)) continue;
+      ahead.remove_prefix(splice.size());
+      spliced = true;
+    }
+  }
+  return ahead.empty() ? 0 : static_cast<unsigned char>(ahead.front());
 }
 
 void input_flush_unread()

@@ -55,8 +55,8 @@ void input_stop();
 /// Gives the character just delivered back, to be delivered again.
 void input_unread(int c);
 
-/// The byte behind the character just delivered, without delivering it; 0 if there is none in the
-/// same record.
+/// The byte behind the character just delivered and a splice or two, without delivering it; 0 if
+/// there is none in the same record.
 [[nodiscard]] int input_peek_byte();
 
 /// Puts what was given back on the stack as a text of its own, so that texts and files that are

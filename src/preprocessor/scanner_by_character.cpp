@@ -109,6 +109,7 @@ void read_comment(CharacterSource &source)
   const std::uint32_t file = current_file();
   const bool last = input_stack.top == nullptr || input_stack.top->next == nullptr;
   int previous = 0;
+  tdm_srcpos slash = {};
   for (;;) {
     const int c = source.peek();
     if (c == input_end || current_file() != file) {
@@ -116,11 +117,8 @@ void read_comment(CharacterSource &source)
       if (!last) scanner.buffer.append("*/");
       return;
     }
-    if (previous == '/' && c == '*') {
-      tdm_srcpos inner = srcpos_current();
-      --inner.column;
-      diag_at(W_nested_comment, inner);
-    }
+    if (previous == '/' && c == '*') diag_at(W_nested_comment, slash);
+    if (c == '/') slash = srcpos_current();
     source.take();
     if (previous == '*' && c == '/') return;
     previous = c;

@@ -89,9 +89,12 @@ TEST(Scanner, RecognisesTokens)
        "1:11 W977 octal escape sequence terminated by decimal digit\n"
        "1:14 E927 no hex digits following \\x\n1:16 E945 invalid universal character name\n"
        "1:20 E945 invalid universal character name\n1:26 E945 invalid universal character name\n"},
+      {"a\\\\\nu00e9 b\\\\\n\\\nU000000e9 c\\\\\nx",
+       "7@1:1<a\\u00e9> 7@2:7<b\\U000000e9> 7@4:11<c> 1@4:12<\\> 7@5:1<x>", ""},
       {"ab\\u12x", "7@1:1<ab\\u12x>", "1:3 E945 invalid universal character name\n"},
       {"/* a /* b */ c /*/**/ d", "7@1:14<c> 7@1:23<d>",
        "1:6 W979 \"/*\" inside comment\n1:18 W979 \"/*\" inside comment\n"},
+      {"/* /\\\n* */ a", "7@2:6<a>", "1:4 W979 \"/*\" inside comment\n"},
       {"a\n  /* b\n", "7@1:1<a>", "2:3 E939 unterminated comment\n"},
   };
   for (const Row &row : rows) {

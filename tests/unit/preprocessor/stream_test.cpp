@@ -10,6 +10,7 @@
 #include "preprocess.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
+#include "preprocessor/conditionals.h"
 #include "preprocessor/path_join.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/preprocessor.h"
@@ -88,6 +89,23 @@ TEST(Stream, FailsBeforeTheFirstFileIsReadWhenOneIsMissing)
   outcome = preprocess({{"d/x", ""}}, settings);
   EXPECT_EQ(outcome.failure, "cannot open \"d\"");
   EXPECT_NE(outcome.messages.find("E982 the file d could not be opened"), std::string::npos);
+}
+
+// The memo that passes over known groups changes no token and no line number, however often.
+TEST(Stream, ReadsAGuardedFileTenThousandTimes)
+{
+  const std::vector<tdm_test::File> files = {
+      {"main", tdm_test::repeated("#include \"g\"\nm __LINE__\n", 10000)},
+      {"g",
+       "#ifndef G\n#define G 1\n/* c\n */ x\n#if 0\ny\\\n#else\nz\n#endif\n#endif\n__LINE__\n"}};
+  Settings settings;
+  settings.positions_with_file = true;
+  const Outcome with = preprocess(files, settings);
+  tdm::skip_memo_enable(false);
+  const Outcome without = preprocess(files, settings);
+  tdm::skip_memo_enable(true);
+  EXPECT_TRUE(with.tokens == without.tokens); // too long to be shown
+  EXPECT_TRUE(with.tokens.ends_with(" 9@g:11:1<11> 7@main:20000:1<m> 9@main:20000:3<20000>"));
 }
 
 // Reads one file to its end; all of its text.
