@@ -212,7 +212,7 @@ std::vector<Row> rows()
       {"sections 250 deep",
        laid_out("section \"x\" (size = 1) { " + repeated("{ ", 250) + repeated("} ", 250) + "}"),
        "spec walked 252"},
-      {"too many groups", laid_out(repeated("group ", 300) + "select;"), too_deep},
+      {"too many groups", laid_out(repeated("group ", 100000) + "select;"), too_deep},
       {"a million blocks", laid_out(repeated("{ ", 1000000)), too_deep},
       {"a million else", laid_out(repeated("if (0) select; else ", 1000000) + "select;"), too_deep},
       {"100,000 selections", laid_out(repeated("select \"name\"; ", 100000)), "spec walked 100001"},
@@ -225,6 +225,16 @@ std::vector<Row> rows()
        "spec walked 2"},
       {"a pattern of open sets", laid_out("select \"" + repeated("[", 1000000) + "\";"),
        "syntax error: selection pattern error: unexpected end of input"},
+      {"macro calls 100,000 deep",
+       "#define f(x) x\n" + sized(repeated("f(", 100000) + "7" + repeated(")", 100000)), "spec 7"},
+      {"conditionals 100,000 deep",
+       repeated("#if 1\n", 100000) + sized("7") + repeated("#endif\n", 100000), "spec 7"},
+      {"parentheses of #if",
+       "#if " + repeated("(", 9999) + "0" + repeated(")", 9999) + "\n#else\n" + sized("7") +
+           "#endif\n",
+       "spec 7"},
+      {"a million parentheses of #if", // which is a fault, and a faulty condition counts as true
+       "#if " + repeated("(", 1000000) + "\n" + sized("7") + "#endif\n", "spec 7"},
       {"division by zero", sized("1 / 0"), "division by zero"},
       {"remainder by zero", sized("1 % 0"), "division by zero"},
   };
