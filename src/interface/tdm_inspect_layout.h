@@ -168,6 +168,11 @@ typedef struct tdm_inspect_expression_range {
  *  tdm_inspect_expression_range. */
 TDM_API tdm_arr *tdm_inspect_group_pages(const tdm_group *group);
 
+/*
+ * Locations as they are written; tdm.h tells them in numbers of the space. An address that
+ * isn't one of a memory is meant in the address literal space, if the space has one.
+ */
+
 /** How a location is written, see enum tdm_group_location_form. */
 TDM_API int tdm_inspect_group_location_form(const tdm_group_location *location);
 
