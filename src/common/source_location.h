@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
-#include <memory>
+#include <span>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
-#include <vector>
+
+#include "common/tdm_types.h"
 
 /// A place in a file. `file` is a text of the string pool (or a literal), so a location is three
 /// words that are copied freely; line and column count from 1, and 0/0 means "the file as a whole".
@@ -17,80 +17,115 @@ struct TDMSourceLocation {
   int column = 0;
 };
 
-/// The key under which a location is kept: a literal, or a text of the string pool. Keys are
-/// compared as texts; equal literals of one translation unit compare by address first.
+/// The key under which a location is kept: a literal, or a text that lives as long as the table.
+/// Keys are compared as texts; their hashes, which the compiler computes for literals, tell most
+/// of them apart.
 class LocationKey {
 public:
   // Implicit on purpose: keys are written as plain words at every use.
-  constexpr LocationKey(const char *text) : text_(text) {}
+  template <std::size_t Size>
+  consteval LocationKey(const char (&text)[Size]) : text_(text), hash_(hash_of({text, Size - 1}))
+  {
+  }
+
+  /// A key that is known at run time only.
+  explicit LocationKey(const char *const &text) : text_(text), hash_(hash_of(text)) {}
 
   [[nodiscard]] const char *text() const { return text_; }
+  [[nodiscard]] std::uint32_t hash() const { return hash_; }
 
   friend bool operator==(LocationKey a, LocationKey b)
   {
-    return a.text_ == b.text_ || std::strcmp(a.text_, b.text_) == 0;
+    return a.hash_ == b.hash_ && (a.text_ == b.text_ || std::strcmp(a.text_, b.text_) == 0);
   }
 
 private:
+  static constexpr std::uint32_t hash_of(std::string_view text)
+  {
+    std::uint32_t hash = 2166136261U;
+    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+    return hash;
+  }
+
   const char *text_;
+  std::uint32_t hash_;
 };
 
-/// The locations of one object, in the order in which they were stored. Most objects have a dozen
-/// keys at the most, and for these a flat list beats any tree, in memory and in time. But where
-/// keys are names of the text, as in copy tables, there is no end to them: a long list is indexed.
-class SourceLocations {
+/// The locations of one object, in the order in which they were stored.
+///
+/// Most objects have a dozen keys at the most, and for these a flat list beats any tree, in memory
+/// and in time. But where keys are names of the text, as in copy tables, there is no end to them: a
+/// long list is indexed. What is copied from object to object shares one list, until somebody
+/// stores into a shared one. The count of users is no atomic one: like all of the model, a list
+/// belongs to one thread at a time.
+class TDM_CLIENT_API SourceLocations {
 public:
-  using Entry = std::pair<LocationKey, TDMSourceLocation>;
+  struct Entry {
+    LocationKey first;
+    TDMSourceLocation second;
+  };
+
+  SourceLocations() = default;
+  SourceLocations(const SourceLocations &other) : list_(other.list_)
+  {
+    if (list_ != nullptr) ++list_->users;
+  }
+  SourceLocations(SourceLocations &&other) noexcept : list_(other.list_) { other.list_ = nullptr; }
+  SourceLocations &operator=(SourceLocations other) noexcept
+  {
+    List *const mine = list_;
+    list_ = other.list_;
+    other.list_ = mine;
+    return *this;
+  }
+  ~SourceLocations()
+  {
+    if (list_ != nullptr && --list_->users == 0) free(list_);
+  }
 
   /// Keeps the location under the key; the first one stored under a key wins.
   void store(LocationKey key, const TDMSourceLocation &location)
   {
-    if (find(key) == nullptr) entries_.emplace_back(key, location);
+    if (find(key) != nullptr) return;
+    if (list_ == nullptr || list_->count == list_->capacity || list_->users > 1) renew();
+    list_->entries()[list_->count++] = {key, location};
   }
 
   /// The location under the key, or null. The pointer stays valid until the next store.
   [[nodiscard]] const TDMSourceLocation *find(LocationKey key) const
   {
-    if (entries_.size() > flat_limit) return find_indexed(key);
-    for (const Entry &entry : entries_)
+    if (list_ == nullptr) return nullptr;
+    if (list_->count > flat_limit) return find_indexed(key);
+    for (const Entry &entry : entries())
       if (entry.first == key) return &entry.second;
     return nullptr;
   }
 
-  [[nodiscard]] const std::vector<Entry> &entries() const { return entries_; }
-
-private:
-  static constexpr std::size_t flat_limit = 32;
-
-  /// The places of the keys in the list, as far as it has been looked through. A copy starts
-  /// without it.
-  struct Index {
-    Index() = default;
-    Index(const Index &) {}
-    Index(Index &&) = default;
-    Index &operator=(const Index &)
-    {
-      places.reset();
-      return *this;
-    }
-    Index &operator=(Index &&) = default;
-    ~Index() = default;
-
-    std::unique_ptr<std::unordered_map<std::string_view, std::size_t>> places;
-  };
-
-  [[nodiscard]] const TDMSourceLocation *find_indexed(LocationKey key) const
+  [[nodiscard]] std::span<const Entry> entries() const
   {
-    auto &places = index_.places;
-    if (places == nullptr)
-      places = std::make_unique<std::unordered_map<std::string_view, std::size_t>>();
-    // Every key stands in the list once.
-    for (std::size_t i = places->size(); i < entries_.size(); ++i)
-      places->emplace(entries_[i].first.text(), i);
-    const auto found = places->find(key.text());
-    return found != places->end() ? &entries_[found->second].second : nullptr;
+    if (list_ == nullptr) return {};
+    return {list_->entries(), list_->count};
   }
 
-  std::vector<Entry> entries_;
-  mutable Index index_;
+private:
+  static constexpr std::uint32_t flat_limit = 32;
+
+  /// The head of a block of memory that goes on with the entries.
+  struct List {
+    std::uint32_t users;
+    std::uint32_t count;
+    std::uint32_t capacity;
+    std::uint32_t slots;   ///< of the index; 0 as long as there is none
+    std::uint32_t indexed; ///< how many entries the index knows
+    std::uint32_t *index;  ///< number of an entry plus one, or 0, by the hash of its key
+
+    [[nodiscard]] Entry *entries() { return reinterpret_cast<Entry *>(this + 1); }
+  };
+
+  void renew();
+  [[nodiscard]] const TDMSourceLocation *find_indexed(LocationKey key) const;
+  static void update_index(List &list);
+  static void free(List *list);
+
+  List *list_ = nullptr;
 };

@@ -2,11 +2,12 @@
 // each of which knows where in the user's files its parts were written.
 #pragma once
 
+#include "common/block_pool.h"
 #include "common/source_location.h"
 
 /// A record of the parse. It says what was written and nothing more; the model is built from
 /// records and never refers to one.
-class TDMFileObject {
+class TDMFileObject : public tdm::Pooled {
 public:
   TDMFileObject() = default;
   TDMFileObject(const TDMFileObject &) = delete;

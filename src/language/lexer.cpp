@@ -6,39 +6,42 @@
 #include <antlr/TokenStreamIOException.hpp>
 #include <antlr/TokenStreamRecognitionException.hpp>
 
+#include <array>
 #include <cstring>
 
+#include "language/characters.h"
 #include "language/token.h"
+#include "preprocessor/string_pool.h"
 
 namespace {
 
+using tdm::is_digit;
+using tdm::is_hex_digit;
+using tdm::is_plain;
+using tdm::is_word_character;
+using tdm::is_word_start;
+
 constexpr int eof = antlr::CharScanner::EOF_CHAR;
 
-constexpr bool is_digit(int c)
+/// The texts of the types up to DOLLAR; the rules of operators make none.
+constexpr std::array<std::string_view, TDMTokenTypes::DOLLAR + 1> operator_texts = {
+    "",   "",   "",   "",   "",   "[",  "]",  "{",  "}",  "(", ")", "=", ":=", "+",
+    "+=", "-",  "-=", "*=", "/=", "!=", "==", "||", "&&", "&", "~", "*", "/",  "%",
+    ">>", "<<", ">",  "<",  ">=", "<=", "^",  "|",  ",",  ":", ";", "!", "?",  "$"};
+
+/// Each character as a text.
+struct SingleTexts {
+  char text[128][2] = {};
+};
+
+constexpr SingleTexts make_single_texts()
 {
-  return c >= '0' && c <= '9';
+  SingleTexts texts;
+  for (int c = 0; c < 128; ++c) texts.text[c][0] = static_cast<char>(c);
+  return texts;
 }
 
-constexpr bool is_hex_digit(int c)
-{
-  return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
-constexpr bool is_word_start(int c)
-{
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-}
-
-constexpr bool is_word_character(int c)
-{
-  return is_word_start(c) || is_digit(c) || c == '.';
-}
-
-/// The characters of which comments and strings are made.
-constexpr bool is_plain(int c)
-{
-  return c >= 0 && c <= 127;
-}
+constexpr SingleTexts single_texts = make_single_texts();
 
 /// The suffix that the letter stands for when it stands alone, or 0.
 constexpr int suffix_type(int c)
@@ -62,34 +65,31 @@ constexpr int suffix_type(int c)
 
 TDMLexerBase::TDMLexerBase(antlr::InputBuffer &buffer)
     : CharScanner(buffer, true), stream_(dynamic_cast<TDMInputBuffer &>(buffer)),
-      state_(inputState.get())
+      tokens_(dynamic_cast<TDMPreprocessedFileInputStream *>(&stream_)), state_(inputState.get())
 {
 }
 
 void TDMLexerBase::consume()
 {
-  const int c = LA(1);
-  text += static_cast<char>(c);
-  if (c == '\t')
-    tab();
-  else
-    ++state_->column;
-  ahead_[0] = ahead_[1];
-  --held_;
+  text += static_cast<char>(LA(1));
+  pass();
 }
 
 void TDMLexerBase::resetText()
 {
   text.clear();
-  state_->tokenStartColumn = stream_.getColumn();
-  state_->tokenStartLine = stream_.getLine();
-  const char *file = stream_.getFile();
-  if (file != file_ || state_->filename.empty()) { // names are pooled
-    file_ = file;
-    state_->filename = file;
+  place_ = stream_place();
+  settle();
+}
+
+void TDMLexerBase::settle()
+{
+  state_->tokenStartColumn = state_->column = place_.column;
+  state_->tokenStartLine = state_->line = place_.line;
+  if (place_.file != file_ || state_->filename.empty()) { // names are pooled
+    file_ = place_.file;
+    state_->filename = place_.file;
   }
-  state_->column = state_->tokenStartColumn;
-  state_->line = state_->tokenStartLine;
 }
 
 antlr::RefToken TDMLexerBase::makeToken(int type)
@@ -97,9 +97,9 @@ antlr::RefToken TDMLexerBase::makeToken(int type)
   antlr::RefToken token = tokenFactory();
   auto &own = static_cast<TDMToken &>(*token.get());
   own.setType(type);
-  own.setColumn(state_->tokenStartColumn);
-  own.setLine(state_->tokenStartLine);
-  own.set_file(file_);
+  own.setColumn(place_.column);
+  own.setLine(place_.line);
+  own.set_file(place_.file);
   return token;
 }
 
@@ -110,17 +110,27 @@ TDMLexer::TDMLexer(antlr::InputBuffer &buffer) : TDMLexerBase(buffer)
   setTokenObjectFactory(&TDMToken::factory);
 }
 
-antlr::RefToken TDMLexer::nextToken()
+void TDMLexer::scan(tdm::Lexeme &next)
 {
   try {
     int type = antlr::Token::SKIP;
+    whole_ = {};
     while (type == antlr::Token::SKIP) {
-      resetText();
+      if (has_whole_tokens()) {
+        type = quick_token();
+        if (type != 0) continue;
+        text.clear();
+        settle();
+      } else {
+        resetText();
+      }
       type = any_token();
     }
-    _returnToken = makeToken(type);
-    _returnToken->setText(text);
-    return _returnToken;
+    const std::string_view characters = whole_.empty() ? lasting_text(type) : whole_;
+    next.type = type;
+    next.text = characters.data();
+    next.length = characters.size();
+    next.location = place_;
   } catch (antlr::RecognitionException &failure) {
     throw antlr::TokenStreamRecognitionException(failure);
   } catch (antlr::CharStreamIOException &failure) {
@@ -128,6 +138,28 @@ antlr::RefToken TDMLexer::nextToken()
   } catch (antlr::CharStreamException &failure) {
     throw antlr::TokenStreamException(failure.getMessage());
   }
+}
+
+antlr::RefToken TDMLexer::nextToken()
+{
+  tdm::Lexeme next;
+  scan(next);
+  _returnToken = makeToken(next.type);
+  _returnToken->setText(std::string(next.characters()));
+  return _returnToken;
+}
+
+// The text of a token that the rules have read, in a place where it stays.
+std::string_view TDMLexer::lasting_text(int type) const
+{
+  if (type <= DOLLAR) return operator_texts[static_cast<std::size_t>(type)];
+  if (text.size() == 1) return single_text(text[0]);
+  return {tdm::intern(text), text.size()};
+}
+
+std::string_view TDMLexer::single_text(int c)
+{
+  return {single_texts.text[c], 1};
 }
 
 // Chooses by one character; the rules of operators look at the second one themselves.
@@ -213,11 +245,9 @@ int TDMLexer::white_space()
     case ' ':
     case '\t':
     case '\f':
-      consume();
-      break;
     case '\r':
     case '\n':
-      line_end();
+      pass();
       break;
     default:
       return antlr::Token::SKIP;
@@ -228,8 +258,8 @@ int TDMLexer::white_space()
 // CR LF, CR or LF
 void TDMLexer::line_end()
 {
-  if (LA(1) == '\r' && LA(2) == '\n') consume();
-  consume();
+  if (LA(1) == '\r' && LA(2) == '\n') pass();
+  pass();
   newline();
 }
 
@@ -239,9 +269,17 @@ int TDMLexer::word()
   if (const int suffix = suffix_type(LA(1)); suffix != 0) {
     // Something must follow: a lone letter at the end of input is an identifier.
     const int next = LA(2);
-    if (is_plain(next) && !is_word_character(next)) return single(suffix);
+    if (is_plain(next) && !is_word_character(next)) {
+      consume();
+      return suffix;
+    }
   }
   consume();
+  return word_tail();
+}
+
+int TDMLexer::word_tail()
+{
   while (is_word_character(LA(1))) {
     const bool dot = LA(1) == '.';
     consume();
@@ -259,6 +297,11 @@ void TDMLexer::word_start()
 int TDMLexer::decimal_number()
 {
   consume();
+  return decimal_tail();
+}
+
+int TDMLexer::decimal_tail()
+{
   while (is_digit(LA(1))) consume();
   return DECIMAL_NUMBER;
 }
@@ -267,12 +310,20 @@ int TDMLexer::number_with_leading_zero()
 {
   const int second = LA(2);
   consume();
-  if (second != 'x' && second != 'X') {
-    while (LA(1) >= '0' && LA(1) <= '7') consume();
-    return OCTAL_NUMBER;
-  }
+  if (second != 'x' && second != 'X') return octal_tail();
   consume();
   if (!is_hex_digit(LA(1))) no_viable_alternative();
+  return hexadecimal_tail();
+}
+
+int TDMLexer::octal_tail()
+{
+  while (tdm::is_octal_digit(LA(1))) consume();
+  return OCTAL_NUMBER;
+}
+
+int TDMLexer::hexadecimal_tail()
+{
   while (is_hex_digit(LA(1))) consume();
   return HEXADECIMAL_NUMBER;
 }
@@ -312,7 +363,7 @@ int TDMLexer::slash()
   case '*':
     return multi_line_comment();
   case '=':
-    consume();
+    pass();
     return single(DIV_EQUALS);
   default:
     return single(DIV);
@@ -324,7 +375,7 @@ int TDMLexer::single_line_comment()
 {
   while (LA(1) != '\r' && LA(1) != '\n') {
     if (LA(1) == eof) no_viable_alternative();
-    consume();
+    pass();
   }
   line_end();
   return antlr::Token::SKIP;
@@ -332,8 +383,8 @@ int TDMLexer::single_line_comment()
 
 int TDMLexer::multi_line_comment()
 {
-  consume();
-  consume();
+  pass();
+  pass();
   for (;;) {
     const int c = LA(1);
     if (!is_plain(c)) break;
@@ -341,7 +392,7 @@ int TDMLexer::multi_line_comment()
     if (c == '\r' || c == '\n')
       line_end();
     else
-      consume();
+      pass();
   }
   expect('*');
   expect('/');
@@ -351,7 +402,7 @@ int TDMLexer::multi_line_comment()
 int TDMLexer::operator_with_equals(int alone, int with_equals)
 {
   const bool both = LA(2) == '=';
-  consume();
+  pass();
   return both ? single(with_equals) : alone;
 }
 
@@ -359,7 +410,7 @@ int TDMLexer::comparison(int alone, int doubled, int with_equals)
 {
   const int first = LA(1);
   const int second = LA(2);
-  consume();
+  pass();
   if (second == first) return single(doubled);
   return second == '=' ? single(with_equals) : alone;
 }
@@ -367,13 +418,13 @@ int TDMLexer::comparison(int alone, int doubled, int with_equals)
 int TDMLexer::doubled_operator(int alone, int doubled)
 {
   const bool both = LA(2) == LA(1);
-  consume();
+  pass();
   return both ? single(doubled) : alone;
 }
 
 int TDMLexer::single(int type)
 {
-  consume();
+  pass();
   return type;
 }
 

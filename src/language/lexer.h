@@ -4,11 +4,18 @@
 // at which the stream stands when resetText runs. By then up to two characters behind the previous
 // token may have been fetched, and the stream may already be at its next token; so what is fetched
 // when is part of the behaviour, and each rule reads ahead exactly where its decisions need it.
+//
+// There are two roads to a token, and one result. The rules read character by character. Where the
+// stream is that of the preprocessor and its token is at the same time a whole token of ours, a
+// word, number, string, comment or run of blanks, the rest of it is left out at once: see
+// lexer_whole_tokens.cpp.
 #pragma once
 
 #include <antlr/CharScanner.hpp>
 
+#include "language/lexeme.h"
 #include "language/token_types.h"
+#include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/tdm_input_buffer.h"
 
 /// What is the same for all rules: characters, positions and the making of tokens.
@@ -36,14 +43,55 @@ protected:
 
   [[nodiscard]] antlr::LexerInputState &state() { return *state_; }
 
+  /// Gives the scanner's state the place of the token at hand, as the rules need it: failures are
+  /// reported from there.
+  void settle();
+
+  /// consume() for what makes no text.
+  void pass()
+  {
+    advance(LA(1));
+    ahead_[0] = ahead_[1];
+    --held_;
+  }
+
+  /// Counts the character's column.
+  void advance(int c)
+  {
+    if (c == '\t')
+      tab();
+    else
+      ++state_->column;
+  }
+
+  // What the short road asks of the stream. It may only be taken on a stream of whole tokens.
+  [[nodiscard]] bool has_whole_tokens() const { return tokens_ != nullptr; }
+  [[nodiscard]] TDMPreprocessedFileInputStream &tokens() { return *tokens_; }
+  [[nodiscard]] unsigned int characters_held() const { return held_; }
+  void drop_held(unsigned int count)
+  {
+    ahead_[0] = ahead_[1];
+    held_ -= count;
+  }
+
+  TDMSourceLocation place_; ///< of the token at hand
+
 private:
   int fetch()
   {
-    const int c = stream_.getChar();
+    const int c =
+        tokens_ != nullptr ? tokens_->TDMPreprocessedFileInputStream::getChar() : stream_.getChar();
     return c < EOF_CHAR ? c & 0xFF : c;
   }
 
+  [[nodiscard]] TDMSourceLocation stream_place() const
+  {
+    if (tokens_ != nullptr) return tokens_->place();
+    return {stream_.getFile(), stream_.getLine(), stream_.getColumn()};
+  }
+
   TDMInputBuffer &stream_;
+  TDMPreprocessedFileInputStream *tokens_; ///< the same stream, if it has whole tokens; or null
   antlr::LexerInputState *state_; ///< that of the scanner, without the way over its counter
   const char *file_ = "";         ///< the same text as the state's file name
   int ahead_[2] = {};
@@ -61,7 +109,11 @@ public:
     return tdm::keyword_type(word, type);
   }
 
-  /// The next token that counts; EOF again and again behind the last one.
+  /// Reads the next token that counts; EOF again and again behind the last one. Failures are those
+  /// of nextToken.
+  void scan(tdm::Lexeme &next);
+
+  /// The same as a token of the runtime.
   antlr::RefToken nextToken() override;
 
 private:
@@ -69,8 +121,12 @@ private:
   int any_token();
   int white_space();
   int word();
+  int word_tail();
   int decimal_number();
+  int decimal_tail();
   int number_with_leading_zero();
+  int octal_tail();
+  int hexadecimal_tail();
   int string();
   int range();
   int slash();
@@ -86,4 +142,18 @@ private:
 
   void expect(int c);
   [[noreturn]] void no_viable_alternative();
+
+  // The short road; these give 0 where the rules have to look at the characters.
+  int quick_token();
+  void skip_blanks();
+  int whole_token(const tdm::PpToken &token);
+  int whole_text(const tdm::PpToken &token);
+  int whole_comment(const tdm::PpToken &token);
+  int single_character(int c);
+  int merged(int type, std::string_view front);
+
+  [[nodiscard]] std::string_view lasting_text(int type) const;
+  [[nodiscard]] static std::string_view single_text(int c);
+
+  std::string_view whole_; ///< the text of a whole token, which needs no copy; empty for others
 };

@@ -13,6 +13,7 @@
 #include "common/failures.h"
 #include "language/lexer.h"
 #include "language/parser.h"
+#include "language/token.h"
 
 namespace {
 

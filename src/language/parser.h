@@ -12,8 +12,8 @@
 
 #include <antlr/LLkParser.hpp>
 
+#include "language/lexer.h"
 #include "language/records.h"
-#include "language/token.h"
 #include "language/token_sets.h"
 
 namespace tdm {
@@ -42,7 +42,7 @@ inline const std::string &name_of(const std::optional<std::string> &name)
 
 class TDMParser final : public antlr::LLkParser, public TDMTokenTypes {
 public:
-  explicit TDMParser(antlr::TokenStream &tokens) : LLkParser(tokens, 2), tokens_(tokens) {}
+  explicit TDMParser(TDMLexer &lexer) : LLkParser(lexer, 2), lexer_(lexer) {}
 
   /// target_file: the one entry.
   std::unique_ptr<TDMFileInterface> target_file();
@@ -52,13 +52,9 @@ public:
   int LA(unsigned int i) override
   {
     if (held_ < i) fetch(i);
-    return types_[i - 1];
+    return window_[first_ ^ (i - 1)].type;
   }
-  antlr::RefToken LT(unsigned int i) override
-  {
-    if (held_ < i) fetch(i);
-    return window_[i - 1];
-  }
+  antlr::RefToken LT(unsigned int i) override; ///< only failures need tokens of the runtime
   void consume() override;
   void match(int type) override;
 
@@ -100,8 +96,8 @@ private:
   {
     if (!at(following)) no_viable_alternative();
   }
-  [[nodiscard]] const TDMToken &next_token();
-  [[nodiscard]] TDMSourceLocation here() { return next_token().location(); }
+  [[nodiscard]] const tdm::Lexeme &next_token();
+  [[nodiscard]] const TDMSourceLocation &here() { return next_token().location; }
   [[nodiscard]] bool at_tag_list();
 
   // Places, taken together with their key.
@@ -336,9 +332,9 @@ private:
   std::unique_ptr<TDMFileGroupLocationRange> group_range();
   std::unique_ptr<TDMFileGroupLocationRange> group_memory_range();
 
-  antlr::TokenStream &tokens_;
-  antlr::RefToken window_[2];
-  int types_[2] = {};
+  TDMLexer &lexer_;
+  tdm::Lexeme window_[2];
+  unsigned int first_ = 0; ///< which one of the window comes first
   unsigned int held_ = 0;
   int depth_ = 0;
   std::vector<PendingOperand> pending_; ///< shared by all levels of nesting

@@ -4,13 +4,33 @@
 
 #include <antlr/NoViableAltException.hpp>
 
-#include <cstdlib>
+#include <limits>
+#include <string_view>
 
 #include "common/failures.h"
+#include "language/token.h"
 
 namespace {
 
 constexpr int nesting_limit = 256;
+
+constexpr std::uint64_t value_of_digit(char digit)
+{
+  if (digit <= '9') return static_cast<std::uint64_t>(digit - '0');
+  return static_cast<std::uint64_t>((digit | 0x20) - 'a' + 10);
+}
+
+// A value that doesn't fit is the greatest one, and no failure.
+std::int64_t value_of_digits(std::string_view digits, std::uint64_t base)
+{
+  constexpr std::uint64_t greatest = std::numeric_limits<std::int64_t>::max();
+  std::uint64_t value = 0;
+  for (const char digit : digits) {
+    if (value > greatest / base) return static_cast<std::int64_t>(greatest);
+    value = value * base + value_of_digit(digit); // at most greatest + base - 1: no wrap
+  }
+  return static_cast<std::int64_t>(value < greatest ? value : greatest);
+}
 
 } // namespace
 
@@ -23,18 +43,19 @@ void TDMParser::NestingGuard::enter()
 
 void TDMParser::fetch(unsigned int count)
 {
-  while (held_ < count) {
-    window_[held_] = tokens_.nextToken();
-    types_[held_] = window_[held_]->getType();
-    ++held_;
-  }
+  for (; held_ < count; ++held_) lexer_.scan(window_[first_ ^ held_]);
+}
+
+antlr::RefToken TDMParser::LT(unsigned int i)
+{
+  if (held_ < i) fetch(i);
+  return TDMToken::make(window_[first_ ^ (i - 1)]);
 }
 
 void TDMParser::consume()
 {
   if (held_ == 0) fetch(1);
-  window_[0] = window_[1];
-  types_[0] = types_[1];
+  first_ ^= 1;
   --held_;
 }
 
@@ -58,10 +79,10 @@ void TDMParser::no_viable_alternative()
   throw antlr::NoViableAltException(LT(1), getFilename());
 }
 
-const TDMToken &TDMParser::next_token()
+const tdm::Lexeme &TDMParser::next_token()
 {
   if (held_ == 0) fetch(1);
-  return static_cast<const TDMToken &>(*window_[0].get());
+  return window_[first_];
 }
 
 // One token does not do: a reserved range may begin with a parenthesised expression.
@@ -136,7 +157,7 @@ void TDMParser::definition(TDMFileInterface &result)
 std::string TDMParser::identifier()
 {
   require_next(tdm::TokenSets::identifier_start);
-  std::string name = next_token().characters();
+  std::string name(next_token().characters());
   consume();
   return name;
 }
@@ -146,8 +167,8 @@ std::string TDMParser::string_value()
 {
   std::string text;
   if (at(STRING)) {
-    const std::string &quoted = next_token().characters();
-    text.assign(quoted, 1, quoted.size() - 2);
+    const std::string_view quoted = next_token().characters();
+    text.assign(quoted.substr(1, quoted.size() - 2));
   }
   match(STRING);
   return text;
@@ -169,23 +190,21 @@ std::int64_t TDMParser::number()
 // plain_number: DECIMAL_NUMBER | HEXADECIMAL_NUMBER | OCTAL_NUMBER
 std::int64_t TDMParser::plain_number()
 {
-  static_assert(sizeof(long long) == sizeof(std::int64_t));
-  int base = 0;
+  const std::string_view text = next_token().characters();
+  std::int64_t value = 0;
   switch (LA(1)) {
   case DECIMAL_NUMBER:
-    base = 10;
+    value = value_of_digits(text, 10);
     break;
   case HEXADECIMAL_NUMBER:
-    base = 16;
+    value = value_of_digits(text.substr(2), 16);
     break;
   case OCTAL_NUMBER:
-    base = 8;
+    value = value_of_digits(text, 8);
     break;
   default:
     no_viable_alternative();
   }
-  // A value that doesn't fit is the greatest one, and no failure.
-  const std::int64_t value = std::strtoll(next_token().characters().c_str(), nullptr, base);
   consume();
   return value;
 }

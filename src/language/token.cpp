@@ -8,6 +8,18 @@ antlr::RefToken TDMToken::factory()
   return antlr::RefToken(new TDMToken);
 }
 
+antlr::RefToken TDMToken::make(const tdm::Lexeme &lexeme)
+{
+  auto *token = new TDMToken;
+  antlr::RefToken result(token);
+  token->setType(lexeme.type);
+  token->setText(std::string(lexeme.characters()));
+  token->setLine(lexeme.location.line);
+  token->setColumn(lexeme.location.column);
+  token->set_file(lexeme.location.file);
+  return result;
+}
+
 void TDMToken::setFilename(const std::string &file)
 {
   file_ = tdm::intern(file);

@@ -3,12 +3,14 @@
 
 #include <antlr/CommonToken.hpp>
 
-#include "common/source_location.h"
+#include "language/lexeme.h"
 
 class TDMToken final : public antlr::CommonToken {
 public:
   /// What the lexer installs as its factory.
   static antlr::RefToken factory();
+
+  static antlr::RefToken make(const tdm::Lexeme &lexeme);
 
   /// Interns the name.
   void setFilename(const std::string &file) override;
@@ -20,9 +22,6 @@ public:
   void set_file(const char *file) { file_ = file; }
 
   [[nodiscard]] TDMSourceLocation location() const { return {file_, line, col}; }
-
-  /// The text without the copy that getText makes.
-  [[nodiscard]] const std::string &characters() const { return text; }
 
 private:
   const char *file_ = "";

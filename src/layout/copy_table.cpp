@@ -9,7 +9,7 @@
 
 namespace {
 
-TDMSpace *find_destination(const TDMFileObject &record, const std::string &name, const char *key,
+TDMSpace *find_destination(const TDMFileObject &record, const std::string &name, LocationKey key,
                            const tdm::SpaceLookup &lookup)
 {
   TDMSpace *space = lookup.find(name);
@@ -26,7 +26,7 @@ void resolve_pairs(const TDMFileObject &record, const Pairs &pairs, const tdm::S
                    std::map<TDMSpace *, TDMSpace *> &destinations)
 {
   for (const auto &[source, destination] : pairs) {
-    const char *key = tdm::intern(source);
+    const LocationKey key(tdm::intern(source));
     TDMSpace *from = find_destination(record, source, key, lookup);
     TDMSpace *to = find_destination(record, destination, key, lookup);
     destinations.emplace(from, to);

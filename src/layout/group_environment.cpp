@@ -135,7 +135,8 @@ private:
   void set_location()
   {
     if (group_.location == nullptr) return;
-    const LocationKey key = group_.is_run_address ? "runAddress" : "loadAddress";
+    const LocationKey key =
+        group_.is_run_address ? LocationKey("runAddress") : LocationKey("loadAddress");
     if (inner_->location != nullptr) fail_named(key, "trying to set address twice for group");
     if (group_.location->is_address()) {
       if (!inner_->ordered) fail_named(key, "absolute address set for unordered group");

@@ -241,7 +241,7 @@ private:
         group.is_run_address ? record.runAddress.get() : record.loadAddress.get();
     if (location != nullptr)
       group.location = build_group_location(
-          *location, context_, place(record, group.is_run_address ? "runAddress" : "loadAddress"));
+          *location, context_, place(record, group.is_run_address ? LocationKey("runAddress") : LocationKey("loadAddress")));
   }
 
   std::unique_ptr<TDMExpression> translate(const TDMFileObject &record, LocationKey key,

@@ -38,7 +38,9 @@ std::unique_ptr<TDMFileBus> make_bus(const TDMFileBus &of_core, const std::strin
   bus->name = of_core.name;
   bus->mauSize = clone_of(of_core.mauSize);
   bus->busWidth = clone_of(of_core.busWidth);
-  for (const char *key : {"name", "mauSize", "busWidth"}) copy_location(of_core, key, *bus, key);
+  for (const LocationKey key :
+       {LocationKey("name"), LocationKey("mauSize"), LocationKey("busWidth")})
+    copy_location(of_core, key, *bus, key);
 
   auto mapping = std::make_unique<TDMFileMapping>();
   mapping->destination = core + ":" + of_core.name.value_or("");

@@ -12,7 +12,7 @@ namespace tdm {
 
 /// What a layout and a setup are called in reports, and the key that these stand at.
 struct TargetWords {
-  const char *key;
+  LocationKey key;
   const char *no_processor;
   const char *no_core;
   const char *no_space;

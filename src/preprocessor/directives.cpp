@@ -266,7 +266,7 @@ void note_line_end(const PpToken &token)
 bool may_expand(const PpToken &name)
 {
   constexpr std::size_t builtin_length = std::string_view("__FUNCTION__").size();
-  return pooled(name.text).marks != 0 || name.length == builtin_length;
+  return (pooled(name.text).marks & marks_of_preprocessor) != 0 || name.length == builtin_length;
 }
 
 // What a token that came from the list stack or the scanner leads to; null when it was dropped or

@@ -1,10 +1,12 @@
 // The input of a parse: the named files, preprocessed, as one stream of characters.
 #pragma once
 
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "common/source_location.h"
 #include "preprocessor/pp_token.h"
 #include "preprocessor/tdm_input_buffer.h"
 
@@ -33,17 +35,24 @@ public:
   }
 
   int getLine() const override { return token_->position.line; }
-  int getColumn() const override
-  {
-    // A run of blanks is as many tokens as it has characters.
-    const int passed = token_->number == tWHITE ? static_cast<int>(text_ - token_->text) : 0;
-    return token_->position.column + passed;
-  }
+  /// A run of blanks counts as many tokens as it has characters.
+  int getColumn() const override { return place().column; }
   const char *getFile() const override { return token_->position.file; }
 
   /// The token whose characters are being handed out: number (tEOF at the end), text and position.
   /// The text of a name, number or string is interned.
   [[nodiscard]] const tdm::PpToken &current_token() const { return *token_; }
+
+  /// How many characters of the current token have been handed out.
+  [[nodiscard]] std::ptrdiff_t characters_taken() const { return text_ - token_->text; }
+
+  /// What getFile, getLine and getColumn tell.
+  [[nodiscard]] TDMSourceLocation place() const
+  {
+    const tdm_srcpos &position = token_->position;
+    const int passed = token_->number == tWHITE ? static_cast<int>(characters_taken()) : 0;
+    return {position.file, position.line, position.column + passed};
+  }
 
   /// Leaves the rest of the current token's text out.
   void skip_token() { fetch_token(); }

@@ -1,6 +1,7 @@
 // Start and end of the modules that outlive an input.
 #include "preprocessor/preprocessor.h"
 
+#include "common/block_pool.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
 #include "preprocessor/string_pool.h"
@@ -19,6 +20,7 @@ void preprocessor_end()
   diag_end();
   option_end();
   string_pool_end();
+  pool_trim(); // but for what a spec still holds
 }
 
 bool preprocessor_started()

@@ -35,6 +35,10 @@ struct PooledText {
 /// Set while the text names a macro, or did so earlier in the same stream.
 constexpr std::uint32_t mark_macro_name = 1;
 
+/// The bits from here up are the lexer's: what kind of token the text is.
+constexpr unsigned mark_lexer_shift = 8;
+constexpr std::uint32_t marks_of_preprocessor = (1U << mark_lexer_shift) - 1;
+
 /// The record of a text of the pool. Only for pointers that intern() gave.
 [[nodiscard]] inline PooledText &pooled(const char *text)
 {

@@ -78,7 +78,8 @@ inline ExpressionPtr address_of(std::int32_t kind, const std::string &name, bool
   record->objType = kind;
   record->objName = name;
   if (located)
-    for (const char *key : {"addressof", "objType", "objName"}) record->store_location(key, inside);
+    for (const char *key : {"addressof", "objType", "objName"})
+      record->store_location(LocationKey(key), inside);
   return record;
 }
 
@@ -88,7 +89,8 @@ inline ExpressionPtr size_of(std::int32_t kind, const std::string &name, bool lo
   record->objType = kind;
   record->objName = name;
   if (located)
-    for (const char *key : {"sizeof", "objType", "objName"}) record->store_location(key, inside);
+    for (const char *key : {"sizeof", "objType", "objName"})
+      record->store_location(LocationKey(key), inside);
   return record;
 }
 

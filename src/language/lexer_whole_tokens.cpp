@@ -1,0 +1,244 @@
+// The lexer's short road: tokens of the preprocessor that are tokens of the language as they stand.
+//
+// What the preprocessor calls a name, a number or a string is nearly always one token here too, so
+// the verdict is kept with the interned text, and the characters are looked at once for each text
+// and not once for each use. What comes behind may still join the token (`a` before `.b`, `1` made
+// by one macro before `2` made by another): then the rules go on from there.
+//
+// Both roads fetch from the stream in the same order and look at its place at the same moments, so
+// that nobody can tell afterwards which one a token took.
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include "language/characters.h"
+#include "language/lexer.h"
+#include "preprocessor/string_pool.h"
+
+namespace {
+
+/// Kept in place of a type: the text is no whole token.
+constexpr int not_whole = 1;
+
+template <typename Test> bool all(std::string_view text, Test test)
+{
+  return std::all_of(text.begin(), text.end(), test);
+}
+
+int type_of_number(std::string_view text)
+{
+  if (text[0] != '0') return all(text, tdm::is_digit) ? TDMTokenTypes::DECIMAL_NUMBER : not_whole;
+  if (text.size() > 2 && (text[1] == 'x' || text[1] == 'X'))
+    return all(text.substr(2), tdm::is_hex_digit) ? TDMTokenTypes::HEXADECIMAL_NUMBER : not_whole;
+  return all(text, tdm::is_octal_digit) ? TDMTokenTypes::OCTAL_NUMBER : not_whole;
+}
+
+// Strings with escapes take the long road.
+int type_of_string(std::string_view text)
+{
+  const std::string_view inside = text.substr(1, text.size() - 2);
+  return text.size() >= 2 && text.back() == '"' && all(inside, tdm::is_unescaped)
+             ? TDMTokenTypes::STRING
+             : not_whole;
+}
+
+int type_of(std::string_view text)
+{
+  if (tdm::is_digit(text[0])) return type_of_number(text);
+  if (text[0] == '"') return type_of_string(text);
+  const bool word = tdm::is_word_start(text[0]) && all(text, tdm::is_word_character) &&
+                    text.find('.') == std::string_view::npos;
+  return word ? tdm::keyword_type(text, TDMTokenTypes::IDENTIFIER) : not_whole;
+}
+
+/// The verdict of the text, kept with it.
+int kept_type_of(const tdm::PpToken &token)
+{
+  std::uint32_t &marks = tdm::pooled(token.text).marks;
+  const std::uint32_t kept = marks >> tdm::mark_lexer_shift;
+  if (kept != 0) return static_cast<int>(kept);
+  const int type = type_of(token.view());
+  marks |= static_cast<std::uint32_t>(type) << tdm::mark_lexer_shift;
+  return type;
+}
+
+constexpr bool is_blank(int c)
+{
+  return c == ' ' || c == '\n' || c == '\t' || c == '\r' || c == '\f';
+}
+
+/// A newline, or white space but for a vertical tab; only blanks and tabs come in runs.
+bool is_blank(const tdm::PpToken &token)
+{
+  return token.number == tNEWLINE || (token.number == tWHITE && is_blank(*token.text));
+}
+
+/// What a character is when it stands alone.
+struct SingleCharacter {
+  std::uint8_t type; ///< 0 where more has to be known
+  std::uint8_t followed_by_equals;
+};
+
+constexpr std::array<SingleCharacter, 128> make_single_characters()
+{
+  using T = TDMTokenTypes;
+  std::array<SingleCharacter, 128> table = {};
+  table['$'] = {T::DOLLAR, 0};
+  table['%'] = {T::MOD, 0};
+  table['('] = {T::LPAREN, 0};
+  table[')'] = {T::RPAREN, 0};
+  table[','] = {T::COMMA, 0};
+  table[';'] = {T::SEMICOLON, 0};
+  table['?'] = {T::QMARK, 0};
+  table['['] = {T::LBRACK, 0};
+  table[']'] = {T::RBRACK, 0};
+  table['^'] = {T::XOR, 0};
+  table['{'] = {T::LCURLY, 0};
+  table['}'] = {T::RCURLY, 0};
+  table['~'] = {T::BITWISE_NOT, 0};
+  table[':'] = {T::COLON, T::COLON_EQUALS};
+  table['+'] = {T::PLUS, T::PLUS_EQUALS};
+  table['-'] = {T::MINUS, T::MINUS_EQUALS};
+  table['*'] = {T::MUL, T::MULT_EQUALS};
+  table['!'] = {T::NOT, T::NOT_EQUALS};
+  table['='] = {T::EQUALS, T::COMPARE_EQUAL};
+  for (std::size_t digit = '1'; digit <= '9'; ++digit) table[digit] = {T::DECIMAL_NUMBER, 0};
+  return table;
+}
+
+constexpr auto single_characters = make_single_characters();
+
+bool has_high_byte(std::string_view text)
+{
+  std::uint64_t seen = 0;
+  std::size_t i = 0;
+  for (; i + sizeof seen <= text.size(); i += sizeof seen) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, text.data() + i, sizeof bytes);
+    seen |= bytes;
+  }
+  for (; i < text.size(); ++i) seen |= static_cast<unsigned char>(text[i]);
+  return (seen & 0x8080808080808080) != 0;
+}
+
+} // namespace
+
+int TDMLexer::quick_token()
+{
+  place_ = tokens().place();
+  if (characters_held() == 2) return 0;
+  skip_blanks();
+  const int c = LA(1);
+  if (tokens().characters_taken() == 1) return whole_token(tokens().current_token());
+  return single_character(c);
+}
+
+// The white space in front of a token. Its rule ends by looking at the first character behind it,
+// which is why the token's place is taken after that.
+void TDMLexer::skip_blanks()
+{
+  if (characters_held() == 1) {
+    if (!is_blank(LA(1))) return;
+    if (tokens().characters_taken() == 1) tokens().skip_token();
+    drop_held(1);
+  } else if (!is_blank(tokens().current_token())) {
+    return;
+  }
+  while (is_blank(tokens().current_token())) tokens().skip_token();
+  LA(1);
+  place_ = tokens().place();
+}
+
+// The token of which LA(1) is the first character, if it has more of them.
+int TDMLexer::whole_token(const tdm::PpToken &token)
+{
+  switch (token.number) {
+  case tIDENT:
+  case tICON:
+  case tSTRING:
+    return whole_text(token);
+  case tCOMMENT:
+    return whole_comment(token);
+  default:
+    return 0;
+  }
+}
+
+// A character that has been a token of the preprocessor, in the most frequent forms.
+int TDMLexer::single_character(int c)
+{
+  if (c < 0 || c > 127) return 0;
+  const SingleCharacter &known = single_characters[static_cast<std::size_t>(c)];
+  if (known.type == 0) return 0;
+  if (known.followed_by_equals != 0) {
+    const bool both = LA(2) == '=';
+    drop_held(both ? 2 : 1);
+    return both ? known.followed_by_equals : known.type;
+  }
+  drop_held(1);
+  if (known.type != DECIMAL_NUMBER) return known.type;
+  whole_ = single_text(c);
+  return tdm::is_digit(LA(1)) ? merged(known.type, whole_) : known.type;
+}
+
+int TDMLexer::whole_text(const tdm::PpToken &token)
+{
+  const int type = kept_type_of(token);
+  if (type == not_whole) return 0;
+  const std::string_view characters = token.view();
+  tokens().skip_token();
+  drop_held(1);
+  whole_ = characters;
+  switch (type) {
+  case STRING:
+    return type;
+  case DECIMAL_NUMBER:
+    return tdm::is_digit(LA(1)) ? merged(type, characters) : type;
+  case OCTAL_NUMBER:
+    return tdm::is_octal_digit(LA(1)) ? merged(type, characters) : type;
+  case HEXADECIMAL_NUMBER:
+    return tdm::is_hex_digit(LA(1)) ? merged(type, characters) : type;
+  default:
+    return tdm::is_word_character(LA(1)) ? merged(type, characters) : type;
+  }
+}
+
+// The token goes on in the next one of the preprocessor.
+int TDMLexer::merged(int type, std::string_view front)
+{
+  settle();
+  whole_ = {};
+  text.assign(front);
+  state().column += static_cast<int>(front.size());
+  switch (type) {
+  case DECIMAL_NUMBER:
+    return decimal_tail();
+  case OCTAL_NUMBER:
+    return octal_tail();
+  case HEXADECIMAL_NUMBER:
+    return hexadecimal_tail();
+  default:
+    return word_tail();
+  }
+}
+
+// The preprocessor has found the end of the comment, unless the input ended first; only characters
+// that are refused here, and a CR, which ends a line comment, need a look.
+int TDMLexer::whole_comment(const tdm::PpToken &token)
+{
+  const std::string_view characters = token.view();
+  if (characters[1] == '*') {
+    const bool closed = characters.size() >= 4 && characters.ends_with("*/");
+    if (!closed || has_high_byte(characters)) return 0;
+    tokens().skip_token();
+    drop_held(1);
+    return antlr::Token::SKIP;
+  }
+  if (characters.find('\r') != characters.npos) return 0;
+  settle();
+  for (const char c : characters) advance(c);
+  tokens().skip_token();
+  drop_held(1);
+  return single_line_comment();
+}

@@ -1,0 +1,210 @@
+// The lexer has a short road for whole tokens of the preprocessor. It must make no difference: here
+// texts are read on both roads, and types, texts, places and failures are compared. The long road
+// is taken through a stream that hands the same characters on, but no tokens.
+#include <gtest/gtest.h>
+
+#include <antlr/CharScanner.hpp>
+#include <antlr/TokenStreamRecognitionException.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "language/lexer.h"
+#include "preprocessor/preprocessor.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class CharactersOnly final : public TDMInputBuffer {
+public:
+  explicit CharactersOnly(TDMInputBuffer &stream) : stream_(stream) {}
+  int getChar() override { return stream_.getChar(); }
+  int getLine() const override { return stream_.getLine(); }
+  int getColumn() const override { return stream_.getColumn(); }
+  const char *getFile() const override { return stream_.getFile(); }
+
+private:
+  TDMInputBuffer &stream_;
+};
+
+std::string tokens_of(TDMInputBuffer &stream)
+{
+  TDMLexer lexer(stream);
+  std::ostringstream out;
+  try {
+    tdm::Lexeme token;
+    for (int behind_end = 0; behind_end < 2; behind_end += token.type == TDMTokenTypes::EOF_) {
+      lexer.scan(token);
+      out << token.location.file << ':' << token.location.line << ':' << token.location.column
+          << ' ' << token.type << ' ' << token.characters() << '\n';
+    }
+  } catch (const antlr::TokenStreamRecognitionException &failure) {
+    out << failure.getFilename() << ':' << failure.getLine() << ':' << failure.getColumn() << ' '
+        << failure.getMessage() << '\n';
+  }
+  out << "then " << stream.getLine() << ':' << stream.getColumn();
+  return out.str();
+}
+
+std::string read(const std::string &file, bool characters_only)
+{
+  tdm::preprocessor_start();
+  std::string result;
+  {
+    TDMPreprocessedFileInputStream stream({file}, nullptr);
+    CharactersOnly characters(stream);
+    result = characters_only ? tokens_of(characters) : tokens_of(stream);
+  }
+  tdm::preprocessor_end();
+  return result;
+}
+
+/// Whether both roads agree; tells how many tokens there were.
+std::size_t compare(const std::string &file)
+{
+  const std::string expected = read(file, true);
+  EXPECT_EQ(read(file, false), expected) << file;
+  return static_cast<std::size_t>(std::count(expected.begin(), expected.end(), '\n'));
+}
+
+TEST(WholeTokens, AgreeWithCharactersOnAllCasesAndExamples)
+{
+  std::size_t tokens = 0;
+  for (const char *folder : {"/tests/cases", "/examples"})
+    for (const auto &entry : fs::recursive_directory_iterator(std::string(TDM_SOURCE_DIR) + folder))
+      if (entry.is_regular_file() && entry.path().extension() != ".py")
+        tokens += compare(entry.path().string());
+  EXPECT_GT(tokens, 20000U);
+}
+
+TEST(WholeTokens, AgreeWithCharactersOnRandomTexts)
+{
+  const unsigned seed = std::random_device()();
+  std::printf("seed %u\n", seed);
+  const char *const pieces[] = {"memory",
+                                "a",
+                                "k",
+                                "g",
+                                "b_1",
+                                "x9",
+                                "0",
+                                "00",
+                                "08",
+                                "7",
+                                "10",
+                                "16k",
+                                "0x1F",
+                                "0x",
+                                "0xg",
+                                "1.5",
+                                "0..7",
+                                "a.b",
+                                "a..b",
+                                ".",
+                                "..",
+                                "\"s\"",
+                                "\"\"",
+                                "\"a\\\"b\"",
+                                "\"\\n\"",
+                                "\"\t\"",
+                                "\"\xC3\"",
+                                "\"o",
+                                "'c'",
+                                " ",
+                                "  ",
+                                "\t\t ",
+                                "\n",
+                                "\n    ",
+                                "\r\n",
+                                "\v",
+                                "\f\f",
+                                "/* c */",
+                                "/**/",
+                                "/* \n\n */",
+                                "/*/*/",
+                                "/* \xE9*/",
+                                "// l\n",
+                                "// c\r d\n", "//\tt\tu",
+                                "// \\\n m\n",
+                                "//\xE9\n",
+                                "/",
+                                "/=",
+                                "=",
+                                "==",
+                                ":=",
+                                ":",
+                                "+",
+                                "+=",
+                                "-",
+                                "*",
+                                "*=",
+                                "!",
+                                "!=",
+                                "<",
+                                "<<",
+                                "<=",
+                                ">>",
+                                "|",
+                                "||",
+                                "&",
+                                "&&",
+                                "^",
+                                "%",
+                                "~",
+                                "?",
+                                "$",
+                                "(",
+                                ")",
+                                "{",
+                                "}",
+                                "[",
+                                "]",
+                                ",",
+                                ";",
+                                "O",
+                                "F(a)",
+                                "F(1)",
+                                "F()",
+                                "P(a,b)",
+                                "P(1,2)",
+                                "S(x y)",
+                                "E",
+                                "B(7)",
+                                "\\\n",
+                                "?"
+                                "?/\n",
+                                "?"
+                                "?(",
+                                "@",
+                                "L\"w\"",
+                                "#",
+                                "\xFF",
+                                "\n#define O 4 /* o */\n",
+                                "\n#define E\n",
+                                "\n#line 7 \"f\"\n",
+                                "\n#if 0\n a \n#endif\n",
+                                "\n#pragma p q\n"};
+  std::mt19937 random(seed);
+  const std::string file = testing::TempDir() + "whole_tokens.tdm";
+  const auto count = std::size(pieces);
+  for (int round = 0; round < 1500 && !HasFailure(); ++round) {
+    std::ofstream out(file, std::ios::binary);
+    out << "#define O 12\n#define F(x) x x.x x/**/k\n#define P(x, y) x ## y x\n"
+           "#define S(x) #x\n#define B(x) \"s\" 1 x\n";
+    for (int length = static_cast<int>(random() % 30); length >= 0; --length) {
+      // Mostly texts that can be read to their end.
+      const char *piece = pieces[random() % count];
+      out << piece << (random() % 3 == 0 ? "" : " ");
+    }
+    out.close();
+    compare(file);
+  }
+  fs::remove(file);
+}
+
+} // namespace
