@@ -19,7 +19,7 @@ def counted(program, argument, work):
     for line in done.stdout.splitlines():
         name, count = line.rsplit(" ", 1)
         units[name] = int(count)
-    figures = {}
+    totals = {}
     for path in glob.glob(f"{work}/part.*"):
         name = total = None
         with open(path, errors="replace") as lines:
@@ -29,9 +29,8 @@ def counted(program, argument, work):
                 elif line.startswith(("summary:", "totals:")):
                     total = int(line.split()[1])
                     break
-        if name in units:
-            figures[name] = total / units[name]
-    return figures
+        totals[name] = total
+    return {name: totals[name] / count for name, count in units.items()}
 
 
 def timed(program, argument):

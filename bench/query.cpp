@@ -3,8 +3,6 @@
 //     bench_query [--count] FILE
 //
 // A unit is one call. Names that are looked up are copies: the caller's text, not one of the pool.
-#include <algorithm>
-
 #include <benchmark/benchmark.h>
 
 #include "measured.h"
@@ -29,11 +27,11 @@ std::vector<std::string> names(const std::vector<T *> &all, const char *(*name)(
   return texts;
 }
 
-/// In an order that isn't that of the model.
-template <class T> std::vector<T> shuffled(const std::vector<T> &all)
+/// So many of them as there are calls, in an order that isn't that of the model.
+template <class T> std::vector<T> asked(const std::vector<T> &all)
 {
   std::vector<T> mixed;
-  for (std::size_t i = 0; i < all.size(); ++i) mixed.push_back(all[i * 7919 % all.size()]);
+  for (std::size_t i = 0; i < calls; ++i) mixed.push_back(all[i * 7919 % all.size()]);
   return mixed;
 }
 
@@ -45,15 +43,14 @@ int main(int argc, char **argv)
   bench::require(program.arguments().size() == 1, "bench_query [--count] FILE");
   const bench::Description description(program.arguments()[0]);
   const tdm_spec *spec = description.spec();
-  const auto memories = shuffled(bench::sample(description.memories(), calls));
-  const auto processors =
-      shuffled(bench::sample(bench::taken<tdm_processor>(tdm_spec_get_processors(spec)), calls));
-  const auto spaces = shuffled(bench::sample(description.spaces(), calls));
+  const auto memories = asked(bench::sample(description.memories(), calls));
+  const auto processors = asked(bench::taken<tdm_processor>(tdm_spec_get_processors(spec)));
+  const auto spaces = asked(description.spaces());
   const auto memory_names = names(memories, tdm_memory_get_name);
   const auto processor_names = names(processors, tdm_processor_get_name);
   const tdm_core *core = description.cores().front();
   const auto space_names =
-      names(bench::taken<tdm_space>(tdm_core_get_spaces(core)), tdm_space_get_name);
+      names(asked(bench::taken<tdm_space>(tdm_core_get_spaces(core))), tdm_space_get_name);
 
   program.run({
       asking("name of a memory", memories, tdm_memory_get_name),
