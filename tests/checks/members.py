@@ -105,6 +105,8 @@ def table(path):
 
 def main():
     library, source = sys.argv[1], pathlib.Path(sys.argv[2])
+    if not pathlib.Path(library).is_file():
+        sys.exit(f'there is no {library}')
     pahole = shutil.which('pahole')
     if pahole is None:
         print('skipped: there is no pahole (Debian package dwarves)')
