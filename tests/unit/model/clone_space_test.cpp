@@ -27,7 +27,7 @@ architecture a {
   bus c { mau = 8; width = 8; }
 }
 derivative chip {
-  core cpu { architecture = a; }
+  core cpu { architecture = many; }
   memory low { mau = 8; type = ram; size = 0x1000; map (dest = bus:cpu:d, size = 0x1000); }
   memory shared { mau = 8; type = ram; size = 0x1000;
     map (dest = bus:cpu:d, dest_offset = 0x1000, size = 0x1000);
@@ -36,13 +36,27 @@ derivative chip {
 processor p { derivative = chip; }
 )";
 
+/// Ten spaces that each see a part of a memory of their own, and all another one.
+std::string many_spaces()
+{
+  std::string text = "architecture many extends a {\n";
+  for (int i = 0; i < 10; ++i) {
+    const std::string offset = std::to_string(16 * i);
+    text += "space x" + std::to_string(i) + " { id = " + std::to_string(20 + i) +
+            "; mau = 8; map (dest = bus:d, src_offset = " + offset + ", dest_offset = " + offset +
+            ", size = 16); map (dest = bus:c, src_offset = 0x800, dest_offset = 0x1000, size = "
+            "16); }\n";
+  }
+  return text + "}\n";
+}
+
 class CloneSpaces : public ::testing::Test {
 protected:
   void SetUp() override
   {
     const fs::path path =
         fs::temp_directory_path() / ("clone_space_" + std::to_string(getpid()) + ".tdm");
-    std::ofstream(path) << two_spaces;
+    std::ofstream(path) << two_spaces << many_spaces();
     tdm::preprocessor_start();
     spec_ = std::make_unique<TDMSpec>(std::vector<std::string>{path.string()});
     fs::remove(path);
@@ -71,7 +85,7 @@ TEST_F(CloneSpaces, ReachEachMemoryThroughTheLastMemberThatReachesIt)
   ASSERT_NE(clone, nullptr);
   EXPECT_EQ(spec_->find_clone_space(names), clone);
   EXPECT_EQ(clone->name, "p:cpu:code|p:cpu:data");
-  EXPECT_EQ(clone->id, 9);
+  EXPECT_EQ(clone->id, 30);
   EXPECT_EQ(clone->mau_size, 8);
   EXPECT_EQ(clone->valid_interval().low.value, 0);
   EXPECT_EQ(clone->valid_interval().high.value, 0x2000);
@@ -86,6 +100,26 @@ TEST_F(CloneSpaces, ReachEachMemoryThroughTheLastMemberThatReachesIt)
   const auto routes = tdm::map_to_memory<AddressValue>(*clone, AddressValue{0x1234, 0, 8, -1});
   ASSERT_EQ(routes.size(), 1U);
   EXPECT_EQ(routes.front().value.value, 0x234);
+}
+
+TEST_F(CloneSpaces, ManyMembersAreReachedAsAFew)
+{
+  std::set<std::string> names;
+  for (const char number : std::string("0123456789")) names.insert(std::string("p:cpu:x") + number);
+  const TDMCloneSpace *clone = create(names);
+  ASSERT_NE(clone, nullptr);
+
+  // What one member alone reaches is at its own address, what all reach at that of the last.
+  std::set<std::pair<int64_t, std::string>> reached;
+  for (const TDMMapping *mapping : clone->outgoing_mappings()) {
+    std::string member;
+    mapping->destination()->get_full_name(member);
+    reached.emplace(mapping->src_offset, member);
+  }
+  std::set<std::pair<int64_t, std::string>> expected = {{0x800, "p:cpu:x9"}};
+  for (int i = 0; i < 10; ++i) expected.emplace(16 * i, "p:cpu:x" + std::to_string(i));
+  EXPECT_EQ(reached, expected);
+  EXPECT_EQ(clone->outgoing_mappings().size(), expected.size());
 }
 
 TEST_F(CloneSpaces, UnknownNamesAreLeftOutUnlessAllAre)
