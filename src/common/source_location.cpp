@@ -8,8 +8,8 @@
 
 namespace {
 
-// Records of three or four keys are as frequent as those of ten.
-constexpr std::uint32_t first_capacity = 6;
+// Numbers and names in expressions have one key, most other records a few, and some ten.
+constexpr std::uint32_t first_capacity = 2;
 
 } // namespace
 
@@ -17,7 +17,7 @@ constexpr std::uint32_t first_capacity = 6;
 void SourceLocations::renew()
 {
   const std::uint32_t count = list_ == nullptr ? 0 : list_->count;
-  const std::uint32_t capacity = count < first_capacity ? first_capacity : count * 2;
+  const std::uint32_t capacity = count == 0 ? first_capacity : count * (count < 8 ? 4 : 2);
   void *memory = tdm::pool_allocate(sizeof(List) + capacity * sizeof(Entry));
   List *const list = new (memory) List{1, count, capacity, 0, 0, nullptr};
   if (count > 0)

@@ -68,6 +68,11 @@ protected:
   [[nodiscard]] bool has_whole_tokens() const { return tokens_ != nullptr; }
   [[nodiscard]] TDMPreprocessedFileInputStream &tokens() { return *tokens_; }
   [[nodiscard]] unsigned int characters_held() const { return held_; }
+  void leave_out_token()
+  {
+    tokens_->skip_token();
+    held_ = 0;
+  }
   void drop_held(unsigned int count)
   {
     ahead_[0] = ahead_[1];
@@ -145,7 +150,6 @@ private:
 
   // The short road; these give 0 where the rules have to look at the characters.
   int quick_token();
-  void skip_blanks();
   int whole_token(const tdm::PpToken &token);
   int whole_text(const tdm::PpToken &token);
   int whole_comment(const tdm::PpToken &token);

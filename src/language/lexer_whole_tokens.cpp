@@ -124,33 +124,34 @@ bool has_high_byte(std::string_view text)
 
 } // namespace
 
+// The rule of white space ends by looking at the first character of what is behind it. So the place
+// of a token that is a single character is that of the token behind it, if white space came first.
 int TDMLexer::quick_token()
 {
-  place_ = tokens().place();
-  if (characters_held() == 2) return 0;
-  skip_blanks();
+  TDMPreprocessedFileInputStream &stream = tokens();
+  const tdm::PpToken *token = &stream.current_token();
+  bool behind_blanks = false;
+  if (characters_held() > 0) {
+    const int c = LA(1);
+    const bool begun = characters_held() == 1 && stream.characters_taken() == 1;
+    if (characters_held() == 2 || !is_blank(c)) {
+      place_ = stream.place();
+      if (begun) return whole_token(*token);
+      return characters_held() == 1 ? single_character(c) : 0;
+    }
+    if (begun) token = &stream.skip_token();
+    drop_held(1);
+    behind_blanks = true;
+  }
+  for (; is_blank(*token); behind_blanks = true) token = &stream.skip_token();
+  place_ = {token->position.file, token->position.line, token->position.column};
+  if (token->length > 1) return whole_token(*token);
   const int c = LA(1);
-  if (tokens().characters_taken() == 1) return whole_token(tokens().current_token());
+  if (behind_blanks) place_ = stream.place();
   return single_character(c);
 }
 
-// The white space in front of a token. Its rule ends by looking at the first character behind it,
-// which is why the token's place is taken after that.
-void TDMLexer::skip_blanks()
-{
-  if (characters_held() == 1) {
-    if (!is_blank(LA(1))) return;
-    if (tokens().characters_taken() == 1) tokens().skip_token();
-    drop_held(1);
-  } else if (!is_blank(tokens().current_token())) {
-    return;
-  }
-  while (is_blank(tokens().current_token())) tokens().skip_token();
-  LA(1);
-  place_ = tokens().place();
-}
-
-// The token of which LA(1) is the first character, if it has more of them.
+// The token that comes next; its first character may have been taken, for LA(1).
 int TDMLexer::whole_token(const tdm::PpToken &token)
 {
   switch (token.number) {
@@ -187,8 +188,7 @@ int TDMLexer::whole_text(const tdm::PpToken &token)
   const int type = kept_type_of(token);
   if (type == not_whole) return 0;
   const std::string_view characters = token.view();
-  tokens().skip_token();
-  drop_held(1);
+  leave_out_token();
   whole_ = characters;
   switch (type) {
   case STRING:
@@ -231,14 +231,12 @@ int TDMLexer::whole_comment(const tdm::PpToken &token)
   if (characters[1] == '*') {
     const bool closed = characters.size() >= 4 && characters.ends_with("*/");
     if (!closed || has_high_byte(characters)) return 0;
-    tokens().skip_token();
-    drop_held(1);
+    leave_out_token();
     return antlr::Token::SKIP;
   }
   if (characters.find('\r') != characters.npos) return 0;
   settle();
   for (const char c : characters) advance(c);
-  tokens().skip_token();
-  drop_held(1);
+  leave_out_token();
   return single_line_comment();
 }

@@ -310,11 +310,11 @@ const PpToken *read_round(bool expand)
   return treat(&token, false, expand);
 }
 
-// The whole read step, perhaps with a token that has been taken from the scanner.
-const PpToken &read_on(const PpToken *token, bool expand)
+// The whole read step, perhaps with a token that has been taken already.
+const PpToken &read_on(const PpToken *token, bool from_list, bool expand)
 {
   ++state.depth;
-  if (token != nullptr) token = treat(token, false, expand);
+  if (token != nullptr) token = treat(token, from_list, expand);
   while (token == nullptr) token = read_round(expand);
   if (--state.depth == 0 && (token->number == tIDENT || token->number == tIDENT2))
     token = &finished_name(*token);
@@ -322,7 +322,7 @@ const PpToken &read_on(const PpToken *token, bool expand)
 }
 
 // Most tokens of an active group need no more than this.
-bool passes(const PpToken &token, bool expand)
+inline bool passes(const PpToken &token, bool from_list, bool expand)
 {
   switch (token.number) {
   case tIDENT:
@@ -336,12 +336,16 @@ bool passes(const PpToken &token, bool expand)
   case tCOMMENT:
     return true;
   case tHASH:
+    if (!from_list) return false;
+    break;
+  case tIDENT2:
   case tEOF:
     return false;
   default:
-    state.at_line_start = false;
-    return true;
+    break;
   }
+  state.at_line_start = false;
+  return true;
 }
 
 } // namespace
@@ -419,11 +423,13 @@ std::string_view rest_of_line()
 
 const tdm::PpToken &pp_next_token(bool expand)
 {
-  if (tdm::list_stack_empty() && !tdm::state.in_directive && tdm::conditional_active()) {
-    const tdm::PpToken &token = scanner_next_token();
-    tdm::expansion_work.allowed += tdm::expansion_per_token;
-    if (tdm::passes(token, expand)) return token;
-    return tdm::read_on(&token, expand);
+  using namespace tdm;
+  if (state.in_directive || !conditional_active()) return read_on(nullptr, false, expand);
+  if (list_stack_empty()) {
+    const PpToken &token = scanner_next_token();
+    expansion_work.allowed += expansion_per_token;
+    return passes(token, false, expand) ? token : read_on(&token, false, expand);
   }
-  return tdm::read_on(nullptr, expand);
+  if (!list_next_plain(state.token)) return read_on(nullptr, false, expand);
+  return passes(state.token, true, expand) ? state.token : read_on(&state.token, true, expand);
 }

@@ -372,10 +372,9 @@ void pop_list()
   --list_count;
 }
 
-bool count_work(std::size_t tokens, const tdm_srcpos &position)
+bool refuse_work(const tdm_srcpos &position)
 {
-  expansion_work.done += tokens;
-  if (expansion_work.done <= expansion_work.allowed || expansion.exhausted) return true;
+  if (expansion.exhausted) return true;
   diag_at(E_expansion_limit, position, static_cast<int>(expansion_limit));
   expansion.exhausted = true;
   return false;
@@ -405,6 +404,19 @@ Read read_item(PpToken &item, Parts whole)
     push_list(inner);
   }
   return Read::end;
+}
+
+bool list_next_plain(PpToken &token)
+{
+  OpenList &list = expansion.lists.back();
+  if (list.cursor == list.end || list.cursor->number == item_part ||
+      expansion_work.done >= expansion_work.allowed)
+    return false;
+  ++expansion_work.done;
+  token = *list.cursor++;
+  if (list.positioned) token.position = list.position;
+  expansion.forwarding = list.forwarded;
+  return true;
 }
 
 bool list_next(PpToken &token)

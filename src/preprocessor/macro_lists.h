@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "preprocessor/c_buffer.h"
+#include "preprocessor/macro_expand.h"
 #include "preprocessor/macros.h"
 #include "preprocessor/token_list.h"
 
@@ -71,9 +72,16 @@ Read read_item(PpToken &item, Parts whole);
 void push_list(const OpenList &list);
 void pop_list();
 
+/// The limit has been met: reports it, unless that has been done; false when it reports.
+bool refuse_work(const tdm_srcpos &position);
+
 /// Counts tokens made or read; false, once, when the limit is met. Expansion then stops as soon as
 /// it can, for the rest of the input.
-bool count_work(std::size_t tokens, const tdm_srcpos &position);
+inline bool count_work(std::size_t tokens, const tdm_srcpos &position)
+{
+  expansion_work.done += tokens;
+  return expansion_work.done <= expansion_work.allowed || refuse_work(position);
+}
 
 /// Whether the next token that isn't white is a "(". Tokens that must be read from the input for
 /// that are put back.

@@ -38,13 +38,6 @@ bool is_name_character(char c)
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-PpToken marker()
-{
-  PpToken token;
-  token.number = tMARKER;
-  return token;
-}
-
 class Substitution {
 public:
   Substitution(const MacroCall &call, std::vector<PpToken> &result)
@@ -65,10 +58,19 @@ public:
       }
     }
     finish_join();
-    std::erase_if(result_, [](const PpToken &token) { return token.number == tMARKER; });
+    if (has_marker_)
+      std::erase_if(result_, [](const PpToken &token) { return token.number == tMARKER; });
   }
 
 private:
+  PpToken marker()
+  {
+    has_marker_ = true;
+    PpToken token;
+    token.number = tMARKER;
+    return token;
+  }
+
   static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
   [[nodiscard]] std::size_t next_token(std::size_t i) const
@@ -151,7 +153,12 @@ private:
 
   void append_expanded(const MacroArgument &argument)
   {
-    for (std::size_t i = 0; i < argument.expanded_count; ++i) append(argument.expanded[i]);
+    finish_join();
+    for (std::size_t i = 0; i < argument.expanded_count; ++i) {
+      result_.push_back(argument.expanded[i]);
+      result_.back().link = 0;
+    }
+    count_work(argument.expanded_count, call_.name.position);
   }
 
   // ---- # ----
@@ -305,6 +312,7 @@ private:
   const MacroCall &call_;
   const TDMMacro &macro_;
   std::vector<PpToken> &result_;
+  bool has_marker_ = false;
   std::vector<PpToken> scanned_;
   bool joining_ = false;
 };

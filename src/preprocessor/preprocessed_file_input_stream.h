@@ -54,8 +54,12 @@ public:
     return {position.file, position.line, position.column + passed};
   }
 
-  /// Leaves the rest of the current token's text out.
-  void skip_token() { fetch_token(); }
+  /// Leaves the rest of the current token's text out; gives the token behind it.
+  const tdm::PpToken &skip_token()
+  {
+    fetch_token();
+    return *token_;
+  }
 
 private:
   void start(const std::vector<std::string> &files);
