@@ -4,6 +4,7 @@
 
 #include "common/failures.h"
 #include "interface/guard.h"
+#include "interface/input.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "model/spec.h"
@@ -28,11 +29,7 @@ void add_options(tdm::Option option, const tdm_arr *values)
 
 tdm_spec *parse(const tdm_arr *files, const tdm_arr *include_dirs)
 {
-  if (!tdm::preprocessor_started()) throw new TDMFileException("tdm_init has not been called");
-  add_options(tdm::optINCDIR, include_dirs);
-  const std::vector<std::string> names = tdm::texts_of(files);
-  if (names.empty()) throw new TDMFileException("no target-description file given");
-  return std::make_unique<TDMSpec>(names).release();
+  return std::make_unique<TDMSpec>(tdm::begin_input(files, include_dirs)).release();
 }
 
 tdm_arr *messages(char letter)
@@ -44,6 +41,16 @@ tdm_arr *messages(char letter)
 }
 
 } // namespace
+
+std::vector<std::string> tdm::begin_input(const tdm_arr *files, const tdm_arr *include_dirs)
+{
+  if (!tdm::preprocessor_started()) throw new TDMFileException("tdm_init has not been called");
+  end_token_stream();
+  add_options(tdm::optINCDIR, include_dirs);
+  std::vector<std::string> names = tdm::texts_of(files);
+  if (names.empty()) throw new TDMFileException("no target-description file given");
+  return names;
+}
 
 void tdm_provides(const char **name, int *major, int *minor, const char **revision)
 {
@@ -61,6 +68,7 @@ const char *tdm_requires(void)
 void tdm_init(const tdm_arr *defines)
 {
   guarded([&] {
+    tdm::end_token_stream();
     tdm::preprocessor_start();
     add_options(tdm::optDEFINE, defines);
   });
@@ -68,6 +76,7 @@ void tdm_init(const tdm_arr *defines)
 
 void tdm_cleanup(void)
 {
+  tdm::end_token_stream();
   if (tdm::preprocessor_started()) tdm::preprocessor_end();
 }
 

@@ -86,5 +86,7 @@ static_assert(sizeof(tdm_inspect_statement_env) == 112 &&
 static_assert(sizeof(tdm_inspect_vector_table) == 72 &&
               offsetof(tdm_inspect_vector_table, default_value) == 56);
 static_assert(sizeof(tdm_inspect_id_run) == 8);
+static_assert(sizeof(tdm_inspect_source_file) == 40);
+static_assert(sizeof(tdm_inspect_token) == 40);
 
 } // namespace

@@ -7,6 +7,8 @@
  *    spaces, what spaces define, and where each part of each object was written.
  *  - <tdm_c/tdm_inspect_layout.h>: layouts as a tree of statements, groups, the rules in force at a
  *    statement, vector tables.
+ *  - <tdm_c/tdm_inspect_source.h>: the files that were read and their chains of #include; the
+ *    tokens of the preprocessor.
  *  - Below: failures, and messages of the preprocessor.
  */
 #ifndef TDM_C_TDM_INSPECT_H
@@ -16,6 +18,7 @@
 
 #include <tdm_c/tdm_inspect_layout.h>
 #include <tdm_c/tdm_inspect_model.h>
+#include <tdm_c/tdm_inspect_source.h>
 #include <tdm_c/tdm_inspect_types.h>
 #include <tdm_c/tdm_types.h>
 

@@ -12,6 +12,7 @@
 #include "preprocessor/c_memory.h"
 #include "preprocessor/c_srcpos.h"
 #include "preprocessor/orderly_stop.h"
+#include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -282,6 +283,14 @@ void input_pop_isolated()
   state.arena.release(record, sizeof *record);
 }
 
+const TDMInputRecord *reading_file()
+{
+  const TDMInputRecord *record = input_stack.innermost_file;
+  while (record != nullptr && (record->kind != TDMInputRecord::file || record->physical_line == 0))
+    record = record->next;
+  return record;
+}
+
 void input_push_file(int handle, const char *name, char *buffer, std::size_t length, bool exhausted)
 {
   TDMInputRecord *record = new_record(TDMInputRecord::file);
@@ -293,7 +302,14 @@ void input_push_file(int handle, const char *name, char *buffer, std::size_t len
   *end = 0;
   record->end = end;
   record->exhausted = exhausted;
+  record->source = source_file_opened(name, reading_source());
   push_record(record);
+}
+
+std::int32_t reading_source()
+{
+  const TDMInputRecord *record = reading_file();
+  return record != nullptr ? record->source : -1;
 }
 
 std::size_t input_buffer_size()
@@ -310,7 +326,10 @@ void input_set_presumed(const char *name, std::uint32_t line)
   }
   if (name != nullptr && main_file.name == nullptr) main_file.name = name;
   if (record == nullptr) return;
-  if (name != nullptr) record->presumed_name = name;
+  if (name != nullptr) {
+    record->presumed_name = name;
+    if (record->kind == TDMInputRecord::file) source_file_renamed(record->source, name);
+  }
   record->presumed_line = line - 1;
   record->column = 0;
   input_note_line(*record);

@@ -27,6 +27,7 @@ struct TDMInputRecord {
   std::uint32_t column; ///< of the character last delivered
   std::uint32_t serial; ///< different for all records of a stream
   int handle;
+  std::int32_t source;  ///< of a file: its index among the source files
   char *buffer;         ///< the block of a file, the characters of a text
   TDMInputRecord *next; ///< the record below
 };
@@ -77,6 +78,11 @@ inline void input_begin_line(TDMInputRecord &record)
   record.column = 0;
   record.at_line_start = false;
 }
+
+/// The innermost file of which something has been read, or null: what an #include stands in.
+[[nodiscard]] const TDMInputRecord *reading_file();
+/// Its index among the source files, or -1.
+[[nodiscard]] std::int32_t reading_source();
 
 /// What #line has to do with the position of the end of input.
 struct MainFile {

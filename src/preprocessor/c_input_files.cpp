@@ -73,9 +73,7 @@ constexpr std::size_t first_read = 32768;
 
 std::string local_directory()
 {
-  const TDMInputRecord *record = input_stack.top;
-  while (record != nullptr && (record->kind != TDMInputRecord::file || record->physical_line == 0))
-    record = record->next;
+  const TDMInputRecord *record = reading_file();
   return record == nullptr ? std::string() : path_join(record->file_name, "../");
 }
 

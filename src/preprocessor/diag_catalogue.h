@@ -47,6 +47,7 @@ enum DiagMessage : int {
   E_concat_at_begin,
   E_bad_define,
   E_expansion_limit,
+  E_include_depth,
   W_defined_macro,
   W_illegal_escape,
   W_macro_redefined,

@@ -16,6 +16,7 @@
 #include "preprocessor/macro_expand.h"
 #include "preprocessor/macros.h"
 #include "preprocessor/source_directives.h"
+#include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -168,6 +169,13 @@ const DirectiveRow *find_directive(std::string_view name)
   return nullptr;
 }
 
+// The group that the directive begins or ends is skipped.
+void note_skipping(bool begins)
+{
+  const std::int32_t file = reading_source();
+  if (file >= 0) source_file_skips(file, static_cast<std::uint32_t>(state.position.line), begins);
+}
+
 void run_directive(const PpToken &name)
 {
   const std::string_view word = name.number == tICON ? std::string_view() : name.view();
@@ -180,7 +188,9 @@ void run_directive(const PpToken &name)
     if (row->mask != group_active) diag_at(E_unexpected_directive, name.position, word);
     return;
   }
+  const bool active = conditional_active();
   row->handler();
+  if (conditional_active() != active) note_skipping(active);
   state.opens_conditional = row->mask == allows_if;
 }
 

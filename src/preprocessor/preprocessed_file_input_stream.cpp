@@ -10,6 +10,7 @@
 #include "preprocessor/macro_expand.h"
 #include "preprocessor/macros.h"
 #include "preprocessor/predefinition.h"
+#include "preprocessor/source_files.h"
 
 namespace {
 
@@ -53,6 +54,7 @@ TDMPreprocessedFileInputStream::TDMPreprocessedFileInputStream(
     const std::vector<std::string> &files, std::set<std::string> *dependencies)
 {
   dependency_target = dependencies;
+  tdm::source_files_start(files.size());
   start_modules();
   try {
     start(files);

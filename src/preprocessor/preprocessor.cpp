@@ -4,6 +4,7 @@
 #include "common/block_pool.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
+#include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -11,6 +12,7 @@ namespace tdm {
 void preprocessor_start()
 {
   string_pool_start();
+  source_files_end();
   option_start();
   diag_start();
 }
@@ -19,6 +21,7 @@ void preprocessor_end()
 {
   diag_end();
   option_end();
+  source_files_end();
   string_pool_end();
   pool_trim(); // but for what a spec still holds
 }

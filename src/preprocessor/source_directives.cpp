@@ -12,6 +12,7 @@
 #include "preprocessor/c_pragma.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/directives.h"
+#include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -76,6 +77,17 @@ const char *line_name(std::string_view text)
   return intern(name);
 }
 
+// Whether a file that is included here would lie deeper than is allowed, which is reported.
+bool too_deep()
+{
+  const std::int32_t limit = source_files_depth_limit();
+  const std::int32_t here = reading_source();
+  if (limit <= 0 || here < 0 || source_files()[static_cast<std::size_t>(here)].depth < limit)
+    return false;
+  diag_at(E_include_depth, directive_position(), limit);
+  return true;
+}
+
 std::uint32_t line_number(const PpToken &number)
 {
   return static_cast<std::uint32_t>(std::strtoul(number.text, nullptr, 0));
@@ -103,6 +115,8 @@ void handle_include()
   }
   expect_line_end();
   while (!pp_line_ended()) pp_next_token(false);
+  if (too_deep()) return;
+  source_files_include_at(directive_position());
   const std::string_view name = std::string_view(*text).substr(1, text->size() - 2);
   const bool only_standard = pragma_get(pragmas, optSTDINC);
   if (!input_search_file(name, text->front() != '<', !only_standard,

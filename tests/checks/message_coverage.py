@@ -108,6 +108,8 @@ def check_numbers(root, texts, faults):
     seen = set()
     for path in (root / 'tests' / 'cases').rglob('*.tdm'):
         seen |= {int(n) for n in re.findall(r'(?m)^//=\s+[EWI](\d{3})\b', path.read_text(errors='replace'))}
+    for path in (root / 'tests' / 'interface').glob('c_*.c'):
+        seen |= {int(n) for n in re.findall(r'"[EWI](\d{3}) ', path.read_text(errors='replace'))}
     for number in sorted(set(rows) - seen - set(NUMBER_EXCEPTIONS)):
         faults.append(f'no case provokes message {rows[number]}{number}')
     for number in sorted(set(NUMBER_EXCEPTIONS) & seen):

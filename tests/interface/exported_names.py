@@ -13,7 +13,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-HEADERS = {"TDM_C_4.0": ["tdm.h"], "TDM_C_INSPECT_1.0": ["tdm_inspect.h", "tdm_inspect_model.h", "tdm_inspect_layout.h"]}
+HEADERS = {"TDM_C_4.0": ["tdm.h"], "TDM_C_INSPECT_1.0": ["tdm_inspect.h", "tdm_inspect_model.h", "tdm_inspect_layout.h",
+                                                     "tdm_inspect_source.h"]}
 
 
 def without_comments(text):
