@@ -1,9 +1,13 @@
-// The command line: verbs, their options, and their help with an example each.
+// The command line: verbs, their options, and their help with an example each. A run sets up the
+// options of its own verb alone; whoever wants to know all of them (manual, completion) asks for
+// them as JSON.
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 
+#include "option_list.h"
 #include "usage_error.h"
 
 namespace tool {
@@ -24,61 +28,57 @@ void add_input(CLI::App &verb, Options &options)
       ->allow_extra_args(false);
 }
 
-void add_check(CLI::App &app, Options &options)
+void add_check(CLI::App &verb, Options &options)
 {
-  CLI::App *verb = app.add_subcommand("check", "Read a description and report what is wrong");
-  add_input(*verb, options);
-  verb->callback([&options] { options.verb = Verb::check; });
-  verb->footer("Example:\n"
-               "  tdm check -D FLASH_KB=16384 chip.tdm");
+  add_input(verb, options);
+  verb.callback([&options] { options.verb = Verb::check; });
+  verb.footer("Example:\n"
+              "  tdm check -D FLASH_KB=16384 chip.tdm");
 }
 
-void add_show(CLI::App &app, Options &options)
+void add_show(CLI::App &verb, Options &options)
 {
-  CLI::App *verb = app.add_subcommand("show", "Show the model: processors, spaces and memories");
-  add_input(*verb, options);
+  add_input(verb, options);
   CLI::Option *json =
-      verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
-  verb->add_flag("--origin", options.origin, "In JSON: where each part was written")->needs(json);
-  verb->callback([&options] { options.verb = Verb::show; });
-  verb->footer("Example:\n"
-               "  tdm show chip.tdm\n"
-               "  tdm show --json chip.tdm | jq '.processors[].memories[].full_name'");
+      verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb.add_flag("--origin", options.origin, "In JSON: where each part was written")->needs(json);
+  verb.callback([&options] { options.verb = Verb::show; });
+  verb.footer("Example:\n"
+              "  tdm show chip.tdm\n"
+              "  tdm show --json chip.tdm | jq '.processors[].memories[].full_name'");
 }
 
-void add_map(CLI::App &app, Options &options, std::string &address)
+void add_map(CLI::App &verb, Options &options)
 {
-  CLI::App *verb = app.add_subcommand("map", "Translate an address, or a span of addresses");
-  add_input(*verb, options);
-  verb->add_option("--space", options.space,
-                   "The address is one of a space: show every route to memory. NAME is\n"
-                   "processor:core:space, or the plain name if there is one such space")
+  add_input(verb, options);
+  verb.add_option("--space", options.space,
+                  "The address is one of a space: show every route to memory. NAME is\n"
+                  "processor:core:space, or the plain name if there is one such space")
       ->type_name("NAME");
-  verb->add_option("--memory", options.memory,
-                   "The address is one of a memory: show every route back to spaces and\n"
-                   "buses. NAME is processor:memory, or the plain name")
+  verb.add_option("--memory", options.memory,
+                  "The address is one of a memory: show every route back to spaces and\n"
+                  "buses. NAME is processor:memory, or the plain name")
       ->type_name("NAME");
-  verb->add_option("--at", address,
-                   "Where, in units (MAUs) of the space or memory; END isn't part of the span.\n"
-                   "Numbers are decimal, hex (0x10) or octal (010), and k, m, g multiply by\n"
-                   "1024, 1024^2, 1024^3")
+  verb.add_option("--at", options.at,
+                  "Where, in units (MAUs) of the space or memory; END isn't part of the span.\n"
+                  "Numbers are decimal, hex (0x10) or octal (010), and k, m, g multiply by\n"
+                  "1024, 1024^2, 1024^3")
       ->required()
       ->type_name("[BANK:]ADDRESS[.BIT][..END]");
-  verb->add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
-  verb->callback([&options, &address] {
+  verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb.callback([&options] {
     options.verb = Verb::map;
     if (options.space.empty() && options.memory.empty())
       throw UsageError{"map: --space or --memory is needed"};
     if (!options.space.empty() && !options.memory.empty())
       throw UsageError{"map: --space and --memory don't go together"};
-    options.place = parse_place(address);
+    options.place = parse_place(options.at);
   });
-  verb->footer(
-      "Ends with 3 if there is no route. Addresses are shown in the form that --at takes.\n"
-      "Examples:\n"
-      "  tdm map chip.tdm --space linear --at 0x10000100\n"
-      "  tdm map chip.tdm --space chip:cpu:linear --at 3:0x4000..0x4100\n"
-      "  tdm map chip.tdm --memory flash --at 0..16k");
+  verb.footer("Ends with 3 if there is no route. Addresses are shown in the form that --at takes.\n"
+              "Examples:\n"
+              "  tdm map chip.tdm --space linear --at 0x10000100\n"
+              "  tdm map chip.tdm --space chip:cpu:linear --at 3:0x4000..0x4100\n"
+              "  tdm map chip.tdm --memory flash --at 0..16k");
 }
 
 /// What the verbs that walk a space take.
@@ -97,57 +97,100 @@ void add_walk(CLI::App &verb, Options &options)
   verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
 }
 
-void add_layout(CLI::App &app, Options &options)
+void add_layout(CLI::App &verb, Options &options)
 {
-  CLI::App *verb =
-      app.add_subcommand("layout", "Show what is to be laid out in a space, and where");
-  add_input(*verb, options);
-  add_walk(*verb, options);
-  verb->callback([&options] { options.verb = Verb::layout; });
-  verb->footer("Shows the definitions of the space, then its layouts with the branches that\n"
-               "conditions choose. Addresses and sizes are in units (MAUs) of the space.\n"
-               "Example:\n"
-               "  tdm layout chip.tdm --space linear --exists .data");
+  add_input(verb, options);
+  add_walk(verb, options);
+  verb.callback([&options] { options.verb = Verb::layout; });
+  verb.footer("Shows the definitions of the space, then its layouts with the branches that\n"
+              "conditions choose. Addresses and sizes are in units (MAUs) of the space.\n"
+              "Example:\n"
+              "  tdm layout chip.tdm --space linear --exists .data");
 }
 
-void add_select(CLI::App &app, Options &options)
+void add_select(CLI::App &verb, Options &options)
 {
-  CLI::App *verb = app.add_subcommand("select", "Show which selection takes which section");
-  add_input(*verb, options);
-  add_walk(*verb, options);
-  verb->add_option("--sections", options.sections,
-                   "The sections to choose from; - for the standard input, the default")
+  add_input(verb, options);
+  add_walk(verb, options);
+  verb.add_option("--sections", options.sections,
+                  "The sections to choose from; - for the standard input, the default")
       ->type_name("LIST|-");
-  verb->callback([&options] { options.verb = Verb::select; });
-  verb->footer("A line of the list holds the name of a section and the letters of its attributes,\n"
-               "of r, w, x, i, s, b and p. # begins a remark; quotes enclose a name with blanks.\n"
-               "The sections of the list exist, for conditions.\n"
-               "Example:\n"
-               "  echo '.text rx' | tdm select chip.tdm --space linear");
+  verb.callback([&options] { options.verb = Verb::select; });
+  verb.footer("A line of the list holds the name of a section and the letters of its attributes,\n"
+              "of r, w, x, i, s, b and p. # begins a remark; quotes enclose a name with blanks.\n"
+              "The sections of the list exist, for conditions.\n"
+              "Example:\n"
+              "  echo '.text rx' | tdm select chip.tdm --space linear");
 }
 
-void add_deps(CLI::App &app, Options &options)
+void add_deps(CLI::App &verb, Options &options)
 {
-  CLI::App *verb = app.add_subcommand("deps", "List the files that are read, as a Makefile rule");
-  add_input(*verb, options);
-  verb->add_option("--target", options.target,
-                   "What depends on the files; by default the first FILE with the ending .d")
+  add_input(verb, options);
+  verb.add_option("--target", options.target,
+                  "What depends on the files; by default the first FILE with the ending .d")
       ->type_name("NAME");
-  verb->callback([&options] { options.verb = Verb::deps; });
-  verb->footer("Example:\n"
-               "  tdm deps --target firmware.elf chip.tdm > chip.d");
+  verb.callback([&options] { options.verb = Verb::deps; });
+  verb.footer("Example:\n"
+              "  tdm deps --target firmware.elf chip.tdm > chip.d");
+}
+
+struct VerbEntry {
+  const char *name;
+  const char *does;
+  void (*add)(CLI::App &verb, Options &options);
+  const char *example; ///< for the help of the tool as a whole
+};
+constexpr VerbEntry verbs[] = {
+    {"check", "Read a description and report what is wrong", add_check, "tdm check chip.tdm"},
+    {"show", "Show the model: processors, spaces and memories", add_show, "tdm show chip.tdm"},
+    {"map", "Translate an address, or a span of addresses", add_map,
+     "tdm map chip.tdm --space linear --at 0x10000100"},
+    {"layout", "Show what is to be laid out in a space, and where", add_layout,
+     "tdm layout chip.tdm --space linear"},
+    {"select", "Show which selection takes which section", add_select,
+     "tdm select chip.tdm --space linear --sections sections.txt"},
+    {"deps", "List the files that are read, as a Makefile rule", add_deps, "tdm deps chip.tdm"},
+};
+
+std::string verb_list()
+{
+  std::string list;
+  for (const VerbEntry &verb : verbs) {
+    if (!list.empty()) list += &verb == std::end(verbs) - 1 ? " or " : ", ";
+    list += verb.name;
+  }
+  return list;
+}
+
+std::string general_footer()
+{
+  std::string text = "Examples:\n";
+  for (const VerbEntry &verb : verbs) text.append("  ").append(verb.example) += '\n';
+  return text + "Exit codes: 0 in order, 1 errors in the description, 2 wrong usage, 3 no route";
 }
 
 /// The parser of the command line would call a word that is no verb a missing one.
-void require_verb(const CLI::App &app, int argc, char **argv)
+void require_verb(int argc, char **argv)
 {
-  const std::string verbs = "check, show, map, layout, select or deps";
-  if (argc < 2) throw UsageError{"a verb is needed: " + verbs};
+  if (argc < 2) throw UsageError{"a verb is needed: " + verb_list()};
   const std::string first = argv[1];
-  const bool is_verb =
-      !app.get_subcommands([&](const CLI::App *verb) { return verb->get_name() == first; }).empty();
+  const bool is_verb = std::any_of(std::begin(verbs), std::end(verbs),
+                                   [&](const VerbEntry &verb) { return verb.name == first; });
   if (!first.starts_with('-') && !is_verb)
-    throw UsageError{"there is no verb \"" + first + "\"; there are " + verbs};
+    throw UsageError{"there is no verb \"" + first + "\"; there are " + verb_list()};
+}
+
+/// The verbs with their options, or with those of one verb alone.
+void set_up(CLI::App &app, Options &options, std::string_view only_verb)
+{
+  app.set_version_flag("--version", "tdm " TDM_TOOL_VERSION, "Print the version and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.require_subcommand(1);
+  for (const VerbEntry &entry : verbs) {
+    CLI::App *verb = app.add_subcommand(entry.name, entry.does);
+    if (only_verb.empty() || only_verb == entry.name) entry.add(*verb, options);
+  }
+  app.footer(general_footer());
 }
 
 int refuse(const std::string &text)
@@ -164,26 +207,15 @@ Command read_command_line(int argc, char **argv)
   CLI::App app("Reads target descriptions: checks them, shows them, translates addresses and "
                "selects sections.",
                "tdm");
-  app.set_version_flag("--version", "tdm " TDM_TOOL_VERSION);
-  app.set_help_flag("-h,--help", "Print this help and exit");
-  app.require_subcommand(1);
-  add_check(app, options);
-  add_show(app, options);
-  std::string address;
-  add_map(app, options, address);
-  add_layout(app, options);
-  add_select(app, options);
-  add_deps(app, options);
-  app.footer("Examples:\n"
-             "  tdm check chip.tdm\n"
-             "  tdm show chip.tdm\n"
-             "  tdm map chip.tdm --space linear --at 0x10000100\n"
-             "  tdm layout chip.tdm --space linear\n"
-             "  tdm select chip.tdm --space linear --sections sections.txt\n"
-             "  tdm deps chip.tdm\n"
-             "Exit codes: 0 in order, 1 errors in the description, 2 wrong usage, 3 no route");
+  const std::string_view first = argc > 1 ? argv[1] : "";
+  const bool lists_options = first == "--dump-options";
+  set_up(app, options, lists_options ? "" : first);
+  if (lists_options) {
+    write_option_list(app, std::cout);
+    return {std::nullopt, exit_ok};
+  }
   try {
-    require_verb(app, argc, argv);
+    require_verb(argc, argv);
     app.parse(argc, argv);
   } catch (const CLI::Success &answer) {
     return {std::nullopt, app.exit(answer)};

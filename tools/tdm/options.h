@@ -20,7 +20,8 @@ struct Options {
   bool origin = false; ///< show: in JSON, where each value was written
   std::string space;   ///< layout, select; map: where the address is meant; empty for a memory
   std::string memory;  ///< map: the same
-  Place place;         ///< map
+  std::string at;      ///< map: the address as it was given
+  Place place;         ///< map: the same, read
   std::vector<std::string> exists;  ///< layout, select: names that conditions get a yes for
   std::vector<std::string> defined; ///< the same for symbols
   std::string sections = "-";       ///< select: the list; "-" for the standard input
