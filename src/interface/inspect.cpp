@@ -3,6 +3,7 @@
 
 #include "interface/last_error.h"
 #include "preprocessor/c_diag.h"
+#include "preprocessor/diag_catalogue.h"
 
 namespace {
 
@@ -41,5 +42,13 @@ int tdm_inspect_get_message(int index, tdm_inspect_message *out)
   const tdm_message &message = tdm::diag_list(report.letter)[static_cast<size_t>(report.index)];
   *out = {report.letter, message.number, message.position, message.text,
           place_of_note(place, message.note)};
+  return 1;
+}
+
+int tdm_inspect_get_message_kind(int index, tdm_inspect_message_kind *out)
+{
+  if (index < 0 || index >= diag_message_count) return 0;
+  const tdm::DiagRow &row = tdm::diag_catalogue[index];
+  *out = {row.letter, row.number, row.format, row.long_description};
   return 1;
 }

@@ -61,6 +61,11 @@ static_assert(sizeof(tdm_inspect_message) == 48 && offsetof(tdm_inspect_message,
               offsetof(tdm_inspect_message, position) == 8 &&
               offsetof(tdm_inspect_message, text) == 32 &&
               offsetof(tdm_inspect_message, note) == 40);
+static_assert(sizeof(tdm_inspect_message_kind) == 24 &&
+              offsetof(tdm_inspect_message_kind, letter) == 0 &&
+              offsetof(tdm_inspect_message_kind, number) == 4 &&
+              offsetof(tdm_inspect_message_kind, format) == 8 &&
+              offsetof(tdm_inspect_message_kind, meaning) == 16);
 
 // Of the records of the additive readers, whose fields stand side by side in their natural layout,
 // the sizes and one place behind all padding are enough.

@@ -79,6 +79,24 @@ TDM_API int tdm_inspect_message_count(void);
  */
 TDM_API int tdm_inspect_get_message(int index, tdm_inspect_message *out);
 
+/** One kind of message: a row of the catalogue. All its texts are constants of the library. */
+typedef struct tdm_inspect_message_kind {
+  char letter;         /**< 'E' error, 'W' warning, 'I' note, 'S' a fault of the library itself */
+  int number;          /**< 948 for instance; no two kinds share one */
+  const char *format;  /**< the text, with %s, %c or %d where a message fills something in */
+  const char *meaning; /**< what it means, in a few sentences; null for a kind without words */
+} tdm_inspect_message_kind;
+
+/**
+ * One of the kinds of messages that the preprocessor knows, in ascending order of their numbers.
+ * Works at any time.
+ *
+ * @param index  from 0 on
+ * @param out    receives the kind; not null. Left as it is when the index is out of range.
+ * @return 1 if there is such a kind, else 0
+ */
+TDM_API int tdm_inspect_get_message_kind(int index, tdm_inspect_message_kind *out);
+
 #ifdef __cplusplus
 }
 #endif

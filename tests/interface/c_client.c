@@ -360,6 +360,23 @@ static void ranges_of_the_caller(void)
   tdm_range_delete(NULL);
 }
 
+/* Ascending, and none twice. */
+static void check_message_kinds(void)
+{
+  tdm_inspect_message_kind kind = {0, 0, NULL, NULL};
+  int index = 0, number = 0;
+  CHECK(tdm_inspect_get_message_kind(-1, &kind) == 0);
+  for (; tdm_inspect_get_message_kind(index, &kind) == 1; ++index) {
+    CHECK(kind.number > number && kind.format != NULL);
+    number = kind.number;
+    if (number != 972) continue;
+    CHECK(kind.letter == 'W');
+    CHECK_TEXT(kind.format, "macro \"%s\" redefined");
+    CHECK(strstr(kind.meaning, "different definition") != NULL);
+  }
+  CHECK(index > 50);
+}
+
 static void messages(const char *file)
 {
   const char *files[1], *defines[2] = {"A=1", "B"};
@@ -385,6 +402,7 @@ static void messages(const char *file)
   CHECK(message.text == warning.text && message.position.line == warning.position.line);
   CHECK(tdm_inspect_get_message(1, &message) == 1);
   CHECK(message.letter == 'I' && message.number == 981 && message.note == -1);
+  check_message_kinds();
 
   tdm_init(NULL); /* starts anew, but keeps the texts */
   CHECK(tdm_get_warning_count() == 0 && tdm_inspect_message_count() == 0);
