@@ -242,7 +242,7 @@ TDM_API tdm_space *tdm_core_get_space_by_name(const tdm_core *core, const char *
  */
 TDM_API tdm_arr *tdm_core_get_endianness(const tdm_core *core);
 
-/** Its start address, as an opaque pointer that only tells whether there is one; or null. */
+/** Its start address, which tdm_inspect_get_start_address() reads; or null. */
 TDM_API tdm_start_address *tdm_core_get_start_address(const tdm_core *core);
 
 /** The space that the start address is in. @return null without a start address. */
@@ -253,7 +253,7 @@ TDM_API tdm_space *tdm_core_get_copytable_space(const tdm_core *core);
 
 /* ============================================================================================== */
 /* Read the model: buses                                                                          */
-/* No function lists buses: they come as results of translation.                                  */
+/* Results of translation hand them out; <tdm_c/tdm_inspect_model.h> lists them.                  */
 /* ============================================================================================== */
 
 /** The plain name of the bus. */
@@ -308,7 +308,8 @@ TDM_API int tdm_memory_get_type(const tdm_memory *memory);
 /** 1 if it is reserved: nothing is placed in it unless it is asked for by name. */
 TDM_API int tdm_memory_is_reserved(const tdm_memory *memory);
 
-/** What gaps are filled with, as an opaque pointer that only tells whether it is given; or null. */
+/** What gaps are filled with, or null. tdm_inspect_fillspec_values() and
+ *  tdm_inspect_fillspec_alignment() give what it says. */
 TDM_API tdm_fillspec *tdm_memory_get_fillspec(const tdm_memory *memory);
 
 /** The `write_mode` of its definition. @return null if none is given. */
@@ -374,7 +375,7 @@ TDM_API int tdm_space_get_page_restrict_sections(const tdm_space *space);
 /** Which end is filled first, see enum tdm_locate_direction. */
 TDM_API int tdm_space_get_locate_direction(const tdm_space *space);
 
-/** Its start address, as an opaque pointer that only tells whether there is one; or null. */
+/** Its start address, which tdm_inspect_get_start_address() reads; or null. */
 TDM_API tdm_start_address *tdm_space_get_start_address(const tdm_space *space);
 
 /**
@@ -737,7 +738,7 @@ TDM_API int tdm_attributes_is_scratch(const tdm_attributes *attributes);
 /** Flag `b`. */
 TDM_API int tdm_attributes_is_blanked(const tdm_attributes *attributes);
 
-/** 1 if no flag of the set is 1, the flag `p` counted in, which has no function of its own. */
+/** 1 if no flag of the set is 1, nor flag `p`, which tdm_inspect_attributes_is_p() gives. */
 TDM_API int tdm_attributes_none(const tdm_attributes *attributes);
 
 /* ============================================================================================== */
@@ -801,7 +802,7 @@ tdm_selection_statement_get_literal_section_name(const tdm_selection_statement *
 TDM_API int tdm_selection_statement_use_reference_tree(const tdm_selection_statement *statement);
 
 /** Its conditions on attributes, one for each `attributes`. @return a new array of
- *  `tdm_section_selector *`, which can only be counted. */
+ *  `tdm_section_selector *`, see tdm_inspect_section_selector_required() and its sisters. */
 TDM_API tdm_arr *tdm_selection_statement_get_selectors(const tdm_selection_statement *statement);
 
 /**
