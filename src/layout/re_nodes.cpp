@@ -5,6 +5,7 @@
 #include <cctype>
 
 #include "layout/regular_expression.h"
+#include "layout/state_table.h"
 
 namespace {
 
@@ -45,6 +46,12 @@ bool RELiteralNode::match()
   return same;
 }
 
+void RELiteralNode::separate(tdm::CharacterClasses &classes) const
+{
+  const auto plain = static_cast<signed char>(character_);
+  classes.separate(plain, plain);
+}
+
 bool REWildcardNode::match()
 {
   if (owner().at_end()) return false;
@@ -58,6 +65,11 @@ bool RESetNode::match()
   if (at.at_end() || contains(at.current()) == negated_) return false;
   at.advance();
   return true;
+}
+
+void RESetNode::separate(tdm::CharacterClasses &classes) const
+{
+  for (const auto &[low, high] : ranges_) classes.separate(low, high);
 }
 
 bool RESetNode::contains(char character) const

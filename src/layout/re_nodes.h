@@ -10,6 +10,10 @@
 
 class RegularExpression;
 
+namespace tdm {
+class CharacterClasses;
+} // namespace tdm
+
 /// An empty step: true everywhere, moves nothing. Opens and closes alternatives and loops.
 class RENode {
 public:
@@ -20,6 +24,8 @@ public:
 
   /// Tests the owner's position; on success moves it behind what the node takes.
   [[nodiscard]] virtual bool match();
+  /// Tells the characters that the node takes from the others. Not asked if case is ignored.
+  virtual void separate(tdm::CharacterClasses &) const {}
 
   /// What may follow, in the order of trial. A node without any is the end of the expression.
   std::vector<RENode *> next;
@@ -55,6 +61,7 @@ public:
   {
   }
   [[nodiscard]] bool match() override;
+  void separate(tdm::CharacterClasses &classes) const override;
   [[nodiscard]] char character() const { return character_; }
 
 private:
@@ -79,6 +86,7 @@ public:
   {
   }
   [[nodiscard]] bool match() override;
+  void separate(tdm::CharacterClasses &classes) const override;
   [[nodiscard]] const std::vector<Range> &ranges() const { return ranges_; }
   [[nodiscard]] bool negated() const { return negated_; }
 

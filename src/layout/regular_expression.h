@@ -2,9 +2,10 @@
 //
 // Whether a node, tried at a position, leads to the end of the expression depends on the two alone.
 // So a match follows the set of pairs (node, position), position by position, and each pair once:
-// at the most nodes times length + 1 steps, and a loop that takes nothing ends by itself. The two
-// sets at hand (this position, the next one) and the pending work are sized for the number of
-// nodes before the first match and then kept: matching allocates nothing, and recurses nowhere.
+// at the most nodes times length + 1 steps, and a loop that takes nothing ends by itself. What a
+// set leads to is kept in a table of states (state_table.h), as far as that has room; a step that
+// is known tries no node. Sets, pending work and table have their size before the first match and
+// keep it: matching allocates nothing, and recurses nowhere.
 //
 // Only yes or no is asked for; where in the subject a match lies isn't kept.
 #pragma once
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "layout/re_nodes.h"
+#include "layout/state_table.h"
 
 /// What is wrong with the text of an expression. Thrown by pointer.
 class SyntaxError {
@@ -48,8 +50,9 @@ class ExpressionCompiler;
  */
 class RegularExpression {
 public:
-  /// Throws SyntaxError *.
-  RegularExpression(std::string text, bool case_sensitive);
+  /// Throws SyntaxError *. Matches remember at the most so many states, or fewer.
+  RegularExpression(std::string text, bool case_sensitive,
+                    std::size_t max_states = tdm::StateTable::default_states);
   RegularExpression(const RegularExpression &) = delete;
   RegularExpression &operator=(const RegularExpression &) = delete;
 
@@ -82,10 +85,14 @@ private:
     std::uint64_t round = 0;
   };
 
-  void prepare(NodeSet &set);
+  void prepare();
+  [[nodiscard]] bool begins_only_at_first();
+  [[nodiscard]] tdm::StateTable::Cell learn(tdm::StateTable::Cell state, std::size_t position);
+  [[nodiscard]] tdm::StateTable::Cell state_ahead();
+  [[nodiscard]] bool match_without_table(std::size_t position);
   static void begin_round(NodeSet &set);
   static void add(NodeSet &set, RENode &node);
-  [[nodiscard]] bool try_pending();
+  [[nodiscard]] bool try_pending(std::size_t position);
 
   std::string text_;
   bool ignore_case_;
@@ -95,7 +102,11 @@ private:
   std::size_t position_ = 0;
   std::vector<std::unique_ptr<RENode>> nodes_;
   bool literal_ = true;
+  std::size_t max_states_;
+  std::unique_ptr<tdm::StateTable> table_; ///< null before the first match
+  bool only_at_first_ = false;             ///< an attempt behind the first position is in vain
   NodeSet here_;
   NodeSet ahead_;
+  std::vector<std::uint32_t> numbers_; ///< of the nodes ahead
   std::uint64_t steps_ = 0;
 };

@@ -1,11 +1,17 @@
 // The texts of the caller's sections.
 #include "layout/section.h"
 
-TDMSection::~TDMSection() = default;
+#include "layout/kept_sections.h"
+
+TDMSection::~TDMSection()
+{
+  tdm::forget_sections();
+}
 
 TDMSectionWrapper::TDMSectionWrapper(void *user, const tdm_section_functions *functions)
     : user_(user), functions_(functions), name_(text(functions->get_name))
 {
+  tdm::forget_sections();
 }
 
 std::string TDMSectionWrapper::text(const char *(*function)(void *)) const

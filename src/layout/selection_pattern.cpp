@@ -1,7 +1,8 @@
-// Translates patterns to expressions and asks these.
+// Translates patterns to expressions, and tells which of them are plain names.
 #include "layout/selection_pattern.h"
 
 #include "common/failures.h"
+#include "layout/name_matcher.h"
 #include "layout/regular_expression.h"
 
 namespace {
@@ -69,17 +70,22 @@ TranslatedPattern translate_pattern(std::string_view pattern)
 
 } // namespace tdm
 
+/// What can be wrong is compiled at once; the rest when a name is first compared with it.
 TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
                                          const TDMSourceLocation &location)
+    : text_(pattern_text)
 {
-  if (obviously_plain(pattern_text)) {
-    literal_ = pattern_text;
-    return;
-  }
+  if (obviously_plain(pattern_text)) return;
+  literal_ = false;
+  if (tdm::plainly_right(pattern_text)) return;
   tdm::TranslatedPattern translated = tdm::translate_pattern(pattern_text);
-  literal_ = std::move(translated.plain);
   try {
-    regex_ = std::make_unique<RegularExpression>(std::move(translated.expression), true);
+    auto expression = std::make_unique<RegularExpression>(std::move(translated.expression), true);
+    literal_ = expression->literal();
+    if (literal_)
+      text_ = std::move(translated.plain);
+    else
+      matcher_ = std::make_unique<tdm::NameMatcher>(text_, std::move(expression));
   } catch (SyntaxError *error) {
     const std::string text = error->text();
     delete error;
@@ -89,14 +95,13 @@ TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
 
 TDMSelectionPattern::~TDMSelectionPattern() = default;
 
-const std::string *TDMSelectionPattern::literal_name() const
-{
-  return regex_ == nullptr || regex_->literal() ? &literal_ : nullptr;
-}
-
 bool TDMSelectionPattern::matches(std::string_view name) const
 {
-  // Plain names never reach the matcher.
-  if (literal_name() != nullptr) return literal_ == name;
-  return regex_->match(name, 0);
+  return literal_ ? text_ == name : matcher().matches(name);
+}
+
+tdm::NameMatcher &TDMSelectionPattern::matcher() const
+{
+  if (matcher_ == nullptr) matcher_ = std::make_unique<tdm::NameMatcher>(text_, nullptr);
+  return *matcher_;
 }

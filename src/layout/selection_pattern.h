@@ -11,7 +11,9 @@
 
 #include "common/source_location.h"
 
-class RegularExpression;
+namespace tdm {
+class NameMatcher;
+} // namespace tdm
 
 class TDMSelectionPattern {
 public:
@@ -20,13 +22,17 @@ public:
   ~TDMSelectionPattern();
 
   /// The name that alone matches, or null if the pattern has wildcards. Lives as the pattern does.
-  [[nodiscard]] const std::string *literal_name() const;
+  [[nodiscard]] const std::string *literal_name() const { return literal_ ? &text_ : nullptr; }
 
   [[nodiscard]] bool matches(std::string_view name) const;
 
+  /// What compares names; only for a pattern with wildcards.
+  [[nodiscard]] tdm::NameMatcher &matcher() const;
+
 private:
-  std::string literal_;                      ///< the pattern without its escapes
-  std::unique_ptr<RegularExpression> regex_; ///< null if no character needed a look
+  std::string text_; ///< of a plain name without its escapes, else as it was written
+  bool literal_ = true;
+  mutable std::unique_ptr<tdm::NameMatcher> matcher_; ///< null until it is needed
 };
 
 namespace tdm {

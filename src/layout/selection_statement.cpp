@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "layout/kept_sections.h"
 #include "layout/section.h"
 #include "layout/section_map.h"
 #include "layout/space_walker.h"
@@ -49,6 +50,22 @@ bool TDMSelectionStatement::selectors_match(const TDMSection &section) const
   return all;
 }
 
+/// Takes a section whose name is right, if nothing else speaks against it.
+bool TDMSelectionStatement::offer(TDMSection &section, TDMStatementEnv &env,
+                                  SectionFunction &function, bool by_name, bool verbose) const
+{
+  if (!selectors_match(section)) return false;
+  const bool absolute = env.has_absolute_restriction(section);
+  if (!absolute || by_name) {
+    function.call(section);
+    return true;
+  }
+  if (verbose)
+    env.message("section " + section.display_name() +
+                " was not selected because it already has an absolute restriction");
+  return false;
+}
+
 void TDMSelectionStatement::select(TDMStatementEnv &env, TDMSectionMap &map,
                                    SectionFunction &function, bool verbose)
 {
@@ -60,30 +77,27 @@ void TDMSelectionStatement::select(TDMStatementEnv &env, TDMSectionMap &map,
   while (sections->has_more()) {
     TDMSection &section = *sections->next();
     if (pattern != nullptr && !pattern->matches(section.name())) continue;
-    if (!selectors_match(section)) continue;
-    const bool absolute = env.has_absolute_restriction(section);
-    if (!absolute || literal != nullptr) {
-      function.call(section);
-      taken.push_back(&section);
-      map.remove(&section);
-    } else if (verbose) {
-      env.message("section " + section.display_name() +
-                  " was not selected because it already has an absolute restriction");
-    }
+    if (!offer(section, env, function, literal != nullptr, verbose)) continue;
+    taken.push_back(&section);
+    map.remove(&section);
   }
   if (use_reference_tree && !taken.empty()) select_referenced(env, map, taken, function, verbose);
 }
 
-/// A map of all sections is made only where one that isn't selected by its name can play a part.
+/// A map is made only where sections that aren't selected by their name can play a part.
 void TDMSelectionStatement::select(TDMStatementEnv &env, std::span<TDMSection *const> sections,
                                    SectionFunction &function, bool verbose)
 {
-  const TDMSelectionPattern *pattern = use_reference_tree ? nullptr : pattern_in(env);
-  TDMDefaultSectionMap map;
-  for (TDMSection *section : sections)
-    if (section != nullptr && (pattern == nullptr || pattern->matches(section->name())))
-      map.add(section);
-  select(env, map, function, verbose);
+  if (use_reference_tree) {
+    TDMDefaultSectionMap map;
+    for (TDMSection *section : sections)
+      if (section != nullptr) map.add(section);
+    return select(env, map, function, verbose);
+  }
+  const TDMSelectionPattern *pattern = pattern_in(env);
+  const bool by_name = pattern != nullptr && pattern->literal_name() != nullptr;
+  for (TDMSection *section : tdm::matching_sections(sections, pattern))
+    offer(*section, env, function, by_name, verbose);
 }
 
 void TDMSelectionStatement::select_referenced(TDMStatementEnv &env, TDMSectionMap &map,

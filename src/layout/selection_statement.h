@@ -51,6 +51,8 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
 private:
   const TDMSelectionPattern *pattern_in(const TDMStatementEnv &env);
   bool selectors_match(const TDMSection &section) const;
+  bool offer(TDMSection &section, TDMStatementEnv &env, SectionFunction &function, bool by_name,
+             bool verbose) const;
   void select_referenced(TDMStatementEnv &env, TDMSectionMap &map,
                          const std::vector<TDMSection *> &taken, SectionFunction &function,
                          bool verbose) const;

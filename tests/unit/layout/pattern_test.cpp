@@ -1,6 +1,7 @@
 // Selection patterns: their translation, the graphs of their expressions, and what they match.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -362,6 +363,9 @@ std::vector<std::string> all_texts(const std::string &alphabet, std::size_t leng
   return texts;
 }
 
+/// None to spare, so that all is done without the table; too few; all that are needed.
+constexpr std::size_t room_for_states[] = {1, 3, tdm::StateTable::default_states};
+
 TEST(RegularExpression, AgreesWithASlowMatcher)
 {
   const std::vector<std::string> names = all_texts("ab", 4);
@@ -369,18 +373,20 @@ TEST(RegularExpression, AgreesWithASlowMatcher)
   for (std::string &text : all_texts("a*|()", 7)) texts.push_back(std::move(text));
   std::size_t accepted = 0;
   for (const std::string &text : texts) {
-    std::unique_ptr<RegularExpression> expression;
+    std::vector<std::unique_ptr<RegularExpression>> expressions;
     try {
-      expression = std::make_unique<RegularExpression>(text, true);
+      for (const std::size_t max_states : room_for_states)
+        expressions.push_back(std::make_unique<RegularExpression>(text, true, max_states));
       ++accepted;
     } catch (SyntaxError *error) {
       delete error;
     }
     for (const std::string &name : names) {
       const std::optional<bool> wanted = PlainMatcher(text, name).run();
-      ASSERT_EQ(wanted.has_value(), expression != nullptr) << text;
-      if (expression == nullptr) break;
-      ASSERT_EQ(expression->match(name, 0), *wanted) << text << " on " << name;
+      ASSERT_EQ(wanted.has_value(), !expressions.empty()) << text;
+      for (const auto &expression : expressions)
+        ASSERT_EQ(expression->match(name, 0), *wanted) << text << " on " << name;
+      if (expressions.empty()) break;
     }
   }
   EXPECT_GT(accepted, 1000U);
@@ -388,14 +394,79 @@ TEST(RegularExpression, AgreesWithASlowMatcher)
 
 TEST(RegularExpression, StepsStayNodesTimesLength)
 {
-  for (const auto &[text, length] :
-       {std::pair{"^.*a.*a.*a.*a.*a.*a.*a.*a.*b$", 100'000}, std::pair{"^((a*)*)*b$", 1000},
-        std::pair{"(a|a|.)*b", 1000}}) {
-    const std::string name(static_cast<std::size_t>(length), 'a');
+  for (const auto &[text, length] : {std::pair{"^.*a.*a.*a.*a.*a.*a.*a.*a.*b$", 100'000},
+                                     std::pair{"^((a*)*)*b$", 1000}, std::pair{"(a|a|.)*b", 1000}})
+    for (const std::size_t max_states : room_for_states) {
+      const std::string name(static_cast<std::size_t>(length), 'a');
+      RegularExpression expression(text, true, max_states);
+      EXPECT_FALSE(expression.match(name, 0));
+      EXPECT_LE(expression.steps(), expression.nodes().size() * (name.size() + 1)) << text;
+      EXPECT_TRUE(expression.match(name + "b", 0));
+    }
+}
+
+TEST(RegularExpression, NoNodeIsTriedAgainWhileThereIsRoom)
+{
+  const std::string name(1000, 'a');
+  for (const char *text : {"^.*a.*a.*a.*a.*b$", "^((a*)*)*b$", "(a|a|.)*b", "^a*[b-d]$"}) {
     RegularExpression expression(text, true);
     EXPECT_FALSE(expression.match(name, 0));
-    EXPECT_LE(expression.steps(), expression.nodes().size() * (name.size() + 1)) << text;
-    EXPECT_TRUE(expression.match(name + "b", 0));
+    const std::size_t nodes = expression.nodes().size();
+    EXPECT_LE(expression.steps(), nodes * (nodes + 2)) << text;
+    EXPECT_FALSE(expression.match(name + name, 0));
+    EXPECT_EQ(expression.steps(), 0U) << text;
+    RegularExpression without(text, true, 1);
+    EXPECT_FALSE(without.match(name, 0));
+    EXPECT_GT(without.steps(), name.size()) << text;
+  }
+}
+
+/// What is nine characters before the end can only be told with a state for each text of nine.
+TEST(RegularExpression, MoreStatesThanThereIsRoomFor)
+{
+  std::string text = "^(a|b)*a";
+  for (int i = 0; i < 9; ++i) text += "(a|b)";
+  RegularExpression expression(text + "$", true);
+  unsigned random = 1;
+  for (int round = 0; round < 500; ++round) {
+    std::string name;
+    while (name.size() < 60) name += (random = random * 69069U + 1U) >> 16U & 1U ? 'a' : 'b';
+    EXPECT_EQ(expression.match(name, 0), name[50] == 'a') << name;
+    EXPECT_LE(expression.steps(), expression.nodes().size() * (name.size() + 1));
+  }
+  EXPECT_GT(expression.steps(), 0U);
+}
+
+/// What a pattern looks at before its expression, and instead of it, changes no answer.
+TEST(SelectionPattern, AgreesWithItsExpression)
+{
+  const std::vector<std::string> names = all_texts("ab*", 3);
+  std::vector<std::string> patterns = all_texts("ab*?[]\\", 5);
+  for (const char *alphabet : {"a*|()+", "a[-b]^", "a*\\d1u"})
+    for (std::string &pattern : all_texts(alphabet, 5)) patterns.push_back(std::move(pattern));
+  for (const std::string &text : patterns) {
+    const tdm::TranslatedPattern translated = tdm::translate_pattern(text);
+    std::string wanted_error;
+    std::unique_ptr<RegularExpression> expression;
+    try {
+      expression = std::make_unique<RegularExpression>(translated.expression, true, 1);
+    } catch (SyntaxError *error) {
+      wanted_error = "syntax error: selection pattern error: " + error->text();
+      delete error;
+    }
+    try {
+      const TDMSelectionPattern pattern(text, {});
+      ASSERT_NE(expression, nullptr) << text << " is accepted";
+      ASSERT_EQ(pattern.literal_name() != nullptr, expression->literal()) << text;
+      for (const std::string &name : names)
+        ASSERT_EQ(pattern.matches(name),
+                  expression->literal() ? name == translated.plain : expression->match(name, 0))
+            << text << " on " << name;
+    } catch (TDMSyntaxException *failure) {
+      const std::string error = failure->text();
+      delete failure;
+      ASSERT_TRUE(!wanted_error.empty() && error.ends_with(wanted_error)) << text << ": " << error;
+    }
   }
 }
 

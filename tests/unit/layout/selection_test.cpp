@@ -385,6 +385,113 @@ TEST(Selection, PlainNamesDontLookAtAllSections)
   EXPECT_LE(map.names_asked, 4 * selections); // each of those taken is found, told and removed
 }
 
+std::string selected(const std::optional<std::string> &pattern,
+                     const std::vector<TDMSection *> &sections)
+{
+  TDMStatementEnv env;
+  Names taken;
+  TDMSelectionStatement({}, pattern).select(env, sections, taken, false);
+  std::string text;
+  for (const TDMSection *section : taken.taken)
+    text +=
+        section->name() + "@" +
+        std::to_string(std::find(sections.begin(), sections.end(), section) - sections.begin()) +
+        " ";
+  return text;
+}
+
+TEST(Selection, TakesTheSameFromAnArrayHoweverOftenItComes)
+{
+  Sections owned;
+  std::vector<TDMSection *> sections{nullptr};
+  for (const char *name : {"ab", "a", "", "\xff", "abc", "b", "ab", "ab.x", "B", "a.b"})
+    sections.push_back(&owned.add(name));
+  sections.insert(sections.end(), {nullptr, sections[7], sections[1], sections[3]});
+  struct Row {
+    std::optional<std::string> pattern;
+    const char *taken;
+  };
+  const Row rows[] = {
+      {std::nullopt, "@3 B@9 a@2 a.b@10 ab@1 ab@7 ab.x@8 abc@5 b@6 \xff@4 "},
+      {"*", "@3 B@9 a@2 a.b@10 ab@1 ab@7 ab.x@8 abc@5 b@6 \xff@4 "},
+      {"ab", "ab@1 ab@7 "},
+      {"ab*", "ab@1 ab@7 ab.x@8 abc@5 "},
+      {"ab?*", "ab.x@8 abc@5 "},
+      {"a*b", "a.b@10 ab@1 ab@7 "},
+      {"*b", "a.b@10 ab@1 ab@7 b@6 "},
+      {"b|a*c", "abc@5 b@6 "},
+      {"b*|a", "a@2 b@6 "},
+      {"", "@3 "},
+      {"\xff*", "\xff@4 "},
+      {"c*", ""},
+      {"abcd", ""},
+  };
+  for (int time = 0; time < 3; ++time)
+    for (const Row &row : rows)
+      EXPECT_EQ(selected(row.pattern, sections), row.taken) << row.pattern.value_or("<none>");
+  for (const Row &row : rows) {
+    EXPECT_EQ(selected(std::nullopt, {}), "");
+    EXPECT_EQ(selected(row.pattern, sections), row.taken) << row.pattern.value_or("<none>");
+  }
+}
+
+/// Nothing is remembered of a section that is gone, though another one stands in its place.
+TEST(Selection, SeesAnotherNameAtAnAddress)
+{
+  tdm_section_functions functions{};
+  functions.get_name = [](void *handle) { return static_cast<const char *>(handle); };
+  char names[][4] = {"ab", "cd", "abx"};
+  std::optional<TDMSectionWrapper> place(std::in_place, names[0], &functions);
+  TDMSectionWrapper other(names[1], &functions);
+  std::vector<TDMSection *> sections{&*place, &other};
+  for (int time = 0; time < 3; ++time) EXPECT_EQ(selected("a*", sections), "ab@0 ");
+  place.emplace(names[2], &functions);
+  ASSERT_EQ(&*place, sections[0]);
+  EXPECT_EQ(selected("a*", sections), "abx@0 ");
+  EXPECT_EQ(selected("ab", sections), "");
+  EXPECT_EQ(selected("*", sections), "abx@0 cd@1 ");
+
+  std::swap(sections[0], sections[1]);
+  EXPECT_EQ(selected("*", sections), "abx@1 cd@0 ");
+  sections[1] = &other;
+  EXPECT_EQ(selected("*", sections), "cd@0 ");
+  sections.push_back(&*place);
+  EXPECT_EQ(selected("*", sections), "abx@2 cd@0 ");
+
+  // A section of a client's own.
+  std::optional<Section> own(std::in_place, "ab", "r");
+  sections = {&*own};
+  for (int time = 0; time < 3; ++time) EXPECT_EQ(selected("*", sections), "ab@0 ");
+  own.emplace("cd", "r");
+  EXPECT_EQ(selected("*", sections), "cd@0 ");
+}
+
+/// The caller changes its array and its sections while it is told of those that are taken.
+TEST(Selection, StandsChangesInTheMiddle)
+{
+  struct Changing final : TDMSelectionStatement::SectionFunction {
+    explicit Changing(std::vector<TDMSection *> &array) : sections(array) {}
+    void call(TDMSection &section) override
+    {
+      text += section.name() + " ";
+      sections.erase(std::find(sections.begin(), sections.end(), &section));
+      const Section short_lived("a", "r"); // drops what is kept
+      text += "(" + selected("b*", sections) + ") ";
+    }
+    std::vector<TDMSection *> &sections;
+    std::string text;
+  };
+  Sections owned;
+  std::vector<TDMSection *> sections;
+  for (const char *name : {"a2", "b", "a1"}) sections.push_back(&owned.add(name));
+  selected("b*", sections);
+  selected("b*", sections);
+  Changing changing(sections);
+  TDMStatementEnv env;
+  TDMSelectionStatement({}, "a*").select(env, sections, changing, false);
+  EXPECT_EQ(changing.text, "a1 (b@1 ) a2 (b@0 ) ");
+}
+
 TEST(StatementEnv, BaseKnowsNothing)
 {
   TDMStatementEnv env;
