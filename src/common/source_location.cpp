@@ -9,7 +9,12 @@
 namespace {
 
 // Numbers and names in expressions have one key, most other records a few, and some ten.
-constexpr std::uint32_t first_capacity = 2;
+constexpr std::uint32_t capacity_above(std::uint32_t count)
+{
+  for (const std::uint32_t capacity : {1U, 4U, 8U})
+    if (count < capacity) return capacity;
+  return count * 2;
+}
 
 } // namespace
 
@@ -17,7 +22,7 @@ constexpr std::uint32_t first_capacity = 2;
 void SourceLocations::renew()
 {
   const std::uint32_t count = list_ == nullptr ? 0 : list_->count;
-  const std::uint32_t capacity = count == 0 ? first_capacity : count * (count < 8 ? 4 : 2);
+  const std::uint32_t capacity = capacity_above(count);
   void *memory = tdm::pool_allocate(sizeof(List) + capacity * sizeof(Entry));
   List *const list = new (memory) List{1, count, capacity, 0, 0, nullptr};
   if (count > 0)
