@@ -12,37 +12,7 @@ bool letter_or_digit(char c)
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-/// The length of a set of letters, digits and ranges of them, from `[` to `]`; 0 for other sets.
-std::size_t plain_set(std::string_view text)
-{
-  std::size_t at = 1;
-  if (at < text.size() && text[at] == '^') ++at;
-  const std::size_t first = at;
-  for (; at < text.size() && letter_or_digit(text[at]); ++at)
-    if (at + 2 < text.size() && text[at + 1] == '-') {
-      if (!letter_or_digit(text[at + 2]) || text[at + 2] < text[at]) return 0;
-      at += 2;
-    }
-  return at > first && at < text.size() && text[at] == ']' ? at + 1 : 0;
-}
-
 } // namespace
-
-bool plainly_right(std::string_view pattern)
-{
-  bool wildcards = false;
-  for (std::size_t at = 0;;) {
-    at = pattern.find_first_of("*?[]\\()|+", at);
-    if (at == std::string_view::npos) return wildcards;
-    wildcards = true;
-    const char c = pattern[at];
-    const std::size_t length = c == '*' || c == '?' ? 1
-                               : c == '['           ? plain_set(pattern.substr(at))
-                                                    : 0;
-    if (length == 0) return false;
-    at += length;
-  }
-}
 
 NameMatcher::NameMatcher(std::string_view pattern, std::unique_ptr<RegularExpression> expression)
     : pattern_(pattern), expression_(std::move(expression))
@@ -76,10 +46,17 @@ std::size_t NameMatcher::read_prefix()
   return at;
 }
 
+/// The pattern has no operators but wildcards and sets. A name matches one that ends in `*` as soon
+/// as its beginning matches what is before that; so the expression isn't anchored at that end.
 RegularExpression &NameMatcher::expression()
 {
-  if (expression_ == nullptr)
-    expression_ = std::make_unique<RegularExpression>(translate_pattern(pattern_).expression, true);
+  if (expression_ == nullptr) {
+    const std::string_view pattern = pattern_;
+    const std::size_t length = pattern.find_last_not_of('*') + 1;
+    std::string text = translate_pattern(pattern.substr(0, length)).expression;
+    if (length != pattern.size()) text.pop_back();
+    expression_ = std::make_unique<RegularExpression>(std::move(text), true);
+  }
   return *expression_;
 }
 

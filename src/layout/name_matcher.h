@@ -45,7 +45,4 @@ private:
   std::unique_ptr<RegularExpression> expression_;
 };
 
-/// Whether it shows at once that the pattern is right and has wildcards. False means nothing.
-[[nodiscard]] bool plainly_right(std::string_view pattern);
-
 } // namespace tdm

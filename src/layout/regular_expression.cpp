@@ -21,36 +21,35 @@ bool RegularExpression::match(std::string_view subject, std::size_t start)
   subject_ = subject;
   first_ = start;
   steps_ = 0;
-  StateTable::Cell state = StateTable::initial;
-  for (std::size_t at = start; at < subject.size(); ++at) {
-    StateTable::Cell next = table_->behind(state, subject[at]);
+  for (StateTable::Place place{StateTable::initial, start};; ++place.position) {
+    place = table_->follow(place, subject);
+    const bool at_end = place.position >= subject.size();
+    StateTable::Cell next =
+        at_end ? table_->at_end(place.state) : table_->behind(place.state, subject[place.position]);
     if (next == StateTable::unknown) {
-      next = learn(state, at);
-      if (next == StateTable::unknown) return match_without_table(at + 1);
+      next = learn(place);
+      if (next == StateTable::unknown) return match_without_table(place.position + 1);
     }
     if (!StateTable::is_state(next)) return next == StateTable::accepted;
-    state = next;
+    place.state = next;
   }
-  StateTable::Cell verdict = table_->at_end(state);
-  if (verdict == StateTable::unknown) verdict = learn(state, std::max(start, subject.size()));
-  return verdict == StateTable::accepted;
 }
 
-/// Finds by trying what a state leads to at the position. Unknown if that is a state for which the
+/// Finds by trying what a state leads to at its position. Unknown if that is a state for which the
 /// table has no room; the nodes then wait in the set ahead.
-StateTable::Cell RegularExpression::learn(StateTable::Cell state, std::size_t position)
+StateTable::Cell RegularExpression::learn(const StateTable::Place &place)
 {
   begin_round(here_);
   begin_round(ahead_);
-  for (const std::uint32_t number : table_->nodes(state)) add(here_, *nodes_[number]);
-  const bool matched = try_pending(position);
-  if (position >= subject_.size()) {
+  for (const std::uint32_t number : table_->nodes(place.state)) add(here_, *nodes_[number]);
+  const bool matched = try_pending(place.position);
+  if (place.position >= subject_.size()) {
     const StateTable::Cell verdict = matched ? StateTable::accepted : StateTable::refused;
-    table_->learn_end(state, verdict);
+    table_->learn_end(place.state, verdict);
     return verdict;
   }
   const StateTable::Cell next = matched ? StateTable::accepted : state_ahead();
-  table_->learn(state, subject_[position], next);
+  table_->learn(place.state, subject_[place.position], next);
   return next;
 }
 

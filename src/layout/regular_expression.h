@@ -87,7 +87,7 @@ private:
 
   void prepare();
   [[nodiscard]] bool begins_only_at_first();
-  [[nodiscard]] tdm::StateTable::Cell learn(tdm::StateTable::Cell state, std::size_t position);
+  [[nodiscard]] tdm::StateTable::Cell learn(const tdm::StateTable::Place &place);
   [[nodiscard]] tdm::StateTable::Cell state_ahead();
   [[nodiscard]] bool match_without_table(std::size_t position);
   static void begin_round(NodeSet &set);

@@ -1,17 +1,61 @@
 // Translates patterns to expressions, and tells which of them are plain names.
 #include "layout/selection_pattern.h"
 
+#include <array>
+#include <cstdint>
+
 #include "common/failures.h"
 #include "layout/name_matcher.h"
 #include "layout/regular_expression.h"
 
 namespace {
 
-/// Whether the text is a plain name at first sight: nothing of it is an operator of a pattern or of
-/// an expression. Most patterns are such names, and need neither translation nor graph.
-bool obviously_plain(std::string_view text)
+/// What shows of a pattern at first sight. Most patterns need neither translation nor graph to be
+/// read.
+enum class Kind : std::uint8_t {
+  plain, ///< a name without any operator of a pattern or of an expression
+  right, ///< has wildcards, and nothing can be wrong with it
+  unclear
+};
+
+/// Whether each character is an operator of a pattern or of an expression.
+constexpr std::array<bool, 256> operators = [] {
+  std::array<bool, 256> result{};
+  for (const char c : {'*', '?', '[', ']', '\\', '(', ')', '|', '+'})
+    result[static_cast<unsigned char>(c)] = true;
+  return result;
+}();
+
+/// The length of a set of letters, digits and ranges of them, from `[` to `]`; 0 for other sets.
+std::size_t plain_set(std::string_view text)
 {
-  return text.find_first_of("*?[]\\()|+") == std::string_view::npos;
+  const auto plain = [text](std::size_t at) {
+    const char c = at < text.size() ? text[at] : '\0';
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  };
+  const std::size_t first = text.starts_with("[^") ? 2 : 1;
+  std::size_t at = first;
+  for (; plain(at); ++at)
+    if (at + 1 < text.size() && text[at + 1] == '-') {
+      if (!plain(at + 2) || text[at + 2] < text[at]) return 0;
+      at += 2;
+    }
+  return at > first && at < text.size() && text[at] == ']' ? at + 1 : 0;
+}
+
+Kind kind_of(std::string_view pattern)
+{
+  Kind kind = Kind::plain;
+  for (std::size_t at = 0; at < pattern.size(); ++at) {
+    const char c = pattern[at];
+    if (!operators[static_cast<unsigned char>(c)]) continue;
+    kind = Kind::right;
+    if (c == '*' || c == '?') continue;
+    const std::size_t set = c == '[' ? plain_set(pattern.substr(at)) : 0;
+    if (set == 0) return Kind::unclear;
+    at += set - 1;
+  }
+  return kind;
 }
 
 /// The expression for one character of a pattern that isn't escaped.
@@ -47,7 +91,7 @@ TranslatedPattern translate_pattern(std::string_view pattern)
   TranslatedPattern result;
   result.expression.reserve(pattern.size() + pattern.size() / 4 + 2);
   result.plain.reserve(pattern.size());
-  result.expression = "^";
+  result.expression += '^';
   bool escaped = false;
   bool behind_bracket = false;
   for (const char c : pattern) {
@@ -75,9 +119,9 @@ TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
                                          const TDMSourceLocation &location)
     : text_(pattern_text)
 {
-  if (obviously_plain(pattern_text)) return;
-  literal_ = false;
-  if (tdm::plainly_right(pattern_text)) return;
+  const Kind kind = kind_of(pattern_text);
+  literal_ = kind == Kind::plain;
+  if (kind != Kind::unclear) return;
   tdm::TranslatedPattern translated = tdm::translate_pattern(pattern_text);
   try {
     auto expression = std::make_unique<RegularExpression>(std::move(translated.expression), true);

@@ -13,6 +13,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace tdm {
@@ -53,6 +54,21 @@ public:
   [[nodiscard]] Cell behind(Cell state, char character) const
   {
     return cells_[state + columns_of_[static_cast<unsigned char>(character)]];
+  }
+
+  struct Place {
+    Cell state;
+    std::size_t position;
+  };
+  /// Goes on from state to state, up to the end of the subject or a character that leads to none.
+  [[nodiscard]] Place follow(Place place, std::string_view subject) const
+  {
+    for (; place.position < subject.size(); ++place.position) {
+      const Cell next = behind(place.state, subject[place.position]);
+      if (!is_state(next)) break;
+      place.state = next;
+    }
+    return place;
   }
 
   void learn_end(Cell state, Cell next) { cells_[state] = next; }
