@@ -156,21 +156,21 @@ static void put_fill(const tdm_fillspec *fill)
 
 static void put_value(const tdm_vector_value *value)
 {
-  tdm_arr *numbers;
+  tdm_arr *list;
   uint32_t i;
   if (value == NULL) {
     put("-");
     return;
   }
-  numbers = tdm_inspect_vector_value_numbers(value);
+  list = tdm_inspect_vector_value_numbers(value);
   put("(%d ", tdm_inspect_vector_value_kind(value));
   put_text(tdm_inspect_vector_value_symbol(value));
-  for (i = 0; i < numbers->count; ++i) put(" %" PRId64, ((int64_t *)numbers->items)[i]);
+  for (i = 0; i < list->count; ++i) put(" %" PRId64, ((int64_t *)list->items)[i]);
   put(" ");
   put_expression(tdm_inspect_vector_value_loop_offset(value));
   put_positions(TDM_OBJECT_VECTOR_VALUE, value);
   put(")");
-  tdm_arr_del(numbers);
+  tdm_arr_del(list);
 }
 
 static void put_source(tdm_mapsource *source)
@@ -242,7 +242,8 @@ static void put_field(enum form form, const void *item)
     break;
   case PLACE:
     place = item;
-    put("%s:%d/%d", strrchr(place->file, '/') + 1, place->line, place->column);
+    handle = strrchr(place->file, '/');
+    put("%s:%d/%d", handle != NULL ? (char *)handle + 1 : place->file, place->line, place->column);
     break;
   case EXPRESSION:
     put_expression(*(tdm_expression *const *)item);
