@@ -49,6 +49,8 @@ class TDM_CLIENT_API TDMNumber final : public TDMExpression {
 public:
   explicit TDMNumber(std::int64_t number) : number_(number) {}
 
+  [[nodiscard]] std::int64_t number() const { return number_; }
+
   std::int64_t compute(TDMExpressionEnv *) override { return number_; }
   ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;

@@ -9,6 +9,11 @@
  *    statement, vector tables.
  *  - <tdm_c/tdm_inspect_source.h>: the files that were read and their chains of #include; the
  *    tokens of the preprocessor.
+ *  - <tdm_c/tdm_inspect_overlap.h>: descriptions that are refused because memories lie over each
+ *    other, for reading.
+ *  - <tdm_c/tdm_inspect_route.h>: translation over one mapping and from any object, and routes hop
+ *    by hop.
+ *  - <tdm_c/tdm_inspect_expression.h>: the text and the value of an expression.
  *  - Below: failures, and messages of the preprocessor.
  */
 #ifndef TDM_C_TDM_INSPECT_H
@@ -16,8 +21,11 @@
 
 #include <stdint.h>
 
+#include <tdm_c/tdm_inspect_expression.h>
 #include <tdm_c/tdm_inspect_layout.h>
 #include <tdm_c/tdm_inspect_model.h>
+#include <tdm_c/tdm_inspect_overlap.h>
+#include <tdm_c/tdm_inspect_route.h>
 #include <tdm_c/tdm_inspect_source.h>
 #include <tdm_c/tdm_inspect_types.h>
 #include <tdm_c/tdm_types.h>

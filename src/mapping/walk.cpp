@@ -106,9 +106,16 @@ void append_hops(const typename Way::Node &node, const Value &value, std::vector
   }
 }
 
-/// Walks from a node. At each hop, in depth-first order, `arrive(hop, reserved, visited)` is asked
-/// whether the walk goes on behind it: `reserved` is that of the route up to the hop, without it,
-/// and `visited` whether the node reached was entered with the same value before.
+[[noreturn]] void give_up()
+{
+  throw new TDMSyntaxError("a translation over bus mappings was given up after " +
+                           std::to_string(max_walk_steps) + " steps");
+}
+
+/// Walks from a node. At each hop, in depth-first order, `arrive(hop, reserved, visited, trail)` is
+/// asked whether the walk goes on behind it: `reserved` is that of the route up to the hop, without
+/// it, `visited` whether the node reached was entered with the same value before, and `trail(f)`
+/// hands each hop of the route to a function, this one last.
 template <class Way, class Value, class Arrive>
 void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
 {
@@ -127,11 +134,13 @@ void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
     append_hops<Way>(node, entry, hops);
     if (hops.size() == first) return;
     steps += hops.size() - first;
-    if (steps > max_walk_steps)
-      throw new TDMSyntaxError("a translation over bus mappings was given up after " +
-                               std::to_string(max_walk_steps) + " steps");
+    if (steps > max_walk_steps) give_up();
     visited.insert(&node, entry);
     frames.push_back({first, first, reserved});
+  };
+
+  const auto trail = [&](auto function) {
+    for (const Frame &frame : frames) function(hops[frame.next - 1]);
   };
 
   enter(start, value, false);
@@ -146,7 +155,7 @@ void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
     const bool reserved = frame.reserved;
     const typename Way::Node *onward = Way::onward(*hop.mapping);
     const bool seen = onward != nullptr && visited.contains(onward, hop.value);
-    if (arrive(hop, reserved, seen) && onward != nullptr)
+    if (arrive(hop, reserved, seen, trail) && onward != nullptr)
       enter(*onward, hop.value, reserved || hop.mapping->reserved);
   }
 }
@@ -182,7 +191,7 @@ template <class Value>
 std::vector<ForwardRoute<Value>> map_to_memory(const TDMMapSource &source, const Value &value)
 {
   std::vector<ForwardRoute<Value>> routes;
-  walk<Forward>(source, value, [&](const Hop<Value> &hop, bool reserved, bool seen) {
+  walk<Forward>(source, value, [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
     if (hop.mapping->destination_as_source() != nullptr) return !seen;
     if (hop.mapping->destination_kind() == NodeKind::memory)
       routes.push_back({hop.mapping->destination(), hop.value, reserved || hop.mapping->reserved});
@@ -196,12 +205,13 @@ std::vector<BackwardRoute<Value>> map_back_to(NodeKind kind, const TDMMapDestina
                                               const Value &value)
 {
   std::vector<BackwardRoute<Value>> routes;
-  walk<Backward>(destination, value, [&](const Hop<Value> &hop, bool reserved, bool seen) {
-    if (seen) return false;
-    if (hop.mapping->source_kind() == kind)
-      routes.push_back({hop.mapping->source(), hop.value, reserved || hop.mapping->reserved});
-    return true;
-  });
+  walk<Backward>(
+      destination, value, [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
+        if (seen) return false;
+        if (hop.mapping->source_kind() == kind)
+          routes.push_back({hop.mapping->source(), hop.value, reserved || hop.mapping->reserved});
+        return true;
+      });
   return routes;
 }
 
@@ -211,12 +221,56 @@ std::vector<BackwardRoute<Value>> map_back_to_object(const TDMMapSource &target,
                                                      const Value &value)
 {
   std::vector<BackwardRoute<Value>> routes;
-  walk<Backward>(destination, value, [&](const Hop<Value> &hop, bool reserved, bool seen) {
-    if (hop.mapping->source() != &target) return !seen;
-    routes.push_back({hop.mapping->source(), hop.value, reserved});
+  walk<Backward>(destination, value,
+                 [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
+                   if (hop.mapping->source() != &target) return !seen;
+                   routes.push_back({hop.mapping->source(), hop.value, reserved});
+                   return false;
+                 });
+  return routes;
+}
+
+namespace {
+
+/// Appends a route that ends at the hop reached.
+template <class Value, class Trail>
+void append_route(std::vector<RouteHop<Value>> &hops, const Trail &trail)
+{
+  const size_t route = hops.empty() ? 0 : hops.back().route + 1;
+  bool reserved = false;
+  trail([&](const Hop<Value> &hop) {
+    reserved = reserved || hop.mapping->reserved;
+    hops.push_back({hop.mapping, hop.value, route, reserved});
+  });
+  if (hops.size() > max_walk_steps) give_up();
+}
+
+} // namespace
+
+template <class Value>
+std::vector<RouteHop<Value>> routes_to_memory(const TDMMapSource &source, const Value &value)
+{
+  std::vector<RouteHop<Value>> hops;
+  walk<Forward>(source, value, [&](const Hop<Value> &hop, bool, bool seen, const auto &trail) {
+    if (hop.mapping->destination_as_source() != nullptr) return !seen;
+    if (hop.mapping->destination_kind() == NodeKind::memory) append_route(hops, trail);
     return false;
   });
-  return routes;
+  return hops;
+}
+
+template <class Value>
+std::vector<RouteHop<Value>> routes_back_to(NodeKind kind, const TDMMapDestination &destination,
+                                            const Value &value)
+{
+  std::vector<RouteHop<Value>> hops;
+  walk<Backward>(destination, value,
+                 [&](const Hop<Value> &hop, bool, bool seen, const auto &trail) {
+                   if (seen) return false;
+                   if (hop.mapping->source_kind() == kind) append_route(hops, trail);
+                   return true;
+                 });
+  return hops;
 }
 
 #define TDM_INSTANTIATE(Value)                                                                     \
@@ -226,6 +280,9 @@ std::vector<BackwardRoute<Value>> map_back_to_object(const TDMMapSource &target,
   template std::vector<ForwardRoute<Value>> map_to_memory(const TDMMapSource &, const Value &);    \
   template std::vector<BackwardRoute<Value>> map_back_to(NodeKind, const TDMMapDestination &,      \
                                                          const Value &);                           \
+  template std::vector<RouteHop<Value>> routes_to_memory(const TDMMapSource &, const Value &);     \
+  template std::vector<RouteHop<Value>> routes_back_to(NodeKind, const TDMMapDestination &,        \
+                                                       const Value &);                             \
   template std::vector<BackwardRoute<Value>> map_back_to_object(                                   \
       const TDMMapSource &, const TDMMapDestination &, const Value &);
 

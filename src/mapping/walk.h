@@ -55,4 +55,21 @@ template <class Value>
 map_back_to_object(const TDMMapSource &target, const TDMMapDestination &destination,
                    const Value &value);
 
+/// A mapping that a route crosses.
+template <class Value> struct RouteHop {
+  const TDMMapping *mapping;
+  Value value;   ///< where the route arrives behind it: at its far end, in the units of that
+  size_t route;  ///< number of the route, from 0
+  bool reserved; ///< some mapping on the route up to here, this one included, is reserved
+};
+
+/// The routes of map_to_memory and map_back_to, each with all its hops from the start on. As many
+/// hops as a walk may take steps, all routes together; beyond that, the failure of a walk.
+template <class Value>
+[[nodiscard]] std::vector<RouteHop<Value>> routes_to_memory(const TDMMapSource &source,
+                                                            const Value &value);
+template <class Value>
+[[nodiscard]] std::vector<RouteHop<Value>>
+routes_back_to(NodeKind kind, const TDMMapDestination &destination, const Value &value);
+
 } // namespace tdm

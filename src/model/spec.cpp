@@ -36,7 +36,7 @@ template <typename Work> void with_finished_texts(Work work)
 
 } // namespace
 
-TDMSpec::TDMSpec(const std::vector<std::string> &files)
+TDMSpec::TDMSpec(const std::vector<std::string> &files, Checks checks)
 {
   const std::unique_ptr<TDMFileInterface> records = parse(files);
   if (records == nullptr)
@@ -45,8 +45,9 @@ TDMSpec::TDMSpec(const std::vector<std::string> &files)
     throw new TDMSyntaxException(whole_input(files), "no architectures defined");
   with_finished_texts([&] {
     build(*records);
-    check();
+    if (checks == Checks::refused) check();
   });
+  if (checks == Checks::kept_for_reading) keep_check_failure();
 }
 
 TDMSpec::~TDMSpec() = default;
@@ -139,6 +140,16 @@ void TDMSpec::check() const
   for (const auto &memory : memories) overlaps.add(*memory);
   for (const auto &processor : processors)
     for (const auto &memory : processor->memories) overlaps.add(*memory);
+}
+
+void TDMSpec::keep_check_failure()
+{
+  try {
+    check();
+  } catch (TDMFileException *failure) {
+    check_failure = failure->text();
+    delete failure;
+  }
 }
 
 void TDMSpec::check_names() const

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -21,8 +22,11 @@ class Templates;
 } // namespace tdm
 
 struct TDMSpec : TDMCloneSpaceRegistry {
+  /// What becomes of a spec that doesn't pass the checks over the whole of it.
+  enum class Checks { refused, kept_for_reading };
+
   /// Reads the files as one input. Throws the failures of the language and the model by pointer.
-  explicit TDMSpec(const std::vector<std::string> &files);
+  explicit TDMSpec(const std::vector<std::string> &files, Checks checks = Checks::refused);
 
   TDMCloneSpace *find_clone_space(const std::set<std::string> &names) const override;
   TDMCloneSpace *create_clone_space(TDMCore &core,
@@ -46,6 +50,7 @@ struct TDMSpec : TDMCloneSpaceRegistry {
 
   // In the order of destruction, last to first: processors go first.
   std::set<std::string> file_dependencies;
+  std::optional<std::string> check_failure; ///< of a spec that is kept for reading all the same
   std::map<std::set<std::string>, TDMCloneSpace *> clone_spaces;
   std::vector<std::unique_ptr<TDMBus>> buses;
   std::vector<std::unique_ptr<TDMMemory>> memories;
@@ -59,6 +64,7 @@ private:
   void create_globals(const TDMFileInterface &records);
   void add_section_items(const TDMFileInterface &records);
   void check() const;
+  void keep_check_failure();
   void check_names() const;
 
   tdm::NameIndex<TDMProcessor> processor_index_;

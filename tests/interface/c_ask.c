@@ -64,6 +64,9 @@ int main(int argc, char **argv)
   if (argc < 2) return 2;
   directory = argv[1];
   ask_sources();
+  ask_overlaps();
+  ask_routes();
+  ask_expressions();
   if (failures > 0) printf("%d failures\n", failures);
   return failures > 0 ? 1 : 0;
 }

@@ -36,5 +36,8 @@ tdm_arr *one_file(const char *name);
 extern tdm_arr no_texts;
 
 void ask_sources(void);
+void ask_overlaps(void);
+void ask_routes(void);
+void ask_expressions(void);
 
 #endif

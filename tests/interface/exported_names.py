@@ -14,7 +14,8 @@ import sys
 from pathlib import Path
 
 HEADERS = {"TDM_C_4.0": ["tdm.h"], "TDM_C_INSPECT_1.0": ["tdm_inspect.h", "tdm_inspect_model.h", "tdm_inspect_layout.h",
-                                                     "tdm_inspect_source.h"]}
+                                                     "tdm_inspect_source.h", "tdm_inspect_overlap.h",
+                                                     "tdm_inspect_route.h", "tdm_inspect_expression.h"]}
 
 
 def without_comments(text):

@@ -1,0 +1,33 @@
+// All places where memories lie over each other on a bus. OverlapCheck refuses a description at the
+// first one; this is for those who want to show them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "mapping/mapping.h"
+
+struct TDMMemory;
+struct TDMSpec;
+
+namespace tdm {
+
+struct Overlap {
+  TDMMapSource *source;
+  const TDMMemory *first; ///< the one that comes first in the order of the check
+  const TDMMemory *second;
+  TDMMapping *first_mapping;
+  TDMMapping *second_mapping;
+  Interval range; ///< what both take of the source
+  int64_t bits;   ///< how many bits that is; as many as fit the number
+};
+
+/// The search ends with so many: n memories at one place overlap in n * n / 2 ways.
+inline constexpr size_t most_overlaps = 10'000;
+
+/// In the order of the second mapping and then of the first; both in the order of the check.
+/// PatternOverflowException, MauException.
+[[nodiscard]] std::vector<Overlap> find_overlaps(const TDMSpec &spec);
+
+} // namespace tdm
