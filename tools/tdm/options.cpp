@@ -123,6 +123,22 @@ void add_select(CLI::App &verb, Options &options)
               "  echo '.text rx' | tdm select chip.tdm --space linear");
 }
 
+void add_draw(CLI::App &verb, Options &options)
+{
+  add_input(verb, options);
+  verb.add_option("-o,--output", options.output,
+                  "Write the picture to FILE; - for the standard output, the default")
+      ->type_name("FILE|-");
+  verb.add_flag("--html", options.html, "Write a page of HTML that stands alone, instead of SVG");
+  verb.add_option("--processor", options.processor, "Draw one processor alone")->type_name("NAME");
+  verb.callback([&options] { options.verb = Verb::draw; });
+  verb.footer("A column for each space and bus, lined up where they share addresses; what has a\n"
+              "name, an address or a line can be pointed at for more.\n"
+              "Examples:\n"
+              "  tdm draw chip.tdm -o chip.svg\n"
+              "  tdm draw --html chip.tdm > chip.html");
+}
+
 void add_deps(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
@@ -149,6 +165,8 @@ constexpr VerbEntry verbs[] = {
      "tdm layout chip.tdm --space linear"},
     {"select", "Show which selection takes which section", add_select,
      "tdm select chip.tdm --space linear --sections sections.txt"},
+    {"draw", "Draw the memory map as SVG, or as a page of HTML", add_draw,
+     "tdm draw chip.tdm -o chip.svg"},
     {"deps", "List the files that are read, as a Makefile rule", add_deps, "tdm deps chip.tdm"},
 };
 

@@ -9,7 +9,7 @@
 
 namespace tool {
 
-enum class Verb { check, show, map, layout, select, deps };
+enum class Verb { check, show, map, layout, select, draw, deps };
 
 struct Options {
   Verb verb = Verb::check;
@@ -26,6 +26,9 @@ struct Options {
   std::vector<std::string> defined; ///< the same for symbols
   std::string sections = "-";       ///< select: the list; "-" for the standard input
   std::string target;               ///< deps: empty for the default
+  std::string output = "-";          ///< draw: the file to write; "-" for the standard output
+  bool html = false;                ///< draw: a page of its own
+  std::string processor;            ///< draw: of which; empty for all
 };
 
 /// What the process ends with.

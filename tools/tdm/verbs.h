@@ -15,6 +15,7 @@ namespace tool {
 // description.
 int check(const Options &options, const Session &session, std::ostream &out);
 int deps(const Options &options, const Session &session, std::ostream &out);
+int draw(const Options &options, const Session &session, std::ostream &out);
 int map(const Options &options, const Session &session, std::ostream &out);
 int show_text(const Session &session, std::ostream &out);
 int show_json(const Options &options, const Session &session, std::ostream &out);

@@ -1,0 +1,89 @@
+#!/usr/bin/env python3
+"""Looks at the form of the pictures that the tool draws of the examples.
+
+    pictures.py TDM DESCRIPTION...
+
+A picture must be well-formed, the same each time, and name every memory and column; no text may leave
+the canvas or lie on another one. How wide a letter is, is known: the fonts asked for have letters
+of one width.
+"""
+import json
+import re
+import subprocess
+import sys
+import xml.etree.ElementTree as ElementTree
+
+LETTER = 0.602
+SVG = "{http://www.w3.org/2000/svg}"
+OVERLAP_ALLOWED = 0.6
+
+
+def tdm_output(*command):
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE, timeout=60).stdout.decode()
+
+
+def names(tdm, arguments):
+    """Of all memories, spaces and buses of the description."""
+    model = json.loads(tdm_output(tdm, "show", "--json", *arguments))
+    wanted = {memory["name"] for memory in model.get("memories", [])}
+    for processor in model["processors"]:
+        wanted |= {memory["name"] for memory in processor["memories"]}
+        for core in processor["cores"]:
+            wanted |= {space["name"] for space in core["spaces"] if space["name"] != "non alloc"}
+    return wanted
+
+
+def extent(text):
+    """Left, top, right and bottom of a text."""
+    size, x, y = (float(text.get(key)) for key in ("font-size", "x", "y"))
+    width = len(text.text) * LETTER * size
+    left = x - width if text.get("text-anchor") == "end" else x
+    return left, y - 0.75 * size, left + width, y + 0.1 * size
+
+
+def lie_on_another(a, b):
+    return (min(a[2], b[2]) - max(a[0], b[0]) > OVERLAP_ALLOWED and
+            min(a[3], b[3]) - max(a[1], b[1]) > OVERLAP_ALLOWED)
+
+
+def faults_of(svg, wanted):
+    width, height = float(svg.get("width")), float(svg.get("height"))
+    texts = [text for text in svg.iter(SVG + "text") if text.text]
+    for name in sorted(wanted - {text.text for text in texts}):
+        yield f"{name} doesn't stand in the picture"
+    boxes = [(text.text, extent(text)) for text in texts]
+    for text, (left, top, right, bottom) in boxes:
+        if left < 0 or top < 0 or right > width or bottom > height:
+            yield f"{text!r} leaves the canvas"
+    for i, (text, box) in enumerate(boxes):
+        for other, other_box in boxes[:i]:
+            if lie_on_another(box, other_box):
+                yield f"{other!r} and {text!r} lie on one another at {box[0]:.0f}, {box[1]:.0f}"
+    for box in svg.iter(SVG + "rect"):
+        if float(box.get("width")) <= 0 or float(box.get("height")) <= 0:
+            yield f"a box has no area: {box.attrib}"
+
+
+def check(tdm, arguments):
+    drawn = tdm_output(tdm, "draw", *arguments)
+    if drawn != tdm_output(tdm, "draw", *arguments):
+        yield "another picture the second time"
+    yield from faults_of(ElementTree.fromstring(drawn), names(tdm, arguments))
+    page = tdm_output(tdm, "draw", "--html", *arguments)
+    html = ElementTree.fromstring(page.split("\n", 1)[1])
+    if html.find(f"body/{SVG}svg") is None or re.search(r"(src|href)=", page):
+        yield "the page doesn't stand alone"
+
+
+def main():
+    tdm, *descriptions = sys.argv[1:]
+    different = 0
+    for description in descriptions:
+        for fault in check(tdm, description.split()):
+            print(f"{description}: {fault}")
+            different += 1
+    return 1 if different else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
