@@ -139,11 +139,11 @@ int TDMLexer::quick_token()
       if (begun) return whole_token(*token);
       return characters_held() == 1 ? single_character(c) : 0;
     }
-    if (begun) token = &stream.skip_token();
+    if (begun) token = &stream.skip_blanks();
     drop_held(1);
     behind_blanks = true;
   }
-  for (; is_blank(*token); behind_blanks = true) token = &stream.skip_token();
+  for (; is_blank(*token); behind_blanks = true) token = &stream.skip_blanks();
   place_ = {token->position.file, token->position.line, token->position.column};
   if (token->length > 1) return whole_token(*token);
   const int c = LA(1);

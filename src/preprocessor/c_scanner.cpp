@@ -105,7 +105,7 @@ inline const PpToken &pass(TDMInputRecord &record, const char *end)
   return scanner.token;
 }
 
-const PpToken &comment_in_block(TDMInputRecord &record)
+[[gnu::noinline]] const PpToken &comment_in_block(TDMInputRecord &record)
 {
   const char *begin = record.cursor;
   std::uint32_t lines = 0;
@@ -133,7 +133,7 @@ const PpToken &comment_in_block(TDMInputRecord &record)
   return pass(record, end);
 }
 
-const PpToken &punctuator_in_block(TDMInputRecord &record)
+[[gnu::noinline]] const PpToken &punctuator_in_block(TDMInputRecord &record)
 {
   BlockSource source{record.cursor};
   const int at = match(source);
@@ -157,7 +157,7 @@ const PpToken &punctuator_in_block(TDMInputRecord &record)
   return pass(record, source.cursor);
 }
 
-const PpToken &name_in_block(TDMInputRecord &record)
+[[gnu::noinline]] const PpToken &name_in_block(TDMInputRecord &record)
 {
   const char *begin = record.cursor;
   const char *end = begin + 1;
@@ -174,7 +174,7 @@ const PpToken &name_in_block(TDMInputRecord &record)
   return pass(record, end);
 }
 
-const PpToken &number_in_block(TDMInputRecord &record)
+[[gnu::noinline]] const PpToken &number_in_block(TDMInputRecord &record)
 {
   BlockSource source{record.cursor + 1};
   const int number = read_number(source, *record.cursor == '0', false);
@@ -185,7 +185,7 @@ const PpToken &number_in_block(TDMInputRecord &record)
   return pass(record, source.cursor);
 }
 
-const PpToken &quoted_in_block(TDMInputRecord &record)
+[[gnu::noinline]] const PpToken &quoted_in_block(TDMInputRecord &record)
 {
   const char *end = end_of_quoted(record.cursor);
   if (end == nullptr) return by_character();
@@ -216,15 +216,20 @@ inline const PpToken &single_in_block(TDMInputRecord &record)
   return pass(record, record.cursor + 1);
 }
 
+inline const PpToken &pass_newline(TDMInputRecord &record)
+{
+  input_note_line(record);
+  record.at_line_start = true;
+  scanner.header_mode = false;
+  return pass(record, record.cursor + 1);
+}
+
 inline const PpToken &newline_in_block(TDMInputRecord &record)
 {
   place_at_next(record);
   scanner.token.number = tNEWLINE;
   set_text(scanner.texts[tNEWLINE], 1);
-  input_note_line(record);
-  record.at_line_start = true;
-  scanner.header_mode = false;
-  return pass(record, record.cursor + 1);
+  return pass_newline(record);
 }
 
 } // namespace
@@ -305,6 +310,26 @@ const tdm::PpToken &scanner_next_token(bool want_text)
     break;
   }
   return by_character();
+}
+
+std::size_t scanner_pass_blanks(bool &newline)
+{
+  using namespace tdm;
+  if (input_stack.top == nullptr || input_stack.has_unread) return 0;
+  TDMInputRecord &record = *input_stack.top;
+  for (std::size_t passed = 0;; ++passed) {
+    const Start start = start_of(*record.cursor);
+    if (start != Start::blank && start != Start::newline) return passed;
+    input_begin_line(record);
+    if (start == Start::newline) {
+      pass_newline(record);
+      newline = true;
+      continue;
+    }
+    const char *end = record.cursor + 1;
+    while (start_of(*end) == Start::blank) ++end;
+    pass(record, end);
+  }
 }
 
 void scanner_set_header_mode()

@@ -431,6 +431,15 @@ std::string_view rest_of_line()
 
 } // namespace tdm
 
+void pp_pass_blanks()
+{
+  using namespace tdm;
+  if (state.in_directive || !conditional_active() || !list_stack_empty()) return;
+  bool newline = false;
+  expansion_work.allowed += expansion_per_token * scanner_pass_blanks(newline);
+  if (newline) state.at_line_start = true;
+}
+
 const tdm::PpToken &pp_next_token(bool expand)
 {
   using namespace tdm;

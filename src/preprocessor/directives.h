@@ -11,6 +11,10 @@
 /// The next token, in a record that is good until the next call. `expand` turns macros on.
 const tdm::PpToken &pp_next_token(bool expand);
 
+/// Reads over white space that comes next, where that is all there is to it: for a reader who is
+/// going to leave it out anyhow. May do nothing.
+void pp_pass_blanks();
+
 namespace tdm {
 
 void directives_start();

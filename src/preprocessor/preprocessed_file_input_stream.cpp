@@ -80,6 +80,12 @@ void TDMPreprocessedFileInputStream::start(const std::vector<std::string> &files
   fetch_token();
 }
 
+const tdm::PpToken &TDMPreprocessedFileInputStream::skip_blanks()
+{
+  pp_pass_blanks();
+  return skip_token();
+}
+
 void TDMPreprocessedFileInputStream::fetch_token()
 {
   do token_ = &pp_next_token(true);

@@ -61,6 +61,9 @@ public:
     return *token_;
   }
 
+  /// The same for white space, together with all white space behind it.
+  const tdm::PpToken &skip_blanks();
+
 private:
   void start(const std::vector<std::string> &files);
   void fetch_token();
