@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Runs the examples of the documents, so that they can't go stale.
 
-    check_examples.py TDM
+    check_examples.py TDM [--update]
 
 A block marked ```tdm is a complete description: `tdm check` must take it. A block marked ```tdm-map
 holds addresses in the description before it, in the columns space, address and expected of
-examples/checks.txt. The C program of README.md must be examples/c/translate.c to the letter.
+examples/checks.txt. A block marked ```console is a part of a transcript, with files and commands
+in the form of tests/interface/transcripts.py; the blocks of a document go on from one another, and
+--update writes anew what the commands print. The C program of README.md must be examples/c/translate.c to the letter.
 """
 import json
 import os
@@ -19,8 +21,9 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 BLOCK = re.compile(r"^```(\S*)\n(.*?)^```$", re.M | re.S)
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(ROOT / "examples"))
+sys.path[:0] = [str(ROOT / "examples"), str(ROOT / "tests" / "interface")]
 from demo import reached  # pylint: disable=wrong-import-position
+from transcripts import play  # pylint: disable=wrong-import-position
 
 
 def run(*command):
@@ -53,6 +56,25 @@ def document_faults(tdm, document, description):
             yield from map_faults(tdm, description, block[2], where)
 
 
+def transcript_faults(tdm, document, update):
+    text = document.read_text(encoding="utf-8")
+    found = []
+    with tempfile.TemporaryDirectory() as root:
+        def played(block):
+            if block[1] != "console":
+                return block[0]
+            now = "".join(line + "\n" for line in
+                          play(block[2].splitlines(), tdm, os.path.realpath(root)))
+            if now != block[2] and not update:
+                line = text.count("\n", 0, block.start()) + 1
+                found.append(f"{document.relative_to(ROOT)}:{line}: now it is\n{now}")
+            return f"```console\n{now}```"
+        new = BLOCK.sub(played, text)
+    if update and new != text:
+        document.write_text(new, encoding="utf-8")
+    return found
+
+
 def readme_faults():
     programs = [block[2] for block in BLOCK.finditer((ROOT / "README.md").read_text("utf-8"))
                 if block[1] == "c"]
@@ -67,6 +89,7 @@ def main():
         description = os.path.join(folder, "example.tdm")
         for document in sorted((ROOT / "docs").glob("*.md")):
             faults += document_faults(tdm, document, description)
+            faults += transcript_faults(tdm, document, "--update" in sys.argv[2:])
     print("\n".join(faults) or "all examples of the documents hold")
     return 1 if faults else 0
 

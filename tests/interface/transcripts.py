@@ -10,9 +10,11 @@ A transcript is a session of a user, `#` in front of remarks:
                              all, then
     [1]                      the code that it ended with, unless that is 0
 
+`$ cat NAME` shows a file that a command wrote.
+
 Commands run in an empty directory with the files alone; in them and in the output, @DIR@ stands for
-its name, and @EXAMPLES@ for the examples of the project. `$ cd NAME` changes into a directory below it. --update writes the output into the
-transcript as the new expectation.
+its name, and @EXAMPLES@ for the examples of the project. `$ cd NAME` changes into a directory below
+it. --update writes the output into the transcript as the new expectation.
 """
 import os
 import re
@@ -62,6 +64,10 @@ def play(lines, tdm, root):
             file.write_text(text + "\n", encoding="utf-8", newline="")
         elif line.startswith("$ cd "):
             directory = os.path.join(root, line[5:].strip())
+        elif line.startswith("$ cat "):
+            while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
+                at += 1
+            result += Path(directory, line[6:].strip()).read_text(encoding="utf-8").splitlines()
         elif line.startswith("$ "):
             while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
                 at += 1

@@ -1,5 +1,6 @@
 // Tells the user what is wrong, in the form that editors understand:
 //
+//   In file included from board.tdm:1:
 //   chip.tdm:3:8: error: no mau size set for memory m
 //       3 | memory m {
 //         |        ^
@@ -7,23 +8,14 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "file_names.h"
-#include "session.h"
+#include "findings.h"
 #include "source_excerpt.h"
 
 namespace tool {
-
-/// The text of a failure in its parts; line 0 if it stands at no line, and no file if at none.
-struct Failure {
-  std::string file;
-  int line = 0;
-  int column = 0;
-  std::string text;
-};
-
-/// From `["<file>" <line>/<column>] <label>: <text>`, or a text without position.
-[[nodiscard]] Failure parse_failure(const std::string &text);
 
 class Diagnostics {
 public:
@@ -32,32 +24,26 @@ public:
   {
   }
 
-  /// The messages of the preprocessor, in the order of their reports, each note below the message
-  /// that it belongs to; then the failure of the parse, if it failed.
-  void report(const Session &session);
+  void report(const std::vector<Finding> &findings);
 
   /// As an error.
   void report(const Failure &failure);
 
 private:
-  struct Place {
-    std::string file;
-    int line;
-    int column;
-  };
-
-  void report_messages();
-  void print(const Place &place, const char *severity, const std::string &text);
-  void print_source(const Place &place);
+  void print(const Finding &finding);
+  void print_chain(const std::vector<SourcePlace> &included_from);
+  void print_source(const SourcePlace &place);
   [[nodiscard]] std::string styled(const char *style, const std::string &text) const;
 
   const FileNames &names_;
   std::ostream &out_;
   bool colored_;
   SourceFiles sources_;
+  std::string last_chain_; ///< as text: said once for messages that follow one another
 };
 
-/// Whether the stream of that descriptor shows colors and the user wants them.
-[[nodiscard]] bool shows_colors(int descriptor);
+/// Whether to write colors to that stream, by what the user wants: "always", "never" or "auto",
+/// which looks for a terminal and the variable NO_COLOR.
+[[nodiscard]] bool shows_colors(std::string_view wish, int descriptor);
 
 } // namespace tool

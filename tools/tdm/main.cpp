@@ -19,8 +19,6 @@ int answer(const Options &options, const Session &session, Diagnostics &diagnost
            std::ostream &out)
 {
   switch (options.verb) {
-  case Verb::check:
-    return check(options, session, out);
   case Verb::show:
     return options.json ? show_json(options, session, out) : show_text(session, out);
   case Verb::map:
@@ -33,24 +31,34 @@ int answer(const Options &options, const Session &session, Diagnostics &diagnost
     return draw(options, session, out);
   case Verb::deps:
     return deps(options, session, out);
+  default:
+    return exit_usage;
   }
-  return exit_usage;
+}
+
+/// Reads the description, and answers if it could be read.
+int read_and_answer(const Options &options, std::ostream &out)
+{
+  const Session session(options);
+  Diagnostics diagnostics(session.names(), std::cerr, shows_colors(options.color, STDERR_FILENO));
+  diagnostics.report(findings_of(session));
+  if (session.spec() == nullptr) return exit_errors;
+  const bool errors = tdm_get_error_count() > 0;
+  const int result = answer(options, session, diagnostics, out);
+  return errors ? exit_errors : result;
 }
 
 int run(const Options &options)
 {
-  const Session session(options);
-  Diagnostics diagnostics(session.names(), std::cerr, shows_colors(STDERR_FILENO));
-  diagnostics.report(session);
-  const bool errors = tdm_get_error_count() > 0;
-  if (session.spec() == nullptr || (errors && options.verb == Verb::check)) return exit_errors;
-  const int result = answer(options, session, diagnostics, std::cout);
+  const int result = options.verb == Verb::check     ? check(options, std::cout, std::cerr)
+                     : options.verb == Verb::explain ? explain(options, std::cout)
+                                                     : read_and_answer(options, std::cout);
   std::cout.flush();
   if (!std::cout) {
     std::cerr << "tdm: error: cannot write the output\n";
     return exit_errors;
   }
-  return errors ? exit_errors : result;
+  return result;
 }
 
 } // namespace

@@ -14,7 +14,21 @@ namespace tool {
 
 namespace {
 
-/// What every verb takes. A repeated option takes one value each time, so that files may follow.
+/// An option with a value out of a few, which `choices` holds as "one|two".
+void add_choice(CLI::App &verb, const char *name, std::string &value, const char *choices,
+                const char *does)
+{
+  const auto refuse_others = [choices](const std::string &given) {
+    const bool fits =
+        ("|" + std::string(choices) + "|").find("|" + given + "|") != std::string::npos;
+    return fits && given.find('|') == std::string::npos ? std::string()
+                                                        : "\"" + given + "\" is none of " + choices;
+  };
+  verb.add_option(name, value, does)->type_name(choices)->check(refuse_others);
+}
+
+/// What every verb that reads a description takes. A repeated option takes one value each time, so
+/// that files may follow.
 void add_input(CLI::App &verb, Options &options)
 {
   verb.add_option("FILE", options.files, "Descriptions; read in this order as one input")
@@ -26,14 +40,46 @@ void add_input(CLI::App &verb, Options &options)
   verb.add_option("-D,--define", options.defines, "Define a macro; its value is 1 if none is given")
       ->type_name("NAME[=VALUE]")
       ->allow_extra_args(false);
+  add_choice(verb, "--color", options.color, "auto|always|never",
+             "Colors in messages; auto, the default, is for a terminal if NO_COLOR\n"
+             "isn't set");
 }
 
 void add_check(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
+  verb.add_flag("--each", options.each,
+                "Each FILE is a description of its own; a last line sums up");
+  add_choice(verb, "--format", options.format, "text|json|sarif|github",
+             "How to report: for people, on the standard error output (the default); as\n"
+             "JSON; as SARIF 2.1.0; as commands for a workflow of GitHub. The last three go\n"
+             "to the standard output");
+  CLI::Option *depfile = verb.add_option("--depfile", options.depfile,
+                                         "Write the files that were read to FILE, as a Makefile "
+                                         "rule")
+                             ->type_name("FILE");
+  verb.add_option("--target", options.target,
+                  "What depends on them in that rule; by default the FILE of --depfile")
+      ->type_name("NAME")
+      ->needs(depfile);
   verb.callback([&options] { options.verb = Verb::check; });
+  verb.footer("Ends with 1 if there are errors, with 0 if there are warnings at the most.\n"
+              "Examples:\n"
+              "  tdm check -D FLASH_KB=16384 chip.tdm\n"
+              "  tdm check --each --format sarif boards/*.tdm > tdm.sarif\n"
+              "  tdm check --depfile chip.d --target chip.stamp chip.tdm");
+}
+
+void add_explain(CLI::App &verb, Options &options)
+{
+  verb.add_option("NUMBER", options.numbers,
+                  "Messages, such as E948 or 948; all in short if none is given")
+      ->type_name("");
+  add_choice(verb, "--format", options.format, "text|json|markdown",
+             "How to write it; text is the default");
+  verb.callback([&options] { options.verb = Verb::explain; });
   verb.footer("Example:\n"
-              "  tdm check -D FLASH_KB=16384 chip.tdm");
+              "  tdm explain E948");
 }
 
 void add_show(CLI::App &verb, Options &options)
@@ -168,6 +214,7 @@ constexpr VerbEntry verbs[] = {
     {"draw", "Draw the memory map as SVG, or as a page of HTML", add_draw,
      "tdm draw chip.tdm -o chip.svg"},
     {"deps", "List the files that are read, as a Makefile rule", add_deps, "tdm deps chip.tdm"},
+    {"explain", "Tell what a message of the preprocessor means", add_explain, "tdm explain E948"},
 };
 
 std::string verb_list()

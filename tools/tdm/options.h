@@ -9,24 +9,30 @@
 
 namespace tool {
 
-enum class Verb { check, show, map, layout, select, draw, deps };
+enum class Verb { check, show, map, layout, select, draw, deps, explain };
 
 struct Options {
   Verb verb = Verb::check;
   std::vector<std::string> files;
   std::vector<std::string> include_dirs;
   std::vector<std::string> defines;
-  bool json = false;   ///< show, map, layout, select
-  bool origin = false; ///< show: in JSON, where each value was written
-  std::string space;   ///< layout, select; map: where the address is meant; empty for a memory
-  std::string memory;  ///< map: the same
-  std::string at;      ///< map: the address as it was given
-  Place place;         ///< map: the same, read
+  std::string color = "auto"; ///< or "always", "never"
+  std::string format =
+      "text";          ///< check: or "json", "sarif", "github"; explain: or "json", "markdown"
+  bool each = false;   ///< check: every file is a description of its own
+  std::string depfile; ///< check: where to write the rule; empty for nowhere
+  std::vector<std::string> numbers; ///< explain; none for all
+  bool json = false;                ///< show, map, layout, select
+  bool origin = false;              ///< show: in JSON, where each value was written
+  std::string space;  ///< layout, select; map: where the address is meant; empty for a memory
+  std::string memory; ///< map: the same
+  std::string at;     ///< map: the address as it was given
+  Place place;        ///< map: the same, read
   std::vector<std::string> exists;  ///< layout, select: names that conditions get a yes for
   std::vector<std::string> defined; ///< the same for symbols
   std::string sections = "-";       ///< select: the list; "-" for the standard input
-  std::string target;               ///< deps: empty for the default
-  std::string output = "-";          ///< draw: the file to write; "-" for the standard output
+  std::string target;               ///< deps, check: empty for the default
+  std::string output = "-";         ///< draw: the file to write; "-" for the standard output
   bool html = false;                ///< draw: a page of its own
   std::string processor;            ///< draw: of which; empty for all
 };

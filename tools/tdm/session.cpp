@@ -8,6 +8,10 @@ namespace tool {
 
 namespace {
 
+/// Enough for any description, and below the number of files that a process may have open: one that
+/// includes itself gets a message of its own.
+constexpr int include_depth = 200;
+
 /// An array for the library of texts that somebody else keeps.
 class TextArray {
 public:
@@ -49,6 +53,7 @@ Session::Session(const Options &options)
   const std::vector<std::string> files = names_for_library(names_, options.files);
   const std::vector<std::string> include_dirs = names_for_library(names_, options.include_dirs);
   tdm_init(TextArray(options.defines).get());
+  tdm_limits_set(TDM_LIMIT_INCLUDE_DEPTH, include_depth);
   spec_ = tdm_parse_file(TextArray(files).get(), TextArray(include_dirs).get());
   if (spec_ == nullptr) failure_ = tdm_inspect_failure_text();
 }

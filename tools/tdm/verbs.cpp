@@ -1,7 +1,11 @@
-// The short verbs: check and deps.
+// The files that a description is made of, as a Makefile rule: the verb deps, and what check
+// leaves.
 #include "verbs.h"
+#include "make_rule.h"
 
-#include "format.h"
+#include <tdm_c/tdm_inspect.h>
+
+#include <algorithm>
 
 namespace tool {
 
@@ -28,30 +32,33 @@ std::string default_target(const std::string &file)
 
 } // namespace
 
-int check(const Options &options, const Session &session, std::ostream &out)
+void write_make_rule(const std::string &target, const std::vector<std::string> &files,
+                     std::ostream &out)
 {
-  size_t cores = 0;
-  size_t spaces = 0;
-  const std::vector<tdm_processor *> processors = processors_of(session.spec());
-  for (const tdm_processor *processor : processors)
-    for (const tdm_core *core : cores_of(processor)) {
-      ++cores;
-      for (const tdm_space *space : spaces_of(core)) spaces += is_placeholder(space) ? 0 : 1;
-    }
-  out << options.files.front() << ": in order: " << counted(processors.size(), "processor") << ", "
-      << counted(cores, "core") << ", " << counted(spaces, "space") << ", "
-      << counted(memories_of(session.spec()).size(), "memory") << '\n';
-  return exit_ok;
+  out << escaped(target) << ':';
+  for (const std::string &file : files) out << " \\\n  " << escaped(file);
+  out << '\n';
+}
+
+std::vector<std::string> files_read(const Session &session)
+{
+  std::vector<std::string> files;
+  for (const auto &file : take_elements<tdm_inspect_source_file>(tdm_inspect_source_files())) {
+    std::string name = session.names().shown(file.name);
+    if (std::find(files.begin(), files.end(), name) == files.end())
+      files.push_back(std::move(name));
+  }
+  return files;
 }
 
 int deps(const Options &options, const Session &session, std::ostream &out)
 {
-  out << escaped(options.target.empty() ? default_target(options.files.front()) : options.target)
-      << ':';
+  std::vector<std::string> files;
   for (const char *file :
        take_elements<const char *>(tdm_spec_get_file_dependencies(session.spec())))
-    out << " \\\n  " << escaped(session.names().shown(file));
-  out << '\n';
+    files.push_back(session.names().shown(file));
+  write_make_rule(options.target.empty() ? default_target(options.files.front()) : options.target,
+                  files, out);
   return exit_ok;
 }
 

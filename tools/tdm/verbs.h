@@ -13,12 +13,16 @@ namespace tool {
 // Each writes its answer, and gives what the process ends with if the description is in order.
 // Throw UsageError (usage_error.h) where names or addresses of the command line don't fit the
 // description.
-int check(const Options &options, const Session &session, std::ostream &out);
 int deps(const Options &options, const Session &session, std::ostream &out);
 int draw(const Options &options, const Session &session, std::ostream &out);
 int map(const Options &options, const Session &session, std::ostream &out);
 int show_text(const Session &session, std::ostream &out);
 int show_json(const Options &options, const Session &session, std::ostream &out);
+
+/// Reads each description itself, and reports to `messages` in the form of text.
+int check(const Options &options, std::ostream &out, std::ostream &messages);
+/// Reads no description.
+int explain(const Options &options, std::ostream &out);
 
 // These go on to tell what fails in a walk.
 int layout(const Options &options, const Session &session, Diagnostics &diagnostics,
