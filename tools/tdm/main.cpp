@@ -51,6 +51,8 @@ int read_and_answer(const Options &options, std::ostream &out)
 int run(const Options &options)
 {
   const int result = options.verb == Verb::check     ? check(options, std::cout, std::cerr)
+                     : options.verb == Verb::preprocess
+                         ? preprocess(options, std::cout, std::cerr)
                      : options.verb == Verb::explain ? explain(options, std::cout)
                                                      : read_and_answer(options, std::cout);
   std::cout.flush();

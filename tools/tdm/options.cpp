@@ -82,6 +82,20 @@ void add_explain(CLI::App &verb, Options &options)
               "  tdm explain E948");
 }
 
+void add_preprocess(CLI::App &verb, Options &options)
+{
+  add_input(verb, options);
+  verb.add_flag("-P,--no-line-markers", options.no_markers,
+                "Leave out the lines that tell where the text comes from, and empty ones");
+  verb.callback([&options] { options.verb = Verb::preprocess; });
+  verb.footer("Writes what is left of the files for the language, as cpp does: each token on the\n"
+              "line where it stands, and before other places a line # LINE \"FILE\", with 1 behind\n"
+              "it where a file is entered and 2 where one goes on. Comments are a blank.\n"
+              "Examples:\n"
+              "  tdm preprocess -D FLASH_KB=64 chip.tdm\n"
+              "  tdm preprocess -P chip.tdm | less");
+}
+
 void add_show(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
@@ -204,6 +218,8 @@ struct VerbEntry {
 };
 constexpr VerbEntry verbs[] = {
     {"check", "Read a description and report what is wrong", add_check, "tdm check chip.tdm"},
+    {"preprocess", "Write the text that is left behind the preprocessor", add_preprocess,
+     "tdm preprocess chip.tdm"},
     {"show", "Show the model: processors, spaces and memories", add_show, "tdm show chip.tdm"},
     {"map", "Translate an address, or a span of addresses", add_map,
      "tdm map chip.tdm --space linear --at 0x10000100"},

@@ -9,7 +9,7 @@
 
 namespace tool {
 
-enum class Verb { check, show, map, layout, select, draw, deps, explain };
+enum class Verb { check, preprocess, show, map, layout, select, draw, deps, explain };
 
 struct Options {
   Verb verb = Verb::check;
@@ -20,6 +20,7 @@ struct Options {
   std::string format =
       "text";          ///< check: or "json", "sarif", "github"; explain: or "json", "markdown"
   bool each = false;   ///< check: every file is a description of its own
+  bool no_markers = false; ///< preprocess
   std::string depfile; ///< check: where to write the rule; empty for nowhere
   std::vector<std::string> numbers; ///< explain; none for all
   bool json = false;                ///< show, map, layout, select

@@ -47,19 +47,23 @@ std::vector<std::string> all_names(const Options &options)
 
 } // namespace
 
-Session::Session(const Options &options)
+Session::Session(const Options &options, Reads reads)
     : names_(std::filesystem::current_path().string(), all_names(options))
 {
   const std::vector<std::string> files = names_for_library(names_, options.files);
   const std::vector<std::string> include_dirs = names_for_library(names_, options.include_dirs);
   tdm_init(TextArray(options.defines).get());
   tdm_limits_set(TDM_LIMIT_INCLUDE_DEPTH, include_depth);
-  spec_ = tdm_parse_file(TextArray(files).get(), TextArray(include_dirs).get());
-  if (spec_ == nullptr) failure_ = tdm_inspect_failure_text();
+  if (reads == Reads::tokens)
+    tokens_ = tdm_inspect_tokens_start(TextArray(files).get(), TextArray(include_dirs).get());
+  else
+    spec_ = tdm_parse_file(TextArray(files).get(), TextArray(include_dirs).get());
+  if (spec_ == nullptr && tokens_ == nullptr) failure_ = tdm_inspect_failure_text();
 }
 
 Session::~Session()
 {
+  tdm_inspect_tokens_end(tokens_);
   tdm_spec_free(spec_);
   tdm_cleanup();
 }

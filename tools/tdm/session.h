@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <tdm_c/tdm.h>
+#include <tdm_c/tdm_inspect_source.h>
 
 #include "file_names.h"
 #include "options.h"
@@ -13,21 +14,27 @@ namespace tool {
 
 class Session {
 public:
+  /// What is made of the files: a model, or tokens to be read.
+  enum class Reads { model, tokens };
+
   /// Starts the library and reads the description. Reports nothing.
-  explicit Session(const Options &options);
+  explicit Session(const Options &options, Reads reads = Reads::model);
   ~Session();
   Session(const Session &) = delete;
   Session &operator=(const Session &) = delete;
 
   /// Null if the description can't be read.
   [[nodiscard]] const tdm_spec *spec() const { return spec_; }
-  /// Why it can't; "" otherwise.
+  /// Null if the tokens can't be read, or weren't asked for.
+  [[nodiscard]] tdm_token_stream *tokens() const { return tokens_; }
+  /// What is wrong with it, "" for nothing. It may be readable nevertheless, for a picture.
   [[nodiscard]] const std::string &failure() const { return failure_; }
   [[nodiscard]] const FileNames &names() const { return names_; }
 
 private:
   FileNames names_;
   tdm_spec *spec_ = nullptr;
+  tdm_token_stream *tokens_ = nullptr;
   std::string failure_;
 };
 

@@ -21,6 +21,8 @@ int show_json(const Options &options, const Session &session, std::ostream &out)
 
 /// Reads each description itself, and reports to `messages` in the form of text.
 int check(const Options &options, std::ostream &out, std::ostream &messages);
+/// The same for the text that the language reads.
+int preprocess(const Options &options, std::ostream &out, std::ostream &messages);
 /// Reads no description.
 int explain(const Options &options, std::ostream &out);
 
