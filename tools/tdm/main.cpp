@@ -43,7 +43,7 @@ int read_and_answer(const Options &options, std::ostream &out)
   Diagnostics diagnostics(session.names(), std::cerr, shows_colors(options.color, STDERR_FILENO));
   diagnostics.report(findings_of(session));
   if (session.spec() == nullptr) return exit_errors;
-  const bool errors = tdm_get_error_count() > 0;
+  const bool errors = tdm_get_error_count() > 0 || !session.failure().empty();
   const int result = answer(options, session, diagnostics, out);
   return errors ? exit_errors : result;
 }

@@ -37,6 +37,12 @@ std::vector<std::string> names_for_library(const FileNames &names,
   return result;
 }
 
+/// A picture shows what is wrong between memories, too.
+auto parse(Verb verb)
+{
+  return verb == Verb::draw ? tdm_inspect_parse_file : tdm_parse_file;
+}
+
 std::vector<std::string> all_names(const Options &options)
 {
   std::vector<std::string> names = options.files;
@@ -57,8 +63,10 @@ Session::Session(const Options &options, Reads reads)
   if (reads == Reads::tokens)
     tokens_ = tdm_inspect_tokens_start(TextArray(files).get(), TextArray(include_dirs).get());
   else
-    spec_ = tdm_parse_file(TextArray(files).get(), TextArray(include_dirs).get());
+    spec_ = parse(options.verb)(TextArray(files).get(), TextArray(include_dirs).get());
   if (spec_ == nullptr && tokens_ == nullptr) failure_ = tdm_inspect_failure_text();
+  if (spec_ != nullptr && tdm_inspect_spec_check_failure(spec_) != nullptr)
+    failure_ = tdm_inspect_spec_check_failure(spec_);
 }
 
 Session::~Session()

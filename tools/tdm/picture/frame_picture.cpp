@@ -17,7 +17,8 @@ constexpr double header_height = 62;
 constexpr double column_gap = 12;
 constexpr double lane_width = 9;
 constexpr double bottom_margin = 20;
-constexpr size_t most_letters = 16; ///< of a name, where there is little room
+constexpr double collision_height = 40; ///< room for names and the label
+constexpr size_t most_letters = 16;     ///< of a name, where there is little room
 
 constexpr double one_line = 18; ///< of text in a block
 constexpr double two_lines = 27;
@@ -41,6 +42,21 @@ double name_width(const std::string &name)
 bool covers(const Block &block, int64_t position)
 {
   return block.span.low <= position && position < block.span.high;
+}
+
+/// Whether both memories of the collision stand there.
+bool collide(const MemoryChart &chart, const std::vector<Block> &blocks, const Collision &collision,
+             const Span &span)
+{
+  bool first = false;
+  bool second = false;
+  for (const Block &block : blocks) {
+    if (block.span.high <= span.low || span.high <= block.span.low) continue;
+    const size_t memory = chart.appearances[block.appearances.front()].memory;
+    if (memory == collision.second && (first || memory != collision.first)) second = true;
+    if (memory == collision.first) first = true;
+  }
+  return first && second;
 }
 
 } // namespace
@@ -69,7 +85,21 @@ FramePicture::FramePicture(const MemoryChart &chart, Frame frame)
       ends.push_back(span.low);
       ends.push_back(span.high);
     }
+    for (const Collision &collision : chart_.collisions)
+      if (collision.column == column.index)
+        collisions_.push_back({&collision, span_on_line(collision.at, column.shift)});
     columns_.push_back(std::move(column));
+  }
+  for (const PlacedCollision &one : collisions_) {
+    needs.push_back({one.span, collision_height});
+    // What lies outside of it on either side is to be seen, too.
+    for (const Column &column : columns_)
+      for (const Block &block : column.blocks) {
+        if (covers(block, one.span.low) && block.span.low < one.span.low)
+          needs.push_back({{block.span.low, one.span.low}, one_line});
+        if (covers(block, one.span.high))
+          needs.push_back({{one.span.high, block.span.high}, one_line});
+      }
   }
   scale_ = Scale(std::move(needs), ends);
   const int mau = std::max(chart_.columns[frame_.columns.front()].mau, 1);
@@ -254,9 +284,9 @@ void FramePicture::paint_labels(const Block &block, const Box &box, Item &item) 
 void FramePicture::paint_collisions(const Column &column, const Place &place,
                                     std::vector<Item> &out) const
 {
-  for (const Collision &collision : chart_.collisions) {
-    if (collision.column != column.index) continue;
-    const Span span = span_on_line(collision.at, column.shift);
+  for (const auto &[told, span] : collisions_) {
+    const Collision &collision = *told;
+    if (!collide(chart_, column.blocks, collision, span)) continue;
     const double top = place.top + scale_.at(span.low);
     const double bottom = place.top + scale_.at(span.high);
     Item item;

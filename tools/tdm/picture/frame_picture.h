@@ -33,6 +33,10 @@ private:
     double least = 0;
     double best = 0;
   };
+  struct PlacedCollision {
+    const Collision *told;
+    Span span;
+  };
   struct Place {
     double left;
     double top; ///< of the rows
@@ -59,6 +63,7 @@ private:
   const MemoryChart &chart_;
   Frame frame_;
   std::vector<Column> columns_;
+  std::vector<PlacedCollision> collisions_;
   Scale scale_;
   Origins origins_;
   std::vector<Tie> ties_;

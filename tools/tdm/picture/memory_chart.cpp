@@ -8,6 +8,8 @@
 
 #include <tdm_c/tdm_inspect.h>
 
+#include "../address.h"
+#include "../format.h"
 #include "../session.h"
 #include "../usage_error.h"
 
@@ -24,6 +26,7 @@ public:
   void add_global_buses(const tdm_spec *spec);
   void add_windows();
   void add_memory(const tdm_memory *memory, bool global);
+  void add_collisions(const tdm_spec *spec);
 
 private:
   void add(const tdm_space *space, const std::string &owner);
@@ -43,6 +46,7 @@ private:
   const FileNames &names_;
   MemoryChart &chart_;
   std::map<const void *, size_t> columns_;
+  std::map<const tdm_memory *, size_t> memories_;
   std::vector<const tdm_space *> spaces_;
   std::vector<const tdm_bus *> buses_;
 };
@@ -171,7 +175,10 @@ void Reader::add_memory(const tdm_memory *memory, bool global)
   const size_t before = chart_.appearances.size();
   add_pieces(index, memory, mappings);
   // A global memory belongs to the picture of a processor only where the processor sees it.
-  if (global && chart_.appearances.size() == before) chart_.memories.pop_back();
+  if (global && chart_.appearances.size() == before)
+    chart_.memories.pop_back();
+  else
+    memories_[memory] = index;
 }
 
 /// Each piece that mappings delimit is translated on its own, so that it is known which cells
@@ -235,6 +242,25 @@ void Reader::add_piece(size_t memory, const tdm_map_interval_result &result,
     break;
   }
   chart_.appearances.push_back(std::move(piece));
+}
+
+void Reader::add_collisions(const tdm_spec *spec)
+{
+  for (const auto &overlap : take_elements<tdm_inspect_overlap>(tdm_inspect_spec_overlaps(spec))) {
+    const auto column = column_of(overlap.source);
+    const auto first = memories_.find(overlap.first);
+    const auto second = memories_.find(overlap.second);
+    if (!column || first == memories_.end() || second == memories_.end()) continue;
+    const std::string size = human_size(overlap.bits, 1);
+    const auto owner = [&](size_t memory, const tdm_mapping *mapping) {
+      return "\n" + chart_.memories[memory].full_name + ", map at " + place_of(mapping);
+    };
+    chart_.collisions.push_back(
+        {*column, overlap.range, first->second, second->second, "overlap " + size,
+         "overlap on " + chart_.columns[*column].full_name + "  " + span_text(overlap.range) +
+             ", " + size + owner(first->second, overlap.first_mapping) +
+             owner(second->second, overlap.second_mapping)});
+  }
 }
 
 // ---- pieces of one appearance put together again
@@ -330,6 +356,7 @@ MemoryChart read_chart(const Session &session, const std::string &processor)
   for (const tdm_memory *memory :
        take_elements<tdm_memory *>(tdm_spec_get_memories(session.spec())))
     reader.add_memory(memory, !processor.empty());
+  reader.add_collisions(session.spec());
   join_pieces(chart.appearances);
   return chart;
 }

@@ -58,10 +58,13 @@ struct Window {
   std::string place;
 };
 
-/// Two mappings of memories that claim the same addresses of a bus, which no description may have.
+/// Two mappings of memories that claim the same addresses of a bus. No description may have that;
+/// it is drawn nevertheless, for people to see what is wrong.
 struct Collision {
   size_t column = 0;
   tdm_interval at{};
+  size_t first = 0; ///< memories
+  size_t second = 0;
   std::string label; ///< "overlap 4 KiB"
   std::string text;  ///< all that there is to say
 };

@@ -15,7 +15,7 @@ constexpr const char *style_sheet = R"(
   --page: #ffffff; --ink: #1f2328; --soft: #656d76; --line: #c9d1d9; --window: #f0f2f5;
   --rom: #d4e4fb; --rom-line: #4a7bc8; --ram: #d5eed8; --ram-line: #4c9a5b;
   --nvram: #fbe6bd; --nvram-line: #b9801b; --blockram: #e6dcf8; --blockram-line: #8059c0;
-  --unknown: #e4e7eb; --unknown-line: #7d8590; --red: #d1242f; --red-soft: #ffd9d7;
+  --unknown: #e4e7eb; --unknown-line: #7d8590; --red: #d1242f;
   background: var(--page);
   font-family: ui-monospace, "DejaVu Sans Mono", "Liberation Mono", Menlo, Consolas, monospace;
 }
@@ -24,7 +24,7 @@ constexpr const char *style_sheet = R"(
     --page: #0d1117; --ink: #e6edf3; --soft: #8d96a0; --line: #3d444d; --window: #1a2029;
     --rom: #17355e; --rom-line: #5b92e0; --ram: #173d22; --ram-line: #57ab65;
     --nvram: #4a3510; --nvram-line: #d29f38; --blockram: #35275a; --blockram-line: #a585e0;
-    --unknown: #2d333b; --unknown-line: #8b949e; --red: #ff6b64; --red-soft: #5d1a1c;
+    --unknown: #2d333b; --unknown-line: #8b949e; --red: #ff6b64;
   }
 }
 .tdm-map text { fill: var(--ink); }
@@ -52,7 +52,7 @@ constexpr const char *style_sheet = R"(
 .tdm-map .tie { stroke: var(--edge); stroke-width: 1.2; stroke-opacity: .8; }
 .knot { fill: var(--edge); }
 .tdm-map text.overlap, .tdm-map .error { fill: var(--red); font-weight: 700; }
-rect.overlap { fill: var(--red-soft); fill-opacity: .6; stroke: var(--red); stroke-width: 2; }
+rect.overlap { fill: var(--red); fill-opacity: .16; stroke: var(--red); stroke-width: 2; }
 g:hover > .memory, g:hover > .tie { stroke-width: 2.2; stroke-opacity: 1; }
 )";
 
