@@ -7,6 +7,7 @@
 #include "interface/input.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
+#include "layout/kept_sections.h"
 #include "model/spec.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
@@ -77,6 +78,7 @@ void tdm_init(const tdm_arr *defines)
 void tdm_cleanup(void)
 {
   tdm::end_token_stream();
+  tdm::forget_sections();
   if (tdm::preprocessor_started()) tdm::preprocessor_end();
 }
 

@@ -2,8 +2,8 @@
 //
 // A caller walks a layout with many selections over the same array. So the latest array is kept,
 // and an index of it as soon as it comes a second time. What is kept speaks of sections by their
-// addresses; so it is dropped when any section begins or ends, for an address may come again under
-// another name.
+// addresses, and an address may come again under another name; so it is dropped when any section
+// ends, also one of a client's own class, and when the interface makes one.
 #pragma once
 
 #include <span>

@@ -37,9 +37,9 @@ const TDMSelectionPattern *TDMSelectionStatement::pattern_in(const TDMStatementE
   if (!pattern_) return nullptr;
   if (!env.load_time) return &*pattern_;
   if (!load_time_pattern_)
-    load_time_pattern_.emplace("\\[" + *section_name + "\\]",
-                               location_or("sectionName", location_or("select")));
-  return &*load_time_pattern_;
+    load_time_pattern_ = std::make_unique<TDMSelectionPattern>(
+        "\\[" + *section_name + "\\]", location_or("sectionName", location_or("select")));
+  return load_time_pattern_.get();
 }
 
 /// Every selector is asked, also behind one that says no.

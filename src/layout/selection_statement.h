@@ -59,7 +59,7 @@ private:
 
   std::optional<TDMSelectionPattern> pattern_;
   /// For the load-time copies of sections; made when it is first needed.
-  std::optional<TDMSelectionPattern> load_time_pattern_;
+  std::unique_ptr<TDMSelectionPattern> load_time_pattern_;
 };
 
 /// Calls a plain function with the section's handle.
