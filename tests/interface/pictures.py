@@ -3,34 +3,41 @@
 
     pictures.py TDM DESCRIPTION...
 
+A description may have options behind it: "chip.tdm -D BANKS=8".
+
 A picture must be well-formed, the same each time, and name every memory and column; no text may leave
-the canvas or lie on another one. How wide a letter is, is known: the fonts asked for have letters
-of one width.
+the canvas or lie on another one. How wide a letter is, is known: the fonts asked for have letters of
+one width. The picture of the documents must be the one that is drawn today.
 """
 import json
 import re
 import subprocess
 import sys
 import xml.etree.ElementTree as ElementTree
+from pathlib import Path
 
 LETTER = 0.602
 SVG = "{http://www.w3.org/2000/svg}"
 OVERLAP_ALLOWED = 0.6
+ROOT = Path(__file__).resolve().parents[2]
+DOCUMENTED = "examples/gameboy_mbc1/mbc1.tdm"
 
 
 def tdm_output(*command):
-    return subprocess.run(command, check=True, stdout=subprocess.PIPE, timeout=60).stdout.decode()
+    done = subprocess.run(command, check=True, stdout=subprocess.PIPE, timeout=60, cwd=ROOT)
+    return done.stdout.decode()
 
 
 def names(tdm, arguments):
     """Of all memories, spaces and buses of the description."""
     model = json.loads(tdm_output(tdm, "show", "--json", *arguments))
-    wanted = {memory["name"] for memory in model.get("memories", [])}
-    for processor in model["processors"]:
-        wanted |= {memory["name"] for memory in processor["memories"]}
-        for core in processor["cores"]:
-            wanted |= {space["name"] for space in core["spaces"] if space["name"] != "non alloc"}
-    return wanted
+    processors = model["processors"]
+    cores = [core for processor in processors for core in processor["cores"]]
+    spaces = [space for core in cores for space in core["spaces"] if space["kind"] == "defined"]
+    buses = [bus for owner in [model, *processors, *cores] for bus in owner["buses"]]
+    memories = [memory for owner in [model, *processors] for memory in owner["memories"]]
+    assert cores and spaces and buses and memories
+    return {one["name"] for one in spaces + buses + memories}
 
 
 def extent(text):
@@ -78,6 +85,9 @@ def check(tdm, arguments):
 def main():
     tdm, *descriptions = sys.argv[1:]
     different = 0
+    if (ROOT / "docs/picture.svg").read_text("utf-8") != tdm_output(tdm, "draw", DOCUMENTED):
+        print(f"docs/picture.svg: renew it with tdm draw {DOCUMENTED} -o docs/picture.svg")
+        different += 1
     for description in descriptions:
         for fault in check(tdm, description.split()):
             print(f"{description}: {fault}")
