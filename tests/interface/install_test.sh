@@ -13,6 +13,9 @@ export LD_LIBRARY_PATH="$library" PKG_CONFIG_PATH="$library/pkgconfig"
 
 readelf -d "$library/libtdm_c.so" | grep -q 'SONAME.*\[libtdm_c.so.4\]'
 "$prefix/bin/tdm" --version
+bash -c 'source "$1" && complete -p tdm' bash "$prefix/share/bash-completion/completions/tdm"
+[ -f "$prefix/share/zsh/site-functions/_tdm" ] && [ -f "$prefix/share/fish/vendor_completions.d/tdm.fish" ]
+if command -v scdoc >/dev/null; then grep -q depfile "$prefix/share/man/man1/tdm.1"; fi
 
 # The paths in the file are those of configure time; pkg-config moves them with the file.
 cd "$source"

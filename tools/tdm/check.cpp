@@ -41,7 +41,7 @@ public:
     Options options = options_;
     options.files = files;
     const Session session(options);
-    Checked checked{files, session.spec() != nullptr && tdm_get_error_count() == 0,
+    Checked checked{files, session.failure().empty() && tdm_get_error_count() == 0,
                     findings_of(session)};
     if (for_people_) tell(checked, session);
     for (const std::string &file : files_read(session))

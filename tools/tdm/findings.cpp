@@ -5,6 +5,8 @@
 
 #include <tdm_c/tdm_inspect.h>
 
+#include "overlaps.h"
+
 namespace tool {
 
 namespace {
@@ -143,8 +145,10 @@ std::vector<Finding> findings_of(const Session &session)
           finding_of(messages[static_cast<size_t>(note)], session.names()));
     }
   }
-  if (!session.failure().empty())
+  if (!session.failure().empty()) {
     findings.push_back(finding_of(parse_failure(session.failure()), session.names()));
+    if (session.spec() != nullptr) findings.back().notes = overlap_notes(session);
+  }
   return findings;
 }
 

@@ -37,10 +37,10 @@ std::vector<std::string> names_for_library(const FileNames &names,
   return result;
 }
 
-/// A picture shows what is wrong between memories, too.
+/// Some tell what is wrong between memories, too.
 auto parse(Verb verb)
 {
-  return verb == Verb::draw ? tdm_inspect_parse_file : tdm_parse_file;
+  return verb == Verb::draw || verb == Verb::check ? tdm_inspect_parse_file : tdm_parse_file;
 }
 
 std::vector<std::string> all_names(const Options &options)
