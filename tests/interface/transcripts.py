@@ -25,6 +25,9 @@ import tempfile
 from pathlib import Path
 
 
+# A file, a command, a remark; but not the line marker of a preprocessor.
+BEGINS = r"--- |\$ |# (?!\d+ \")"
+
 EXAMPLES = str(Path(__file__).resolve().parents[2] / "examples")
 
 
@@ -54,7 +57,7 @@ def play(lines, tdm, root):
         result.append(line)
         if line.startswith("--- "):
             content = []
-            while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
+            while at < len(lines) and not re.match(BEGINS, lines[at]):
                 content.append(lines[at])
                 at += 1
             result += content
@@ -65,11 +68,11 @@ def play(lines, tdm, root):
         elif line.startswith("$ cd "):
             directory = os.path.join(root, line[5:].strip())
         elif line.startswith("$ cat "):
-            while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
+            while at < len(lines) and not re.match(BEGINS, lines[at]):
                 at += 1
             result += Path(directory, line[6:].strip()).read_text(encoding="utf-8").splitlines()
         elif line.startswith("$ "):
-            while at < len(lines) and not re.match(r"--- |\$ |# ", lines[at]):
+            while at < len(lines) and not re.match(BEGINS, lines[at]):
                 at += 1
             result += run(tdm, line[2:], directory, root)
     return result
