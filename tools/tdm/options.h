@@ -18,10 +18,10 @@ struct Options {
   std::vector<std::string> defines;
   std::string color = "auto"; ///< or "always", "never"
   std::string format =
-      "text";          ///< check: or "json", "sarif", "github"; explain: or "json", "markdown"
-  bool each = false;   ///< check: every file is a description of its own
+      "text";              ///< check: or "json", "sarif", "github"; explain: or "json", "markdown"
+  bool each = false;       ///< check: every file is a description of its own
   bool no_markers = false; ///< preprocess
-  std::string depfile; ///< check: where to write the rule; empty for nowhere
+  std::string depfile;     ///< check: where to write the rule; empty for nowhere
   std::vector<std::string> numbers; ///< explain; none for all
   bool json = false;                ///< show, map, layout, select
   bool origin = false;              ///< show: in JSON, where each value was written
