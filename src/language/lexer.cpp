@@ -1,6 +1,8 @@
 // The rules of the lexer.
 #include "language/lexer.h"
 
+#include <memory>
+
 #include <antlr/CharStreamIOException.hpp>
 #include <antlr/NoViableAltForCharException.hpp>
 #include <antlr/TokenStreamIOException.hpp>
@@ -61,10 +63,19 @@ constexpr int suffix_type(int c)
   }
 }
 
+/// The state as the runtime's scanner makes it for itself, but not lost if memory ends in between.
+antlr::LexerSharedInputState shared_state(antlr::InputBuffer &buffer)
+{
+  auto state = std::make_unique<antlr::LexerInputState>(buffer);
+  antlr::LexerSharedInputState shared(state.get());
+  state.release();
+  return shared;
+}
+
 } // namespace
 
 TDMLexerBase::TDMLexerBase(antlr::InputBuffer &buffer)
-    : CharScanner(buffer, true), stream_(dynamic_cast<TDMInputBuffer &>(buffer)),
+    : CharScanner(shared_state(buffer), true), stream_(dynamic_cast<TDMInputBuffer &>(buffer)),
       tokens_(dynamic_cast<TDMPreprocessedFileInputStream *>(&stream_)), state_(inputState.get())
 {
 }

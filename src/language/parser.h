@@ -42,7 +42,7 @@ inline const std::string &name_of(const std::optional<std::string> &name)
 
 class TDMParser final : public antlr::LLkParser, public TDMTokenTypes {
 public:
-  explicit TDMParser(TDMLexer &lexer) : LLkParser(lexer, 2), lexer_(lexer) {}
+  explicit TDMParser(TDMLexer &lexer) : LLkParser(shared_state(lexer), 2), lexer_(lexer) {}
 
   /// target_file: the one entry.
   std::unique_ptr<TDMFileInterface> target_file();
@@ -64,6 +64,10 @@ public:
   int getNumTokens() const override { return NUMBER_OF_TYPES; }
 
 private:
+  /// The runtime's state of a parser, as the runtime makes it for itself, but not lost if memory
+  /// ends in between.
+  static antlr::ParserSharedInputState shared_state(TDMLexer &lexer);
+
   /// Counts one level of nesting while it lives. Only nesting recurses, and each level takes its
   /// share of a stack that may be small.
   class NestingGuard {

@@ -34,6 +34,16 @@ std::int64_t value_of_digits(std::string_view digits, std::uint64_t base)
 
 } // namespace
 
+antlr::ParserSharedInputState TDMParser::shared_state(TDMLexer &lexer)
+{
+  auto buffer = std::make_unique<antlr::TokenBuffer>(lexer);
+  auto state = std::make_unique<antlr::ParserInputState>(buffer.get());
+  buffer.release(); // the state's now
+  antlr::ParserSharedInputState shared(state.get());
+  state.release();
+  return shared;
+}
+
 void TDMParser::NestingGuard::enter()
 {
   if (depth_ == nesting_limit)

@@ -1,6 +1,8 @@
 // The token's file name in its two forms.
 #include "language/token.h"
 
+#include <memory>
+
 #include "preprocessor/string_pool.h"
 
 antlr::RefToken TDMToken::factory()
@@ -10,8 +12,10 @@ antlr::RefToken TDMToken::factory()
 
 antlr::RefToken TDMToken::make(const tdm::Lexeme &lexeme)
 {
-  auto *token = new TDMToken;
-  antlr::RefToken result(token);
+  // Not lost if the runtime finds no memory for its counter.
+  std::unique_ptr<TDMToken> owned(new TDMToken);
+  antlr::RefToken result(owned.get());
+  TDMToken *token = owned.release();
   token->setType(lexeme.type);
   token->setText(std::string(lexeme.characters()));
   token->setLine(lexeme.location.line);

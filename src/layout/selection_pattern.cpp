@@ -131,9 +131,8 @@ TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
     else
       matcher_ = std::make_unique<tdm::NameMatcher>(text_, std::move(expression));
   } catch (SyntaxError *error) {
-    const std::string text = error->text();
-    delete error;
-    throw new TDMSyntaxException(location, "selection pattern error: " + text);
+    const std::unique_ptr<SyntaxError> owned(error);
+    throw new TDMSyntaxException(location, "selection pattern error: " + owned->text());
   }
 }
 

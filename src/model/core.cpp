@@ -71,11 +71,11 @@ private:
     try {
       level.scope.bind(record.parameters, arguments);
     } catch (TDMArgumentsException *failure) {
-      const std::string text = failure->text();
-      delete failure;
+      const std::unique_ptr<TDMArgumentsException> owned(failure);
       throw new TDMSyntaxException(place_of(record, "name"), "cannot instantiate architecture \"" +
                                                                  *record.name + "\" for core \"" +
-                                                                 core_.full_name() + "\": " + text);
+                                                                 core_.full_name() +
+                                                                 "\": " + owned->text());
     }
     return level;
   }

@@ -100,11 +100,11 @@ private:
     try {
       level.scope.bind(record.parameters, arguments);
     } catch (TDMArgumentsException *failure) {
-      const std::string text = failure->text();
-      delete failure;
+      const std::unique_ptr<TDMArgumentsException> owned(failure);
       throw new TDMSyntaxException(place_of(record, "name"),
                                    "cannot instantiate derivative \"" + *record.name +
-                                       "\" for processor \"" + processor_.name + "\": " + text);
+                                       "\" for processor \"" + processor_.name +
+                                       "\": " + owned->text());
     }
     return level;
   }

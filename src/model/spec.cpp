@@ -28,9 +28,8 @@ template <typename Work> void with_finished_texts(Work work)
   try {
     work();
   } catch (TDMFileException *failure) {
-    auto *finished = new TDMSyntaxError(failure->text());
-    delete failure;
-    throw finished;
+    const std::unique_ptr<TDMFileException> owned(failure);
+    throw new TDMSyntaxError(owned->text());
   }
 }
 
@@ -59,13 +58,11 @@ std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> 
   try {
     return parse_target_file(stream);
   } catch (TDMFileSyntaxError *failure) {
-    auto *finished = new TDMSyntaxError(failure->text());
-    delete failure;
-    throw finished;
+    const std::unique_ptr<TDMFileSyntaxError> owned(failure);
+    throw new TDMSyntaxError(owned->text());
   } catch (TDMFileException *failure) {
-    auto *positioned = new TDMSyntaxException(whole_input(files), failure->text());
-    delete failure;
-    throw positioned;
+    const std::unique_ptr<TDMFileException> owned(failure);
+    throw new TDMSyntaxException(whole_input(files), owned->text());
   }
 }
 
@@ -147,8 +144,8 @@ void TDMSpec::keep_check_failure()
   try {
     check();
   } catch (TDMFileException *failure) {
-    check_failure = failure->text();
-    delete failure;
+    const std::unique_ptr<TDMFileException> owned(failure);
+    check_failure = owned->text();
   }
 }
 

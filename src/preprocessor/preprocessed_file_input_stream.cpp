@@ -36,6 +36,7 @@ void start_modules()
   tdm::directives_start();
 }
 
+/// Of whatever has been started.
 void stop_modules()
 {
   tdm::expansion_stop();
@@ -55,8 +56,8 @@ TDMPreprocessedFileInputStream::TDMPreprocessedFileInputStream(
 {
   dependency_target = dependencies;
   tdm::source_files_start(files.size());
-  start_modules();
   try {
+    start_modules();
     start(files);
   } catch (...) {
     stop_modules();

@@ -11,10 +11,16 @@ namespace tdm {
 
 void preprocessor_start()
 {
-  string_pool_start();
-  source_files_end();
-  option_start();
-  diag_start();
+  try {
+    string_pool_start();
+    source_files_end();
+    option_start();
+    diag_start();
+  } catch (...) {
+    // Not started at all is what the calls behind this one can tell.
+    preprocessor_end();
+    throw;
+  }
 }
 
 void preprocessor_end()

@@ -41,6 +41,13 @@ TEST(Cycles, AThousandLeaveNothingAndAnswerAlike)
   std::vector<std::string> files;
   for (const std::string &text : inputs())
     files.push_back(written(("tdm_cycle" + std::to_string(files.size()) + "_").c_str(), text));
+  // The first use makes what stays as long as the process does.
+  tdm_init(nullptr);
+  for (const std::string &file : files) {
+    Answers told;
+    parse_and_ask(file.c_str(), told);
+  }
+  tdm_cleanup();
   std::map<std::size_t, std::uint64_t> known;
   std::mt19937 random(1);
   const std::size_t handles = open_files();
@@ -58,10 +65,7 @@ TEST(Cycles, AThousandLeaveNothingAndAnswerAlike)
     }
     tdm_cleanup();
     const std::size_t after = counting::live();
-    // The first cycles make what stays as long as the process does.
-    if (cycle > 0) {
-      ASSERT_EQ(after, before) << "cycle " << cycle;
-    }
+    ASSERT_EQ(after, before) << "cycle " << cycle << ", input " << used[0];
     const auto [entry, is_new] = known.emplace(used[0], answers[0]);
     ASSERT_EQ(entry->second, answers[0]) << "input " << used[0] << ", cycle " << cycle;
   }

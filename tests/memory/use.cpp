@@ -8,7 +8,7 @@
 const char *const whole_text = R"tdm(
 #define KIB(n) ((n) * 1k)
 #define NAME(a, b) a ## b
-#if defined(KIB) && KIB(1) == 0
+#if !defined(KIB) || 1 + 1 == 3
 #error
 #endif
 architecture base (entry = 0x100) { endianness { little; big; }
@@ -34,7 +34,7 @@ section_layout p:c:lin (direction = low_to_high) {
   group g2 (contiguous, run_addr = mem:m2 | mem:m1[0x100 .. 0x200]) { select ".da*|b"; "_end" := addressof(group:g1); }
   if (exists(".data") && 1 + 1 == 2) select ".data"; else "_none" = sizeof(sect:".x") - 1;
   section "se" (size = 64, attributes = rw, fill = 0) { select ref_tree "x*"; }
-  reserved "r" (size = 16, attributes = r, alloc_allowed = absolute | ranged); struct "s" { 1 : 4; 2 : 2; }
+  reserved "r" (size = 16, attributes = r, alloc_allowed = absolute); struct "s" { 1 : 4; 2 : 2; }
   memcopy "mc" (memory = m2, fill = 0); copytable; stack "st" (size = 3 ? 16 : 32); heap "he" (size = min(4, 8)); }
 )tdm";
 
