@@ -184,7 +184,7 @@ void write_github(const Finding &finding, std::ostream &out)
   if (!finding.place.file.empty()) out << "file=" << escaped(finding.place.file, true) << ',';
   if (finding.place.line > 0)
     out << "line=" << finding.place.line << ",col=" << finding.place.column << ',';
-  out << "title=" << escaped("tdm " + rule_of(finding), true)
+  out << "title=tdm" << (finding.number.empty() ? "" : " ") << finding.number
       << "::" << escaped(finding.text, false) << '\n';
   for (const Finding &note : finding.notes) write_github(note, out);
 }
