@@ -4,6 +4,7 @@
 #include "preprocessor/c_opt.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/preprocessor.h"
+#include "preprocessor/source_files.h"
 #include "target.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -11,6 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   static fuzz::Directory directory;
   directory.write("main", fuzz::text_of(data, size));
   tdm::preprocessor_start();
+  // A file that includes itself goes on until no file may be opened any more, which is slow.
+  tdm::source_files_limit_depth(30);
   option_set_string(tdm::optINCDIR, directory.path());
   option_set_string(tdm::optDEFINE, "D(x,...)=#x x ## __VA_ARGS__");
   std::set<std::string> dependencies;
