@@ -51,6 +51,8 @@ VALUES = {
     SPACE + ".prohibited_spaces": [2, 11],
     SPACE + ".input_modifications[0].selector": {"with": "w", "without": "xp", "file": None},
     STATEMENTS + "[0].kind": "assignment",
+    STATEMENTS + "[0].value": {"text": "1 + 2", "value": 3},
+    STATEMENTS + "[3].condition": {"text": 'exists(".data")', "value": None},
     STATEMENTS + "[1].operator": ":=",
     STATEMENTS + "[3].then.statements[0].attributes": "rxp",
     STATEMENTS + "[3].else.allows_absolute": True,
@@ -70,8 +72,6 @@ VALUES = {
 # What no description can give, or not this one.
 EMPTY = {"file", "problems", "wishbone", "write_mode", "setup_time", "hold_time", "cycles", "area",
          "write_ports", "page_restrict_sections", "inline", "bit"}
-# Expressions, of which only the places can be read.
-EMPTY |= {"address", "block_size", "condition", "minimal_size", "offset", "page_number", "vector_size"}
 
 
 def at(document, path):

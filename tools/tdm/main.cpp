@@ -20,7 +20,7 @@ int answer(const Options &options, const Session &session, Diagnostics &diagnost
 {
   switch (options.verb) {
   case Verb::show:
-    return options.json ? show_json(options, session, out) : show_text(session, out);
+    return options.json ? show_json(options, session, out) : show_text(options, session, out);
   case Verb::map:
     return map(options, session, out);
   case Verb::layout:

@@ -15,7 +15,7 @@ namespace {
 bool comes_before(const Region &a, const Region &b)
 {
   const auto key = [](const Region &region) {
-    return std::tuple(region.span.low.bank, region.span.low.value, region.span.low.bits,
+    return std::tuple(region.span.low.value, region.span.low.bits, region.span.low.bank,
                       region.span.high.value);
   };
   return key(a) < key(b);

@@ -78,7 +78,23 @@ Json json_attributes(const tdm_attributes *attributes)
 Json json_expression(const ModelContext &context, const tdm_expression *expression)
 {
   if (expression == nullptr) return nullptr;
-  return json_placed(context, TDM_OBJECT_EXPRESSION, expression, Json::object());
+  int64_t value = 0;
+  const bool known = tdm_inspect_expression_evaluate(expression, nullptr, nullptr, &value) != 0;
+  return json_placed(context, TDM_OBJECT_EXPRESSION, expression,
+                     {{"text", json_text(tdm_inspect_expression_text(expression))},
+                      {"value", known ? Json(value) : Json(nullptr)}});
+}
+
+Json json_fixed_point(int32_t number)
+{
+  constexpr int32_t one = 0x10000;
+  if (number % one == 0) return number / one;
+  return static_cast<double>(number) / one;
+}
+
+Json json_lines(int32_t low, int32_t high, int32_t width)
+{
+  return {{"low", low}, {"high", high}, {"width", width}};
 }
 
 Json json_fill(const ModelContext &context, const tdm_fillspec *fill)
@@ -127,19 +143,6 @@ Json json_bank(int32_t bank)
   return bank >= 0 ? Json(bank) : Json(nullptr);
 }
 
-/// A whole number where it is one, as those that are written are.
-Json json_priority(int32_t fixed_point)
-{
-  constexpr int32_t one = 0x10000;
-  if (fixed_point % one == 0) return fixed_point / one;
-  return static_cast<double>(fixed_point) / one;
-}
-
-Json json_lines(int32_t low, int32_t high, int32_t width)
-{
-  return {{"low", low}, {"high", high}, {"width", width}};
-}
-
 Json json_mapping(const ModelContext &context, const tdm_mapping *mapping)
 {
   tdm_inspect_mapping record;
@@ -159,8 +162,8 @@ Json json_mapping(const ModelContext &context, const tdm_mapping *mapping)
        {"bank", json_bank(record.bank)},
        {"destination_bank", json_bank(record.dest_bank)},
        {"reserved", record.reserved != 0},
-       {"priority", json_priority(record.priority)},
-       {"exec_priority", json_priority(record.exec_priority)},
+       {"priority", json_fixed_point(record.priority)},
+       {"exec_priority", json_fixed_point(record.exec_priority)},
        {"source_interval", json_interval(record.source_interval)},
        {"destination_interval", json_interval(record.destination_interval)}});
 }

@@ -53,7 +53,13 @@ template <class Element, class Convert> Json json_list(tdm_arr *arr, Convert con
 /// By letters, as a description has them; null for null.
 [[nodiscard]] Json json_attributes(const tdm_attributes *attributes);
 
-/// What is left open until somebody links stays an expression.
+/// A priority: a whole number where it is one, as those that are written are.
+[[nodiscard]] Json json_fixed_point(int32_t number);
+
+/// Data lines, the last one included, of so many.
+[[nodiscard]] Json json_lines(int32_t low, int32_t high, int32_t width);
+
+/// As text, and with its value if it asks for nothing that only a link can tell.
 [[nodiscard]] Json json_expression(const ModelContext &context, const tdm_expression *expression);
 [[nodiscard]] Json json_fill(const ModelContext &context, const tdm_fillspec *fill);
 

@@ -88,20 +88,20 @@ void add_preprocess(CLI::App &verb, Options &options)
   verb.add_flag("-P,--no-line-markers", options.no_markers,
                 "Leave out the lines that tell where the text comes from, and empty ones");
   verb.callback([&options] { options.verb = Verb::preprocess; });
-  verb.footer("Writes what is left of the files for the language, as cpp does: each token on the\n"
-              "line where it stands, and before other places a line # LINE \"FILE\", with 1 behind\n"
-              "it where a file is entered and 2 where one goes on. Comments are a blank.\n"
-              "Examples:\n"
-              "  tdm preprocess -D FLASH_KB=64 chip.tdm\n"
-              "  tdm preprocess -P chip.tdm | less");
+  verb.footer(
+      "Writes what is left of the files for the language, as cpp does: each token on the\n"
+      "line where it stands, and before other places a line # LINE \"FILE\", with 1 behind\n"
+      "it where a file is entered and 2 where one goes on. Comments are a blank.\n"
+      "Examples:\n"
+      "  tdm preprocess -D FLASH_KB=64 chip.tdm\n"
+      "  tdm preprocess -P chip.tdm | less");
 }
 
 void add_show(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
-  CLI::Option *json =
-      verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
-  verb.add_flag("--origin", options.origin, "In JSON: where each part was written")->needs(json);
+  verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
+  verb.add_flag("--origin", options.origin, "Tell where each part was written: file:line:column");
   verb.callback([&options] { options.verb = Verb::show; });
   verb.footer("Example:\n"
               "  tdm show chip.tdm\n"
@@ -112,8 +112,9 @@ void add_map(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
   verb.add_option("--space", options.space,
-                  "The address is one of a space: show every route to memory. NAME is\n"
-                  "processor:core:space, or the plain name if there is one such space")
+                  "The address is one of a space: show every route to memory, and where else it\n"
+                  "shows up. NAME is processor:core:space, or the plain name if there is one such\n"
+                  "space")
       ->type_name("NAME");
   verb.add_option("--memory", options.memory,
                   "The address is one of a memory: show every route back to spaces and\n"
@@ -122,21 +123,27 @@ void add_map(CLI::App &verb, Options &options)
   verb.add_option("--at", options.at,
                   "Where, in units (MAUs) of the space or memory; END isn't part of the span.\n"
                   "Numbers are decimal, hex (0x10) or octal (010), and k, m, g multiply by\n"
-                  "1024, 1024^2, 1024^3")
-      ->required()
+                  "1024, 1024^2, 1024^3. Left out: a table of the space, of all spaces, or the\n"
+                  "whole memory")
       ->type_name("[BANK:]ADDRESS[.BIT][..END]");
+  verb.add_option("--unit", options.unit, "Show addresses in units of so many bits")
+      ->type_name("BITS")
+      ->check(CLI::Range(1, 65535).description(""));
   verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
-  verb.callback([&options] {
+  verb.callback([&options, &verb] {
     options.verb = Verb::map;
-    if (options.space.empty() && options.memory.empty())
+    const bool has_place = verb.count("--at") > 0;
+    if (options.space.empty() && options.memory.empty() && has_place)
       throw UsageError{"map: --space or --memory is needed"};
     if (!options.space.empty() && !options.memory.empty())
       throw UsageError{"map: --space and --memory don't go together"};
-    options.place = parse_place(options.at);
+    if (has_place) options.place = parse_place(options.at);
   });
   verb.footer("Ends with 3 if there is no route. Addresses are shown in the form that --at takes.\n"
               "Examples:\n"
+              "  tdm map chip.tdm --space linear\n"
               "  tdm map chip.tdm --space linear --at 0x10000100\n"
+              "  tdm map chip.tdm --space program --at 0x100 --unit 8\n"
               "  tdm map chip.tdm --space chip:cpu:linear --at 3:0x4000..0x4100\n"
               "  tdm map chip.tdm --memory flash --at 0..16k");
 }
@@ -221,7 +228,7 @@ constexpr VerbEntry verbs[] = {
     {"preprocess", "Write the text that is left behind the preprocessor", add_preprocess,
      "tdm preprocess chip.tdm"},
     {"show", "Show the model: processors, spaces and memories", add_show, "tdm show chip.tdm"},
-    {"map", "Translate an address, or a span of addresses", add_map,
+    {"map", "Show where addresses lead, and what a space holds", add_map,
      "tdm map chip.tdm --space linear --at 0x10000100"},
     {"layout", "Show what is to be laid out in a space, and where", add_layout,
      "tdm layout chip.tdm --space linear"},

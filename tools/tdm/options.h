@@ -24,11 +24,12 @@ struct Options {
   std::string depfile;     ///< check: where to write the rule; empty for nowhere
   std::vector<std::string> numbers; ///< explain; none for all
   bool json = false;                ///< show, map, layout, select
-  bool origin = false;              ///< show: in JSON, where each value was written
+  bool origin = false;              ///< show: where each part was written
   std::string space;  ///< layout, select; map: where the address is meant; empty for a memory
   std::string memory; ///< map: the same
   std::string at;     ///< map: the address as it was given
-  Place place;        ///< map: the same, read
+  std::optional<Place> place;       ///< map: the same, read; none for a table
+  int32_t unit = 0;                 ///< map: bits of the units to show; 0 for those of each object
   std::vector<std::string> exists;  ///< layout, select: names that conditions get a yes for
   std::vector<std::string> defined; ///< the same for symbols
   std::string sections = "-";       ///< select: the list; "-" for the standard input

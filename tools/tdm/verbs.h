@@ -16,7 +16,7 @@ namespace tool {
 int deps(const Options &options, const Session &session, std::ostream &out);
 int draw(const Options &options, const Session &session, std::ostream &out);
 int map(const Options &options, const Session &session, std::ostream &out);
-int show_text(const Session &session, std::ostream &out);
+int show_text(const Options &options, const Session &session, std::ostream &out);
 int show_json(const Options &options, const Session &session, std::ostream &out);
 
 /// Reads each description itself, and reports to `messages` in the form of text.
