@@ -9,7 +9,6 @@ namespace tool {
 
 namespace {
 
-/// What is left out is known to be clear, but for `p`, which shows only where it stands alone.
 std::string letters_of(const tdm_attributes *attributes)
 {
   std::string letters;
@@ -22,7 +21,7 @@ std::string letters_of(const tdm_attributes *attributes)
   add(tdm_attributes_is_inited(attributes), 'i');
   add(tdm_attributes_is_scratch(attributes), 's');
   add(tdm_attributes_is_blanked(attributes), 'b');
-  if (letters.empty() && tdm_attributes_none(attributes) == 0) letters = "p";
+  add(tdm_inspect_attributes_is_p(attributes), 'p');
   return letters;
 }
 
