@@ -16,6 +16,7 @@ FLOORS = ['common', 'preprocessor', 'language', 'expressions', 'mapping', 'layou
 APART = ['expressions/exprlib/']
 CLIENTS = ['tools', 'examples', 'tests/runner']
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
+RAW_STRING = re.compile(r'R"\((.*?)\)"', re.S)  # descriptions include files of their own
 SOURCES = {'.h', '.hpp', '.c', '.cpp'}
 
 
@@ -24,7 +25,7 @@ def files_below(folder):
 
 
 def includes_of(path):
-    text = path.read_text(errors='replace')
+    text = RAW_STRING.sub(lambda raw: '\n' * raw[0].count('\n'), path.read_text(errors='replace'))
     for match in INCLUDE.finditer(text):
         yield text.count('\n', 0, match.start()) + 1, match[1] == '"', match[2]
 
