@@ -33,6 +33,8 @@ template <class Call> bool fails(Call call)
   try {
     call();
     return false;
+  } catch (IntervalSet::OverlapException *failure) { // no virtual destructor below
+    delete failure;
   } catch (MauLibException *failure) {
     delete failure;
   } catch (Overflow *failure) {
