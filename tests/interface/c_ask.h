@@ -9,15 +9,7 @@
 #include <tdm_c/tdm.h>
 #include <tdm_c/tdm_inspect.h>
 
-extern int failures;
-
-#define CHECK(condition)                                                                           \
-  do {                                                                                             \
-    if (!(condition)) {                                                                            \
-      printf("%s:%d: not so: %s\n", __FILE__, __LINE__, #condition);                               \
-      ++failures;                                                                                  \
-    }                                                                                              \
-  } while (0)
+#include "check.h"
 
 #define CHECK_TEXT(found, expected) check_text(__FILE__, __LINE__, found, expected)
 

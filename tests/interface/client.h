@@ -7,15 +7,7 @@
 
 #include <tdm_c/tdm.h>
 
-extern int failures;
-
-#define CHECK(condition)                                                                           \
-  do {                                                                                             \
-    if (!(condition)) {                                                                            \
-      printf("%s:%d: not so: %s\n", __FILE__, __LINE__, #condition);                               \
-      ++failures;                                                                                  \
-    }                                                                                              \
-  } while (0)
+#include "check.h"
 
 #define CHECK_TEXT(text, expected) check_text(__FILE__, __LINE__, text, expected)
 

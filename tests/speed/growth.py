@@ -11,9 +11,10 @@ visibly more. The counts are as small as that allows.
 import argparse
 import os
 import shutil
-import subprocess
 import sys
 import tempfile
+
+from callgrind import instructions
 
 LIMIT = 2.1
 SKIPPED = 77
@@ -87,19 +88,6 @@ SHAPES = [(copy_destinations, 1500), (named_mappings, 1000), (clone_of_banks, 40
           (clone_of_mapped_space, 400), (clone_of_many, 250), (many_clones, 1000)]
 
 
-def instructions(program, path):
-    counts = f"{path}.counts"
-    done = subprocess.run(["valgrind", "--tool=callgrind", f"--callgrind-out-file={counts}",
-                           program, path], capture_output=True, text=True)
-    if done.returncode != 0:
-        sys.exit(f"{program} failed on {path}:\n{done.stderr}")
-    with open(counts, errors="replace") as lines:
-        for line in lines:
-            if line.startswith("summary:"):
-                return int(line.split()[1])
-    sys.exit("callgrind wrote no summary")
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--sanitized", action="store_true")
@@ -119,7 +107,7 @@ def main():
                 path = os.path.join(work, f"{shape.__name__}_{entries}.tdm")
                 with open(path, "w", encoding="ascii") as text:
                     text.write(shape(entries))
-                taken.append(instructions(args.program, path))
+                taken.append(instructions(args.program, path, f"{path}.counts"))
             ratio = taken[1] / taken[0]
             faster = faster or ratio > LIMIT
             print(f"{shape.__name__:22} {count:5} {taken[0]:12} {2 * count:5} {taken[1]:12} "

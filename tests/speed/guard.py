@@ -14,9 +14,10 @@ import argparse
 import json
 import os
 import shutil
-import subprocess
 import sys
 import tempfile
+
+from callgrind import instructions
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 RECORD = os.path.join(HERE, "instructions.json")
@@ -28,19 +29,6 @@ ALLOWED = 1.03
 SKIPPED = 77
 
 
-def instructions(program, path, work):
-    counts = os.path.join(work, "callgrind")
-    done = subprocess.run(["valgrind", "--tool=callgrind", f"--callgrind-out-file={counts}",
-                           program, path], capture_output=True, text=True)
-    if done.returncode != 0:
-        sys.exit(f"{program} failed on {path}:\n{done.stderr}")
-    with open(counts, errors="replace") as lines:
-        for line in lines:
-            if line.startswith("summary:"):
-                return int(line.split()[1])
-    sys.exit("callgrind wrote no summary")
-
-
 def measured(program):
     """Instructions by profile. The generator has no randomness but its seed."""
     counts = {}
@@ -49,7 +37,8 @@ def measured(program):
         for profile in gen_tdm.PROFILES:
             place = os.path.join(work, profile)
             gen_tdm.generate(profile, place, gen_tdm.count_for(profile, SIZE))
-            counts[profile] = instructions(program, os.path.join(place, "main.tdm"), work)
+            counts[profile] = instructions(program, os.path.join(place, "main.tdm"),
+                                           os.path.join(work, "callgrind"))
     return counts
 
 
