@@ -236,7 +236,10 @@ int TDMLexer::whole_comment(const tdm::PpToken &token)
   }
   if (characters.find('\r') != characters.npos) return 0;
   settle();
-  for (const char c : characters) advance(c);
+  if (characters.find('\t') == characters.npos)
+    state().column += static_cast<int>(characters.size());
+  else
+    for (const char c : characters) advance(c);
   leave_out_token();
   return single_line_comment();
 }
