@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * tdm_c: reads target-description files, checks them and answers for them.
  *
  *     tdm_init(NULL);
@@ -17,13 +18,14 @@
  *     fault of the caller, except where a function says that it takes null.
  *  2. Texts. Every `const char *` that is returned points into a pool of texts. It stays valid
  *     until tdm_cleanup(), past tdm_spec_free() too; equal texts have one address; the caller frees
- *     none. A text that can be absent is null then, never "". Names that are given are compared as
- *     a whole, case included, and the first match in the order of the model counts; a null name
- *     matches nothing.
+ *     none. A text that can be absent is null then, never "" unless the function says so. Names
+ * that are given are compared as a whole, case included, and the first match in the order of the
+ * model counts; a null name matches nothing.
  *  3. Arrays. Every `tdm_arr *` that is returned is new and the caller's: give it back with
- *     tdm_arr_del(). Its elements stay the library's. With nothing to return it is empty (`count`
- *     0), never null. Arrays that are given are only read and stay the caller's; their elements
- *     have pointer size.
+ *     tdm_arr_del(). What its elements point to stays the library's. With nothing to return it is
+ *     empty (`count` 0); it is null only when there is no memory even for that. Arrays that are
+ *     given are only read, during the call, and stay the caller's; their elements have pointer
+ *     size. Of an array of texts `items` and `count` are read; null texts in it are left out.
  *  4. Numbers. A plain number is an `int`, a boolean is 1 or 0. Numbers of 64 bits are `int64_t`.
  *  5. Units. Addresses and sizes count in MAUs (minimal addressable units) of the object that they
  *     belong to, and the size of a MAU counts in bits. Every tdm_addressvalue carries the MAU that
@@ -31,16 +33,21 @@
  *  6. Failures. Nothing is thrown over this interface. A call that fails gives null, 0 or an empty
  *     array, and tdm_get_last_error() says why. The last error text is written by a failure alone:
  *     nothing clears it, so look at it only after a call that failed. "There is none" (no such
- *     name, no route) is an answer and no failure.
- *  7. Messages of the preprocessor (a missing #include file, a macro redefined) are a channel of
+ *     name, no route) is an answer and no failure. Every function that makes a text or an array can
+ *     fail when memory runs out, and one that gives a text fails outside of tdm_init() and
+ *     tdm_cleanup(); the functions below say what else can fail. <tdm_c/tdm_inspect.h> counts
+ *     failures, so that a 0 that is an answer can be told from one that isn't.
+ *  7. Messages of the preprocessor (a missing `#include` file, a macro redefined) are a channel of
  *     their own and end no parse: look at tdm_get_error_count() after a successful parse too.
  *  8. Time and threads. All state is process-wide and without locks, and even asking for a name
  *     writes to the pool: call from one thread at a time. Everything but tdm_provides(),
  *     tdm_requires(), tdm_get_last_error(), tdm_arr_del(), tdm_spec_free() and the two functions
- * that begin and end the use of the library belongs between tdm_init() and tdm_cleanup().
+ *     that begin and end the use of the library belongs between tdm_init() and tdm_cleanup().
  *  9. Callbacks. The caller's own pointer comes last and is only passed on; a null entry of a table
  *     is skipped; what an entry returns is ignored unless its description says otherwise. Nothing
  *     may be thrown out of one, and none may end the spec or the library.
+ *  10. Ends of the process. When memory runs out in the preprocessor, it writes one line to standard
+ *     error and ends the process with exit code 2. A fault of the library itself ends it with 4.
  *
  * Further readers, outside this interface's promise of stability: <tdm_c/tdm_inspect.h>.
  */
@@ -62,8 +69,13 @@ extern "C" {
 /**
  * What this component is: "tdm_c", 4, 0 and the text of its revision.
  *
- * Works at any time. Stores through each pointer that is not null, in the order of the parameters;
- * the texts are constants of the library, valid while it is loaded.
+ * @param name      receives the name of the component
+ * @param major     receives the first number of its version
+ * @param minor     receives the second one
+ * @param revision  receives the text of its revision
+ *
+ * Works at any time. Each pointer may be null. The texts are constants of the library, valid while
+ * it is loaded.
  */
 TDM_API void tdm_provides(const char **name, int *major, int *minor, const char **revision);
 
@@ -80,16 +92,18 @@ TDM_API const char *tdm_requires(void);
  * @param defines  macros that every parse begins with, as texts `NAME` or `NAME=value`; a NAME
  *                 alone has the value 1. Null for none. The texts are copied.
  *
- * Called again without tdm_cleanup() it starts messages, counters, macros and include directories
- * anew; texts that were handed out stay valid.
+ * Called again without tdm_cleanup() it starts messages, counters, macros, include directories and
+ * limits anew; texts that were handed out stay valid, and so do specs. There is no result; what can
+ * fail is that no memory is left.
  */
 TDM_API void tdm_init(const tdm_arr *defines);
 
 /**
  * Ends the library: frees the pool of texts, the messages, the macros and the include directories.
  *
- * All texts that the library returned and the positions in messages are invalid afterwards. Specs
- * that still exist may only be freed. tdm_init() may be called again.
+ * All texts that the library returned and the positions in messages are invalid afterwards, the
+ * last error text excepted, which has to be asked for again. Specs that still exist may only be
+ * freed. Without tdm_init() it does nothing. tdm_init() may be called again.
  */
 TDM_API void tdm_cleanup(void);
 
@@ -100,12 +114,12 @@ TDM_API void tdm_cleanup(void);
 /**
  * Reads the files, in the order of the array, as one input; builds the model and checks it.
  *
- * @param files         names of files, at least one. An absolute name is opened as it is. A
- *                      relative one is looked for in the include directories, then in the
- *                      directories of the environment, then in "../include/" - not in the working
- *                      directory.
- * @param include_dirs  directories to look for files and for #include files in; may be empty. They
- *                      are added to those of earlier calls, until tdm_cleanup().
+ * @param files         names of files, at least one; null is none, a failure. An absolute name is
+ * opened as it is. A relative one is looked for in the include directories, then in the directories
+ * of the environment, then in "../include/" - not in the working directory.
+ * @param include_dirs  directories to look for files and for `#include` files in; may be empty or
+ *                      null. They are added to those of earlier calls, until tdm_init() or
+ *                      tdm_cleanup().
  * @return a new spec, which the caller ends with tdm_spec_free(); null after a failure.
  *
  * The first failure ends the parse. Its text has the position first, as
@@ -135,18 +149,20 @@ TDM_API int tdm_get_warning_count(void);
  */
 TDM_API tdm_arr *tdm_get_errors(void);
 
-/** The warnings, in the same form. */
+/** The warnings that the preprocessor reported since tdm_init(), in the same form. */
 TDM_API tdm_arr *tdm_get_warnings(void);
 
 /**
  * The text of the latest failure (convention 6), "" before the first one; never null.
  *
- * Works at any time. Between tdm_init() and tdm_cleanup() the text is one of the pool; outside of
- * that time it stays valid until the next failure.
+ * Works at any time. Asked between tdm_init() and tdm_cleanup(), the text is one of the pool and
+ * stays valid as such, whatever fails later; asked outside of that time it is valid until the next
+ * failure.
  */
 TDM_API const char *tdm_get_last_error(void);
 
-/** Frees an array that the library returned, but not what its items point to. Not null. */
+/** Frees an array that the library returned, but not what its elements point to. Works at any
+ *  time. @param arr  not null, and not an array that the caller built */
 TDM_API void tdm_arr_del(tdm_arr *arr);
 
 /* ============================================================================================== */
@@ -170,7 +186,7 @@ TDM_API tdm_arr *tdm_spec_get_memories(const tdm_spec *spec);
 TDM_API tdm_memory *tdm_spec_get_memory(const tdm_spec *spec, const char *name);
 
 /**
- * Every file that was opened for this spec, #include files too, under the name it was opened by.
+ * Every file that was opened for this spec, `#include` files too, under the name it was opened by.
  *
  * @return a new array of `const char *`, each file once, in ascending order.
  */
@@ -315,23 +331,28 @@ TDM_API tdm_fillspec *tdm_memory_get_fillspec(const tdm_memory *memory);
 /** The `write_mode` of its definition. @return null if none is given. */
 TDM_API const char *tdm_memory_get_write_mode(const tdm_memory *memory);
 
-/* The figures of its definition as they stand there, 0 where none is given; the description alone
- * decides what they count in. */
+/** @{ */
+/** A figure of its definition as it stands there, 0 where none is given; the description alone
+ *  decides what it counts in. */
 TDM_API int tdm_memory_get_setuptime(const tdm_memory *memory);
 TDM_API int tdm_memory_get_holdtime(const tdm_memory *memory);
 TDM_API int tdm_memory_get_cycles(const tdm_memory *memory);
 TDM_API int tdm_memory_get_area(const tdm_memory *memory);
+/** @} */
 
-/* Its ports. Where the definition gives none of the three, a rom has one read port, and every other
- * memory has one port that reads and writes. */
+/** @{ */
+/** The number of its ports of one kind. Where the definition gives none of the three, a rom has one
+ *  read port, and every other memory has one port that reads and writes. */
 TDM_API int tdm_memory_get_read_ports(const tdm_memory *memory);
 TDM_API int tdm_memory_get_write_ports(const tdm_memory *memory);
 TDM_API int tdm_memory_get_readwrite_ports(const tdm_memory *memory);
+/** @} */
 
 /**
- * The whole memory as an interval: [0, size) in its MAUs, no bank, every bit.
+ * The whole memory as an interval: [0, size) in its MAUs, no bank, every bit, priorities 0.
  *
- * @param out  receives the interval; not null. All zero after a failure.
+ * @param memory  not null
+ * @param out     receives the interval; not null. All zero after a failure.
  */
 TDM_API void tdm_memory_get_addressrange(const tdm_memory *memory, tdm_interval *out);
 
@@ -385,15 +406,22 @@ TDM_API tdm_start_address *tdm_space_get_start_address(const tdm_space *space);
  */
 TDM_API tdm_space *tdm_space_get_address_literal_space(const tdm_space *space);
 
-/** Sets what tdm_space_get_address_literal_space() gives from now on. @param other may be null */
+/**
+ * Sets what tdm_space_get_address_literal_space() gives from now on: the one thing in a spec that a
+ * caller can change.
+ *
+ * @param space  whose layouts are meant; not null
+ * @param other  of the same spec; may be null
+ */
 TDM_API void tdm_space_set_address_literal_space(tdm_space *space, tdm_space *other);
 
 /**
  * The span from the lowest address that is mapped to the end of the highest, holes counted in.
  *
- * @param out  receives the interval in MAUs of the space, no bank, every bit; not null. Both bounds
- *             are -1 in a space that maps nothing. The space `non alloc` has [0, 0) with a mask
- *             of no bits. All zero after a failure.
+ * @param space  not null
+ * @param out    receives the interval in MAUs of the space, no bank, every bit; not null. Both
+ *               bounds are -1 in a space that maps nothing. The space `non alloc` has [0, 0) with
+ *               a mask of no bits. All zero after a failure.
  */
 TDM_API void tdm_space_get_valid_interval(const tdm_space *space, tdm_interval *out);
 
@@ -405,18 +433,19 @@ TDM_API void tdm_space_get_valid_interval(const tdm_space *space, tdm_interval *
  * A new range, which the caller ends with tdm_range_delete().
  *
  * @param start  is copied; not null
- * @param size   in MAUs of the start
+ * @param size   in MAUs of the start; not checked
  * @return null if no memory is left
  */
 TDM_API tdm_range *tdm_range_create(const tdm_addressvalue *start, int64_t size);
 
-/** Ends a range of tdm_range_create(); never one of a space. Null does nothing. */
+/** Ends a range of tdm_range_create(); never one of a space or an environment. Null does nothing.
+ */
 TDM_API void tdm_range_delete(tdm_range *range);
 
 /** Its size, in MAUs of its start. */
 TDM_API int64_t tdm_range_get_size(const tdm_range *range);
 
-/** Where it begins. @param out receives the address; not null */
+/** Where it begins. @param range  not null @param out  receives the address; not null */
 TDM_API void tdm_range_get_start_address(const tdm_range *range, tdm_addressvalue *out);
 
 /* ============================================================================================== */
@@ -445,7 +474,7 @@ TDM_API int tdm_source_location_get_column_number(const tdm_source_location *loc
 /*
  * The `object` of a result is the object in its role as one end of a mapping, and the address of
  * that role may differ from the address of the object: go through the conversions, never through
- * a cast.
+ * a cast. None of them fails; null is neither of all, and its conversion null.
  */
 
 /** 1 if the source of a mapping is a bus, else 0. */
@@ -493,7 +522,8 @@ TDM_API tdm_space *tdm_mapdestination_get_space(tdm_mapdestination *destination)
  *    the objects in it belong to the spec. Not null.
  *  - They return 1 if there is a route, else 0. No route is an answer, and the last error text
  *    stays. After a failure they return 0 with an empty array, and the last error text says why: an
- *    address that counts in another MAU than the object, or a mask that needs more than 64 bits.
+ *    address that counts in another MAU than the object, a mask whose width isn't 1 to 64, a mask
+ *    that would need more than 64 bits, or mappings that lead on and on (a million steps).
  *
  * What lies outside of a mapping yields nothing: an interval is cut to what is mapped. Priorities
  * of the mappings on a route are added forward, and subtracted backward. `reserved` is set if any
@@ -562,8 +592,8 @@ TDM_API int tdm_memory_map_addressvalue_backward_to_space(const tdm_memory *memo
 /* ============================================================================================== */
 
 /**
- * Reads a space to the caller: its definitions and then its section layouts, statement by
- * statement, in one fixed order.
+ * Reads a space to the caller, in callbacks: its definitions and then its section layouts,
+ * statement by statement, in one fixed order.
  *
  * @param space                 whose definitions and layouts are read; not null
  * @param callbacks             called for what is met, see tdm_walk_callbacks; it has to stay valid
@@ -655,7 +685,8 @@ TDM_API tdm_source_location *tdm_vector_table_get_source_location(const tdm_vect
 TDM_API tdm_source_location *
 tdm_section_layout_get_source_location(const tdm_section_layout *layout);
 
-/** The alignment of the innermost scope that sets one, in MAUs of the space; 0 if none does. */
+/** The alignment of the innermost scope that sets one, in MAUs of the space; 0 if none does, and
+ *  after a failure. */
 TDM_API int64_t tdm_statement_env_get_alignment(const tdm_statement_env *env);
 
 /** The name of a section that is made on the spot. */
@@ -768,11 +799,13 @@ TDM_API int64_t tdm_group_location_get_address(const tdm_group_location *locatio
  *  for each route from a memory. An address counts as one, from the address to the address. */
 TDM_API int tdm_group_location_count_ranges(const tdm_group_location *location);
 
-/** The lower bound of a range. @param index from 0 to the number of ranges - 1 */
+/** The lower bound of a range. @param location  not null
+ *  @param index  from 0 to the number of ranges - 1; 0 for another, which is no failure */
 TDM_API int64_t tdm_group_location_get_range_start(const tdm_group_location *location, int index);
 
 /** The upper bound of a range: as it is written, or the first address behind a range of a memory.
- *  @param index from 0 to the number of ranges - 1 */
+ *  @param location  not null
+ *  @param index  from 0 to the number of ranges - 1; 0 for another, which is no failure */
 TDM_API int64_t tdm_group_location_get_range_end(const tdm_group_location *location, int index);
 
 /* ============================================================================================== */
@@ -791,7 +824,7 @@ TDM_API int64_t tdm_group_location_get_range_end(const tdm_group_location *locat
  */
 TDM_API tdm_section *tdm_section_create(void *handle, const tdm_section_functions *functions);
 
-/** Ends a section. Null does nothing. */
+/** Ends a section of tdm_section_create(), not what its handle points to. Null does nothing. */
 TDM_API void tdm_section_delete(tdm_section *section);
 
 /** The one name that a selection is for. @return null if it has no name, or one with wildcards. */
@@ -820,6 +853,7 @@ TDM_API tdm_arr *tdm_selection_statement_get_selectors(const tdm_selection_state
  * @param user       handed to the function
  *
  * Sections come in the order of their names as bytes, those of one name in the order of the array.
+ * There is no result; a failure (no memory left) ends the call, and the last error text says why.
  * A statement with neither a name nor attributes selects all. Inside a `load_addr` group the name
  * means the load-time copy, whose name is the section's in square brackets.
  */

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Readers beside <tdm_c/tdm.h>, for tools that show what the library found. They are versioned on
  * their own: what stands here may grow with every delivery, and tdm.h stays what it is. The
  * conventions of tdm.h hold.
@@ -7,13 +8,14 @@
  *    spaces, what spaces define, and where each part of each object was written.
  *  - <tdm_c/tdm_inspect_layout.h>: layouts as a tree of statements, groups, the rules in force at a
  *    statement, vector tables.
- *  - <tdm_c/tdm_inspect_source.h>: the files that were read and their chains of #include; the
- *    tokens of the preprocessor.
+ *  - <tdm_c/tdm_inspect_source.h>: the files that were read and their chains of `#include`; limits;
+ *    the tokens of the preprocessor.
  *  - <tdm_c/tdm_inspect_overlap.h>: descriptions that are refused because memories lie over each
  *    other, for reading.
  *  - <tdm_c/tdm_inspect_route.h>: translation over one mapping and from any object, and routes hop
  *    by hop.
- *  - <tdm_c/tdm_inspect_expression.h>: the text and the value of an expression.
+ *  - <tdm_c/tdm_inspect_expression.h>: the text and the value of an expression, of the model or of
+ *    the caller.
  *  - Below: failures, and messages of the preprocessor.
  */
 #ifndef TDM_C_TDM_INSPECT_H
@@ -30,9 +32,11 @@
 #include <tdm_c/tdm_inspect_types.h>
 #include <tdm_c/tdm_types.h>
 
-/** The version of this header, to be compared in the preprocessor; 10000 is 1.0. */
+/** The first number of the version of this header. */
 #define TDM_C_INSPECT_VERSION_MAJOR 1
+/** The second number of the version of this header. */
 #define TDM_C_INSPECT_VERSION_MINOR 0
+/** The version of this header, to be compared in the preprocessor; 10000 is 1.0. */
 #define TDM_C_INSPECT_VERSION                                                                      \
   (TDM_C_INSPECT_VERSION_MAJOR * 10000 + TDM_C_INSPECT_VERSION_MINOR * 100)
 

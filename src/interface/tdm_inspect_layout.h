@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * What a description says of the layouts of a space: the tree of statements, groups and where they
  * go, the rules in force at a statement; and vector tables. Part of <tdm_c/tdm_inspect.h>.
  *
@@ -35,7 +36,9 @@ TDM_API tdm_arr *tdm_inspect_block_statements(const tdm_block *block);
 /** What a statement is, see enum tdm_statement_kind. */
 TDM_API int tdm_inspect_statement_kind(const tdm_statement *statement);
 
-/* The statement by the handle of its kind. Each returns null for a statement of another kind. */
+/** @{ */
+/** The statement by the handle of its kind. @return null for a statement of another kind, and for
+ *  null */
 TDM_API tdm_assignment *tdm_inspect_statement_assignment(tdm_statement *statement);
 TDM_API tdm_block *tdm_inspect_statement_block(tdm_statement *statement);
 TDM_API tdm_if_statement *tdm_inspect_statement_if(tdm_statement *statement);
@@ -49,6 +52,7 @@ TDM_API tdm_selection_statement *tdm_inspect_statement_selection(tdm_statement *
 TDM_API tdm_stack_statement *tdm_inspect_statement_stack(tdm_statement *statement);
 TDM_API tdm_struct_statement *tdm_inspect_statement_struct(tdm_statement *statement);
 TDM_API tdm_table_statement *tdm_inspect_statement_table(tdm_statement *statement);
+/** @} */
 
 /* ============================================================================================== */
 /* Statements                                                                                     */
@@ -56,12 +60,12 @@ TDM_API tdm_table_statement *tdm_inspect_statement_table(tdm_statement *statemen
 
 /** `"symbol" = value;` or `"symbol" := value;` */
 typedef struct tdm_inspect_assignment {
-  const char *symbol;
-  tdm_expression *value;
-  int32_t plain; /**< 1 for `=`, 0 for `:=` */
+  const char *symbol;    /**< the name on the left */
+  tdm_expression *value; /**< never null */
+  int32_t plain;         /**< 1 for `=`, 0 for `:=` */
 } tdm_inspect_assignment;
 
-/** All of an assignment. @param out  not null @return 1, or 0 after a failure */
+/** All of an assignment. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_assignment(const tdm_assignment *statement,
                                        tdm_inspect_assignment *out);
 
@@ -89,26 +93,25 @@ TDM_API tdm_fillspec *tdm_inspect_reserved_statement_fill(const tdm_reserved_sta
 
 /** A section that is made on the spot, beside its name and attributes. */
 typedef struct tdm_inspect_create_section {
-  const char *overflow_name; /**< `overflow`: where goes what doesn't fit; null if not given */
-  tdm_expression *size;      /**< never null: the block size if only that is given */
-  tdm_expression *block_size;
-  tdm_fillspec *fill;       /**< null if not given */
-  tdm_statement *statement; /**< its selections; a block */
+  const char *overflow_name;  /**< `overflow`: where goes what doesn't fit; null if not given */
+  tdm_expression *size;       /**< never null: the block size if only that is given */
+  tdm_expression *block_size; /**< null if not given */
+  tdm_fillspec *fill;         /**< null if not given */
+  tdm_statement *statement;   /**< its selections; a block */
 } tdm_inspect_create_section;
 
-/** The rest of a section that is made on the spot. @param out  not null
- *  @return 1, or 0 after a failure */
+/** The rest of a section that is made on the spot. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_create_section(const tdm_create_section_statement *statement,
                                            tdm_inspect_create_section *out);
 
 /** A copy of the contents of a memory. */
 typedef struct tdm_inspect_memory_copy {
-  const char *name;
-  tdm_memory *memory;
+  const char *name;   /**< of the section that holds the copy */
+  tdm_memory *memory; /**< whose contents are meant */
   tdm_fillspec *fill; /**< null if not given */
 } tdm_inspect_memory_copy;
 
-/** All of a `memcopy`. @param out  not null @return 1, or 0 after a failure */
+/** All of a `memcopy`. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_memory_copy(const tdm_memory_copy_statement *statement,
                                         tdm_inspect_memory_copy *out);
 
@@ -117,8 +120,8 @@ TDM_API const char *tdm_inspect_struct_statement_name(const tdm_struct_statement
 
 /** `value : size;` of a `struct`. */
 typedef struct tdm_inspect_struct_member {
-  tdm_expression *value;
-  int32_t size; /**< as it is written */
+  tdm_expression *value; /**< never null */
+  int32_t size;          /**< as it is written */
 } tdm_inspect_struct_member;
 
 /** The members of a `struct`. @return a new array of tdm_inspect_struct_member. */
@@ -134,19 +137,19 @@ tdm_inspect_selection_statement_pattern(const tdm_selection_statement *statement
 
 /** The rules of one group, as they are written; tdm_group_get_address() gives where it goes. */
 typedef struct tdm_inspect_group {
-  const char *name;   /**< null if it has none */
-  int32_t contiguous; /**< 1 or 0, as all flags here */
-  int32_t clustered;
-  int32_t ordered;
-  int32_t overlay;
-  int32_t copy;
-  int32_t nocopy;
-  int32_t cross_references; /**< `allow_cross_references` */
-  int32_t load_time;        /**< `load_addr` */
-  int32_t is_run_address;   /**< the location is that of `run_addr` */
-  int32_t paged;            /**< `page` */
-  int32_t priority;         /**< 1 if none is given */
-  tdm_expression *alignment;
+  const char *name;                /**< null if it has none */
+  int32_t contiguous;              /**< `contiguous`: 1 or 0, as all flags here */
+  int32_t clustered;               /**< `clustered` */
+  int32_t ordered;                 /**< `ordered` */
+  int32_t overlay;                 /**< `overlay` */
+  int32_t copy;                    /**< `copy` */
+  int32_t nocopy;                  /**< `nocopy` */
+  int32_t cross_references;        /**< `allow_cross_references` */
+  int32_t load_time;               /**< `load_addr` */
+  int32_t is_run_address;          /**< the location is that of `run_addr` */
+  int32_t paged;                   /**< `page` */
+  int32_t priority;                /**< 1 if none is given */
+  tdm_expression *alignment;       /**< `align = ` */
   tdm_expression *page_number;     /**< `page = ` */
   tdm_expression *page_size;       /**< `page_size = ` */
   tdm_attributes *attributes;      /**< null if none are given */
@@ -155,13 +158,13 @@ typedef struct tdm_inspect_group {
   tdm_statement *statement;        /**< what the group contains, often a block */
 } tdm_inspect_group;
 
-/** The rules of a group. @param out  not null @return 1, or 0 after a failure */
+/** The rules of a group. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_group(const tdm_group *group, tdm_inspect_group *out);
 
-/** `[low .. high]` behind the page size of a group. */
+/** A range in brackets behind the page size of a group. */
 typedef struct tdm_inspect_expression_range {
-  tdm_expression *low;
-  tdm_expression *high;
+  tdm_expression *low;  /**< first offset in a page; never null */
+  tdm_expression *high; /**< the second bound, as it is written; never null */
 } tdm_inspect_expression_range;
 
 /** The ranges of each page that a group may use. @return a new array of
@@ -185,7 +188,7 @@ typedef struct tdm_inspect_group_location {
   tdm_srcpos group;        /**< where the group gives the location, for messages about it */
 } tdm_inspect_group_location;
 
-/** All of a location but its ranges. @param out  not null @return 1, or 0 after a failure */
+/** All of a location but its ranges. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_group_location(const tdm_group_location *location,
                                            tdm_inspect_group_location *out);
 
@@ -210,20 +213,20 @@ TDM_API tdm_arr *tdm_inspect_group_location_ranges(const tdm_group_location *loc
  * walk, and what it refers to is the spec's.
  */
 typedef struct tdm_inspect_statement_env {
-  int32_t contiguous; /**< 1 or 0, as all flags here */
-  int32_t clustered;
-  int32_t ordered;
-  int32_t overlay;
-  int32_t copy;
-  int32_t nocopy;
-  int32_t allow_cross_references;
-  int32_t load_time; /**< inside a `load_addr` group */
-  int32_t paged;
-  int32_t page_size;         /**< of the space, or of a group, in MAUs; 0 if none is set */
-  int32_t priority;          /**< 1 if none is set */
+  int32_t contiguous;             /**< `contiguous`: 1 or 0, as all flags here */
+  int32_t clustered;              /**< `clustered` */
+  int32_t ordered;                /**< `ordered` */
+  int32_t overlay;                /**< `overlay` */
+  int32_t copy;                   /**< `copy` */
+  int32_t nocopy;                 /**< `nocopy` */
+  int32_t allow_cross_references; /**< `allow_cross_references` */
+  int32_t load_time;              /**< inside a `load_addr` group */
+  int32_t paged;                  /**< `page` */
+  int32_t page_size;              /**< of the space, or of a group, in MAUs; 0 if none is set */
+  int32_t priority;               /**< 1 if none is set */
   int32_t direction;         /**< of the layout: enum tdm_locate_direction, or -1 for the space's */
   int32_t overlay_depth;     /**< groups passed since the nearest overlay group */
-  tdm_expression *alignment; /**< of the innermost scope that sets one */
+  tdm_expression *alignment; /**< of the innermost scope that sets one; null if none does */
   tdm_expression *page_number;     /**< `page = ` */
   tdm_attributes *attributes;      /**< null if no scope sets them */
   tdm_fillspec *fill;              /**< null if no scope sets one */
@@ -232,8 +235,7 @@ typedef struct tdm_inspect_statement_env {
   const char *group_name;          /**< of the innermost group with a name; null without one */
 } tdm_inspect_statement_env;
 
-/** All of an environment but its page ranges. @param out  not null
- *  @return 1, or 0 after a failure */
+/** All of an environment but its page ranges. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_statement_env(const tdm_statement_env *env,
                                           tdm_inspect_statement_env *out);
 
@@ -259,8 +261,7 @@ typedef struct tdm_inspect_vector_table {
   int32_t copy;                     /**< 1 with `copy` */
 } tdm_inspect_vector_table;
 
-/** The rest of a vector table but its vectors. @param out  not null
- *  @return 1, or 0 after a failure */
+/** The rest of a vector table but its vectors. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_vector_table(const tdm_vector_table *table,
                                          tdm_inspect_vector_table *out);
 

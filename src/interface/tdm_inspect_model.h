@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * What a description says of buses, mappings, memories, cores and spaces, beyond what <tdm_c/tdm.h>
  * gives; where each thing was written. Part of <tdm_c/tdm_inspect.h>.
  *
@@ -7,9 +8,10 @@
  *  - A list is a new tdm_arr, in the order of the text unless said otherwise: of handles, of texts,
  *    or of records by value. The caller gives it back with tdm_arr_del().
  *  - A function tdm_inspect_get_...() fills a record with all that an object has and tdm.h
- *    doesn't give. It returns 1; after a failure 0, with the record as it was. The record has no
- *    life of its own: texts, handles and expressions in it belong to the pool and the spec. A
- *    record never changes: what is added later comes through functions of its own.
+ *    doesn't give. Neither pointer may be null. It returns 1; after a failure (no memory left) 0,
+ *    with the record as it was. The record has no life of its own: texts, handles and expressions
+ *    in it belong to the pool and the spec. A record never changes: what is added later comes
+ *    through functions of its own.
  *  - An expression is null where the text gives none.
  */
 #ifndef TDM_C_TDM_INSPECT_MODEL_H
@@ -89,18 +91,32 @@ TDM_API tdm_arr *tdm_inspect_core_group_names(const tdm_core *core);
 /* ============================================================================================== */
 
 /*
- * Mappings that leave an object, in the order in which a translation tries them; that reach it; and
- * that come from the definition of the object. Each is a new array of `tdm_mapping *`. A `map` of
- * a bus gives two of them, one for each direction. Those of a clone space are made by the library
- * and have no place in a file.
+ * Each list is a new array of `tdm_mapping *`. A `map` of a bus gives two mappings, one for each
+ * direction. Those of a clone space are made by the library and have no place in a file.
  */
+
+/** Mappings that leave a space, in the order in which a translation tries them. */
 TDM_API tdm_arr *tdm_inspect_space_outgoing_mappings(const tdm_space *space);
+
+/** Mappings that reach a space, from other spaces. */
 TDM_API tdm_arr *tdm_inspect_space_incoming_mappings(const tdm_space *space);
+
+/** Mappings that come from the definition of a space. */
 TDM_API tdm_arr *tdm_inspect_space_own_mappings(const tdm_space *space);
+
+/** Mappings that leave a bus, in the order in which a translation tries them. */
 TDM_API tdm_arr *tdm_inspect_bus_outgoing_mappings(const tdm_bus *bus);
+
+/** Mappings that reach a bus. */
 TDM_API tdm_arr *tdm_inspect_bus_incoming_mappings(const tdm_bus *bus);
+
+/** Mappings that come from the definition of a bus. */
 TDM_API tdm_arr *tdm_inspect_bus_own_mappings(const tdm_bus *bus);
+
+/** Mappings that reach a memory, in the order in which a translation back tries them. */
 TDM_API tdm_arr *tdm_inspect_memory_incoming_mappings(const tdm_memory *memory);
+
+/** Mappings that come from the definition of a memory. */
 TDM_API tdm_arr *tdm_inspect_memory_own_mappings(const tdm_memory *memory);
 
 /**
@@ -130,7 +146,7 @@ typedef struct tdm_inspect_mapping {
   tdm_interval destination_interval; /**< where that appears */
 } tdm_inspect_mapping;
 
-/** Everything of a mapping. @param out  not null @return 1, or 0 after a failure */
+/** Everything of a mapping. @return 1, or 0 after a failure, with the record as it was */
 TDM_API int tdm_inspect_get_mapping(const tdm_mapping *mapping, tdm_inspect_mapping *out);
 
 /* ============================================================================================== */
@@ -206,7 +222,7 @@ typedef struct tdm_inspect_start_address {
   int32_t bank;            /**< -1 if none is given */
 } tdm_inspect_start_address;
 
-/** All of a start address. @param out  not null @return 1, or 0 after a failure */
+/** All of a start address. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_start_address(const tdm_start_address *start,
                                           tdm_inspect_start_address *out);
 
@@ -227,20 +243,20 @@ TDM_API int tdm_inspect_heap_def_direction(const tdm_heap_def *definition);
 
 /** Where sections of a space are copied to at startup. */
 typedef struct tdm_inspect_copy_destination {
-  tdm_space *source;
-  tdm_space *destination;
+  tdm_space *source;      /**< the space whose sections are meant */
+  tdm_space *destination; /**< the space that they are copied to */
 } tdm_inspect_copy_destination;
 
 /** A copy table, without its lists. */
 typedef struct tdm_inspect_copy_table {
   const char *name;                 /**< of the section that holds the table */
-  int64_t alignment;                /**< in MAUs; 1 if none is given */
-  int64_t copy_unit;                /**< in MAUs; 0 if none is given */
+  int64_t alignment;                /**< in MAUs of the space; 1 if none is given */
+  int64_t copy_unit;                /**< in MAUs of the space; 0 if none is given */
   tdm_space *default_destination;   /**< null if none is given */
   int32_t page_restrict_rom_copies; /**< 1 if copies in rom must not cross the end of a page */
 } tdm_inspect_copy_table;
 
-/** All of a copy table but its lists. @param out  not null @return 1, or 0 after a failure */
+/** All of a copy table but its lists. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_copy_table(const tdm_copy_table *table, tdm_inspect_copy_table *out);
 
 /** Its destinations. @return a new array of tdm_inspect_copy_destination, each source once, in the
@@ -258,13 +274,12 @@ TDM_API tdm_arr *tdm_inspect_copy_sub_table_spaces(const tdm_copy_sub_table *tab
 
 /** Direct initialisation, without its destinations. */
 typedef struct tdm_inspect_direct_init {
-  const char *name;
-  int64_t alignment;              /**< in MAUs; 1 if none is given */
+  const char *name;               /**< of the section that it makes */
+  int64_t alignment;              /**< in MAUs of the space; 1 if none is given */
   tdm_space *default_destination; /**< null if none is given */
 } tdm_inspect_direct_init;
 
-/** All of a direct initialisation but its destinations. @param out  not null
- *  @return 1, or 0 after a failure */
+/** All of a direct initialisation but its destinations. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_direct_init(const tdm_direct_init *init, tdm_inspect_direct_init *out);
 
 /** Its destinations, in the form of those of a copy table. */
@@ -281,13 +296,12 @@ typedef struct tdm_inspect_bank_def {
   const char *stub_arg_address; /**< symbol that the address of the callee takes the place of */
   const char *stub_arg_bank;    /**< the same for its bank */
   const char *stub_arg_switch;  /**< the same for the switch routine; this and below: kind "bar" */
-  const char *switch_template;
-  const char *switch_prefix;
-  const char *switch_arg_bank;
+  const char *switch_template;  /**< section that switch routines are made from */
+  const char *switch_prefix;    /**< what their names begin with */
+  const char *switch_arg_bank;  /**< symbol that the number of the bank takes the place of */
 } tdm_inspect_bank_def;
 
-/** All of a definition of banks but their numbers. @param out  not null
- *  @return 1, or 0 after a failure */
+/** All of a definition of banks but their numbers. @return 1, or 0 after a failure */
 TDM_API int tdm_inspect_get_bank_def(const tdm_bank_def *banks, tdm_inspect_bank_def *out);
 
 /** The numbers of the banks. @return a new array of 32-bit numbers by value (element_size 4),

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Descriptions whose memories lie over each other: what tdm_parse_file() refuses, for those who
  * want to show it. Part of <tdm_c/tdm_inspect.h>.
  *

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Translation in full: one step over a given mapping, walks from any object, and routes with all
  * their hops. Part of <tdm_c/tdm_inspect.h>.
  *
@@ -24,15 +25,15 @@ extern "C" {
 /* Objects as ends of mappings                                                                    */
 /* ============================================================================================== */
 
-/*
- * An object in its role in a mapping, as tdm_mapsource_get_space() and its sisters tell it the
- * other way. None of them fails.
- */
+/** @{ */
+/** An object in its role in a mapping, as tdm_mapsource_get_space() and its sisters tell it the
+ *  other way. None of these functions fails; null gives null. */
 TDM_API tdm_mapsource *tdm_inspect_space_as_source(tdm_space *space);
 TDM_API tdm_mapsource *tdm_inspect_bus_as_source(tdm_bus *bus);
 TDM_API tdm_mapdestination *tdm_inspect_space_as_destination(tdm_space *space);
 TDM_API tdm_mapdestination *tdm_inspect_bus_as_destination(tdm_bus *bus);
 TDM_API tdm_mapdestination *tdm_inspect_memory_as_destination(tdm_memory *memory);
+/** @} */
 
 /* ============================================================================================== */
 /* One mapping                                                                                    */
@@ -126,8 +127,8 @@ typedef struct tdm_inspect_hop {
   int32_t route;         /**< number of the route, from 0 */
   int32_t reserved;      /**< 1 if this mapping or one before it on the route is reserved */
   tdm_mapping *mapping;  /**< all else of it: tdm_inspect_get_mapping() */
-  tdm_mapsource *source; /**< its ends */
-  tdm_mapdestination *destination;
+  tdm_mapsource *source; /**< its source, the near end forward */
+  tdm_mapdestination *destination; /**< its destination, the far end forward */
   tdm_interval interval;  /**< where the route arrives, in MAUs of the far end, with its bank and
                                the data lines in the mask. Of an address low and high are the
                                same, and the mask is one of every bit. The priorities are those
@@ -153,7 +154,7 @@ TDM_API tdm_arr *tdm_inspect_addressvalue_routes_to_memory(const tdm_mapsource *
 /** The same for an interval. */
 TDM_API tdm_arr *tdm_inspect_interval_routes_to_memory(const tdm_mapsource *source,
                                                        const tdm_interval *interval);
-/** From a destination back. @param end  one of enum tdm_route_end; there is no route to another */
+/** From a destination back. `end` is one of enum tdm_route_end; there is no route to another. */
 TDM_API tdm_arr *tdm_inspect_addressvalue_routes_back(const tdm_mapdestination *destination,
                                                       int end, const tdm_addressvalue *address);
 /** The same for an interval. */

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * The text that a description is made of: the files that were read, from where each was included,
  * and the tokens that the preprocessor makes of them. Part of <tdm_c/tdm_inspect.h>.
  *
@@ -22,9 +23,9 @@ extern "C" {
 /** One opening of a file. */
 typedef struct tdm_inspect_source_file {
   const char *name;    /**< the name that it was opened by, with the directory where it was found */
-  int32_t includer;    /**< index of the file whose #include opened it, in the same list; -1 for a
+  int32_t includer;    /**< index of the file whose `#include` opened it, in the same list; -1 for a
                             file that the call was given */
-  tdm_srcpos included; /**< where that #include stands; all zero without one. No pragmas. */
+  tdm_srcpos included; /**< where that `#include` stands; all zero without one. No pragmas. */
 } tdm_inspect_source_file;
 
 /**
@@ -38,12 +39,12 @@ typedef struct tdm_inspect_source_file {
 TDM_API tdm_arr *tdm_inspect_source_files(void);
 
 /**
- * Through which #include directives the file of a position came to be read, in the latest parse
+ * Through which `#include` directives the file of a position came to be read, in the latest parse
  * or token stream since tdm_init().
  *
  * @param position  a place as failures, messages and objects give it; its file and line count.
  *                  Not null, the file may be.
- * @return a new array of tdm_srcpos, without pragmas: the place of the #include that opened the
+ * @return a new array of tdm_srcpos, without pragmas: the place of the `#include` that opened the
  *         file, then of the one that opened that file, and so on up to a file that the call was
  *         given. Empty for such a file, and for one that wasn't read.
  *
@@ -58,14 +59,15 @@ TDM_API tdm_arr *tdm_inspect_include_chain(const tdm_srcpos *position);
 
 /** What tdm_limits_set() can limit. */
 enum tdm_limit {
-  /** How deep #include may nest: 1 allows it in the files that a call is given, and not in those
-   *  that they include. An #include beyond it is error 956 of the preprocessor and is passed over.
-   *  Without a limit, files nest as deep as they can be opened. */
+  /** How deep `#include` may nest: 1 allows it in the files that a call is given, and not in those
+   *  that they include. An `#include` beyond it is error 956 of the preprocessor and is passed
+   * over. Without a limit, files nest as deep as they can be opened. */
   TDM_LIMIT_INCLUDE_DEPTH = 1
 };
 
 /**
  * Sets a limit for the parses and token streams that begin from now on, until the next tdm_init().
+ * A limit that is set before tdm_init() has no effect.
  *
  * @param limit  one of enum tdm_limit
  * @param value  1 or more; 0 for no limit, as it is after tdm_init()
@@ -83,17 +85,17 @@ typedef struct TDMTokenStream tdm_token_stream;
 /** Numbers of tokens that aren't fixed characters. All others are operators and punctuation, see
  *  tdm_inspect_token_name(). */
 enum tdm_token_number {
-  TDM_TOKEN_END = 0, /**< never handed out */
-  TDM_TOKEN_ERROR = 1,
-  TDM_TOKEN_WIDE_STRING = 5,
-  TDM_TOKEN_WIDE_CHARACTER = 6,
-  TDM_TOKEN_NAME = 7,
-  TDM_TOKEN_INTEGER = 9,
-  TDM_TOKEN_FLOAT = 10,
-  TDM_TOKEN_STRING = 11,
-  TDM_TOKEN_CHARACTER = 12,
-  TDM_TOKEN_NEWLINE = 15,
-  TDM_TOKEN_WHITE = 16,  /**< a run of white space without newlines */
+  TDM_TOKEN_END = 0,            /**< never handed out */
+  TDM_TOKEN_ERROR = 1,          /**< characters that make no token */
+  TDM_TOKEN_WIDE_STRING = 5,    /**< `L"..."` */
+  TDM_TOKEN_WIDE_CHARACTER = 6, /**< `L'...'` */
+  TDM_TOKEN_NAME = 7,           /**< a name, keywords of the language among them */
+  TDM_TOKEN_INTEGER = 9,        /**< a whole number */
+  TDM_TOKEN_FLOAT = 10,         /**< a number with a point or an exponent */
+  TDM_TOKEN_STRING = 11,        /**< `"..."` */
+  TDM_TOKEN_CHARACTER = 12,     /**< `'...'` */
+  TDM_TOKEN_NEWLINE = 15,       /**< the end of a line */
+  TDM_TOKEN_WHITE = 16,         /**< a run of white space without newlines */
   TDM_TOKEN_COMMENT = 17 /**< with all its characters, newlines too; a preprocessor that writes
                               text puts a blank there */
 };

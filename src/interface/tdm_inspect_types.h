@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Handles and numbers that the headers of the tdm_inspect family share. The conventions of tdm.h
  * hold: a handle is the address of an object of the model and dies with its spec.
  */
@@ -13,19 +14,27 @@
 extern "C" {
 #endif
 
-/* An expression as the model keeps it: not evaluated, since it may ask for what only a caller has.
- * The same class for clients in C++, where it has to be named as what it is. */
 #ifdef __cplusplus
+/** An expression as the model keeps it: not evaluated, since it may ask for what only a caller has.
+ *  The same class for clients in C++, where it has to be named as what it is. */
 typedef class TDMExpression tdm_expression;
 #else
+/** An expression as the model keeps it: not evaluated, since it may ask for what only a caller has.
+ */
 typedef struct TDMExpression tdm_expression;
 #endif
 
+/** A `map`: one edge between spaces, buses and memories, see tdm_inspect_get_mapping(). */
 typedef struct TDMMapping tdm_mapping;
+/** What a space says with `bank`, see tdm_inspect_get_bank_def(). */
 typedef struct TDMBankDef tdm_bank_def;
+/** A `table` of a copy table, see tdm_inspect_copy_sub_table_symbol(). */
 typedef struct TDMCopySubTable tdm_copy_sub_table;
+/** What a setup says with `modify input`. */
 typedef struct TDMInputModification tdm_input_modification;
+/** A `vector` of a vector table, see tdm_inspect_vector_value(). */
 typedef struct TDMVector tdm_vector;
+/** What stands in a vector, see tdm_inspect_vector_value_kind(). */
 typedef struct TDMVectorValue tdm_vector_value;
 
 /** A statement of a layout, of any kind; tdm_inspect_statement_kind() tells which. */
@@ -40,18 +49,18 @@ enum tdm_space_kind {
 
 /** What tdm_inspect_statement_kind() gives. */
 enum tdm_statement_kind {
-  TDM_STATEMENT_ASSIGNMENT = 1,
-  TDM_STATEMENT_BLOCK,
-  TDM_STATEMENT_IF,
+  TDM_STATEMENT_ASSIGNMENT = 1, /**< `"symbol" = value;` or `:=` */
+  TDM_STATEMENT_BLOCK,          /**< `{ ... }` */
+  TDM_STATEMENT_IF,             /**< `if` */
   TDM_STATEMENT_CREATE_SECTION, /**< `section` */
-  TDM_STATEMENT_GROUP,
-  TDM_STATEMENT_HEAP,
-  TDM_STATEMENT_MEMORY_COPY, /**< `memcopy` */
-  TDM_STATEMENT_RESERVED,
-  TDM_STATEMENT_SELECTION, /**< `select` */
-  TDM_STATEMENT_STACK,
-  TDM_STATEMENT_STRUCT,
-  TDM_STATEMENT_TABLE /**< `copytable` */
+  TDM_STATEMENT_GROUP,          /**< `group` */
+  TDM_STATEMENT_HEAP,           /**< `heap` */
+  TDM_STATEMENT_MEMORY_COPY,    /**< `memcopy` */
+  TDM_STATEMENT_RESERVED,       /**< `reserved` */
+  TDM_STATEMENT_SELECTION,      /**< `select` */
+  TDM_STATEMENT_STACK,          /**< `stack` */
+  TDM_STATEMENT_STRUCT,         /**< `struct` */
+  TDM_STATEMENT_TABLE           /**< `copytable` */
 };
 
 /** What tdm_inspect_group_location_form() gives. */
@@ -91,17 +100,17 @@ enum tdm_object_kind {
   TDM_OBJECT_EXPRESSION,         /**< tdm_expression */
   TDM_OBJECT_STATEMENT,          /**< tdm_statement, of any kind */
   TDM_OBJECT_ASSIGNMENT,         /**< tdm_assignment, and so on: a statement by its own handle */
-  TDM_OBJECT_BLOCK,
-  TDM_OBJECT_IF_STATEMENT,
-  TDM_OBJECT_CREATE_SECTION_STATEMENT,
-  TDM_OBJECT_GROUP,
-  TDM_OBJECT_HEAP_STATEMENT,
-  TDM_OBJECT_MEMORY_COPY_STATEMENT,
-  TDM_OBJECT_RESERVED_STATEMENT,
-  TDM_OBJECT_SELECTION_STATEMENT,
-  TDM_OBJECT_STACK_STATEMENT,
-  TDM_OBJECT_STRUCT_STATEMENT,
-  TDM_OBJECT_TABLE_STATEMENT
+  TDM_OBJECT_BLOCK,              /**< tdm_block */
+  TDM_OBJECT_IF_STATEMENT,       /**< tdm_if_statement */
+  TDM_OBJECT_CREATE_SECTION_STATEMENT, /**< tdm_create_section_statement */
+  TDM_OBJECT_GROUP,                    /**< tdm_group */
+  TDM_OBJECT_HEAP_STATEMENT,           /**< tdm_heap_statement */
+  TDM_OBJECT_MEMORY_COPY_STATEMENT,    /**< tdm_memory_copy_statement */
+  TDM_OBJECT_RESERVED_STATEMENT,       /**< tdm_reserved_statement */
+  TDM_OBJECT_SELECTION_STATEMENT,      /**< tdm_selection_statement */
+  TDM_OBJECT_STACK_STATEMENT,          /**< tdm_stack_statement */
+  TDM_OBJECT_STRUCT_STATEMENT,         /**< tdm_struct_statement */
+  TDM_OBJECT_TABLE_STATEMENT           /**< tdm_table_statement */
 };
 
 #ifdef __cplusplus

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Exprlib: typed expression trees that are folded in place. Plain C99, usable from C++ as it is,
  * and dependent on nothing else.
  *
