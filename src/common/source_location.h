@@ -1,4 +1,5 @@
-// Where something stands in the user's files, and the table that an object keeps of such places.
+/// @file
+/// Where something stands in the user's files, and the table that an object keeps of such places.
 #pragma once
 
 #include <cstddef>
@@ -12,9 +13,9 @@
 /// A place in a file. `file` is a text of the string pool (or a literal), so a location is three
 /// words that are copied freely; line and column count from 1, and 0/0 means "the file as a whole".
 struct TDMSourceLocation {
-  const char *file = "";
-  int line = 0;
-  int column = 0;
+  const char *file = ""; ///< the name of the file, as messages show it
+  int line = 0;          ///< from 1; 0 for the file as a whole
+  int column = 0;        ///< from 1; 0 for the file as a whole
 };
 
 /// The key under which a location is kept: a literal, or a text that lives as long as the table.
@@ -22,7 +23,7 @@ struct TDMSourceLocation {
 /// of them apart.
 class LocationKey {
 public:
-  // Implicit on purpose: keys are written as plain words at every use.
+  /// A key that is written out. Implicit on purpose: keys are plain words at every use.
   template <std::size_t Size>
   consteval LocationKey(const char (&text)[Size]) : text_(text), hash_(hash_of({text, Size - 1}))
   {
@@ -31,9 +32,12 @@ public:
   /// A key that is known at run time only.
   explicit LocationKey(const char *const &text) : text_(text), hash_(hash_of(text)) {}
 
+  /// The key as text.
   [[nodiscard]] const char *text() const { return text_; }
+  /// A hash of the text, the same in every process.
   [[nodiscard]] std::uint32_t hash() const { return hash_; }
 
+  /// Whether the texts are equal.
   friend bool operator==(LocationKey a, LocationKey b)
   {
     return a.hash_ == b.hash_ && (a.text_ == b.text_ || std::strcmp(a.text_, b.text_) == 0);
@@ -60,17 +64,21 @@ private:
 /// belongs to one thread at a time.
 class TDM_CLIENT_API SourceLocations {
 public:
+  /// A location and its key.
   struct Entry {
-    LocationKey first;
-    TDMSourceLocation second;
+    LocationKey first;        ///< the key
+    TDMSourceLocation second; ///< the location
   };
 
   SourceLocations() = default;
+  /// Shares the list of the other one.
   SourceLocations(const SourceLocations &other) : list_(other.list_)
   {
     if (list_ != nullptr) ++list_->users;
   }
+  /// Takes the list of the other one, which is empty then.
   SourceLocations(SourceLocations &&other) noexcept : list_(other.list_) { other.list_ = nullptr; }
+  /// Gives up the own list for that of the other one.
   SourceLocations &operator=(SourceLocations other) noexcept
   {
     List *const mine = list_;
@@ -101,6 +109,7 @@ public:
     return nullptr;
   }
 
+  /// All of them, in the order in which they were stored; valid until the next store.
   [[nodiscard]] std::span<const Entry> entries() const
   {
     if (list_ == nullptr) return {};

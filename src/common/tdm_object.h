@@ -1,11 +1,12 @@
-// The base of all model objects: the places in the user's files where their parts were written.
+/// @file
+/// The base of all model objects: the places in the user's files where their parts were written.
 #pragma once
 
 #include "common/source_location.h"
 
 /// Has no virtual operations, so that it never decides the layout of what derives from it.
 struct TDMObject {
-  SourceLocations sourceLocations;
+  SourceLocations sourceLocations; ///< under keys such as "name"; which there are is no promise
 
   /// The location under the key, or null; what the `..._get_source_location` getters give.
   [[nodiscard]] const TDMSourceLocation *location(LocationKey key) const

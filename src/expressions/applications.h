@@ -1,11 +1,12 @@
-// The expressions that compute with values alone: numbers, operators and the conditional.
-//
-// Arithmetic is that of signed 64-bit numbers and wraps. Constructors take children that are not
-// null, or that are filled in before the object is used.
-//
-// An operator number that is none of those below is a fault of whoever made the object, which no
-// text leads to: computing and rendering then throw an `int` of value 0 (by value), except that
-// computing a TDMUnaryApplication throws TDMUnexpectedErrorException *.
+/// @file
+/// The expressions that compute with values alone: numbers, operators and the conditional.
+///
+/// Arithmetic is that of signed 64-bit numbers and wraps. Constructors take children that are not
+/// null, or that are filled in before the object is used.
+///
+/// An operator number that is none of those below is a fault of whoever made the object, which no
+/// text leads to: computing and rendering then throw an `int` of value 0 (by value), except that
+/// computing a TDMUnaryApplication throws TDMUnexpectedErrorException *.
 #pragma once
 
 #include <array>
@@ -45,10 +46,13 @@ enum TDMBinaryOperator : std::int32_t {
   TDM_BINARY_MAX = 20
 };
 
+/// A number.
 class TDM_CLIENT_API TDMNumber final : public TDMExpression {
 public:
+  /// Of that value.
   explicit TDMNumber(std::int64_t number) : number_(number) {}
 
+  /// The number.
   [[nodiscard]] std::int64_t number() const { return number_; }
 
   std::int64_t compute(TDMExpressionEnv *) override { return number_; }
@@ -59,6 +63,7 @@ private:
   std::int64_t number_;
 };
 
+/// An operator before one operand.
 class TDM_CLIENT_API TDMUnaryApplication final : public TDMExpression {
 public:
   /// The place is reported at where the object has no location of key "op".
@@ -70,7 +75,9 @@ public:
   ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// One of TDMUnaryOperator.
   [[nodiscard]] std::int32_t op() const { return op_; }
+  /// The operand; stays the expression's.
   [[nodiscard]] TDMExpression &operand() const { return *operand_[0]; }
 
 private:
@@ -81,6 +88,7 @@ private:
   TDMSourceLocation place_;
 };
 
+/// An operator between two operands, and `min` and `max`.
 class TDM_CLIENT_API TDMBinaryApplication final : public TDMExpression {
 public:
   /// A division by zero is reported at the place.
@@ -92,8 +100,11 @@ public:
   ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// One of TDMBinaryOperator.
   [[nodiscard]] std::int32_t op() const { return op_; }
+  /// The left operand; stays the expression's.
   [[nodiscard]] TDMExpression &left() const { return *operands_[0]; }
+  /// The right operand; stays the expression's.
   [[nodiscard]] TDMExpression &right() const { return *operands_[1]; }
 
 private:
@@ -107,6 +118,7 @@ private:
 /// Evaluates the condition and then the chosen branch alone.
 class TDM_CLIENT_API TDMConditionalExpression final : public TDMExpression {
 public:
+  /// Takes its three parts over.
   TDMConditionalExpression(std::unique_ptr<TDMExpression> condition,
                            std::unique_ptr<TDMExpression> then_value,
                            std::unique_ptr<TDMExpression> else_value);
@@ -116,8 +128,11 @@ public:
   ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// The part before `?`; stays the expression's, as the others do.
   [[nodiscard]] TDMExpression &condition() const { return *parts_[0]; }
+  /// The part between `?` and `:`.
   [[nodiscard]] TDMExpression &then_value() const { return *parts_[1]; }
+  /// The part behind `:`.
   [[nodiscard]] TDMExpression &else_value() const { return *parts_[2]; }
 
 private:

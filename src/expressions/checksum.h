@@ -1,12 +1,15 @@
-// `checksum(crc32w, start, end)`: a checksum over data that the environment has located.
+/// @file
+/// `checksum(crc32w, start, end)`: a checksum over data that the environment has located.
 #pragma once
 
 #include <array>
 
 #include "expressions/expression.h"
 
+/// A checksum over the data from one address to another.
 class TDM_CLIENT_API TDMChecksum final : public TDMExpression {
 public:
+  /// How it is computed.
   enum Kind : std::int32_t { crc32w = 0 };
 
   /// The place is reported at where the object has no location of key "checksum".
@@ -19,8 +22,11 @@ public:
   void collect_data_ranges(TDMExpressionEnv *env, DataRanges &ranges) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// One of Kind.
   [[nodiscard]] std::int32_t kind() const { return kind_; }
+  /// The first address; stays the expression's.
   [[nodiscard]] TDMExpression &start() const { return *bounds_[0]; }
+  /// The first address behind the data; stays the expression's.
   [[nodiscard]] TDMExpression &end() const { return *bounds_[1]; }
 
 private:

@@ -1,15 +1,16 @@
-// A number of a target description in the form in which the model holds it: an object that is
-// evaluated any number of times against an environment (expression_env.h).
-//
-// An expression is a tree. Its depth is decided by the text and by chains of parameters, so that
-// nothing here recurses along it: whatever runs through a tree (evaluation, cloning, rendering,
-// the queries, destruction) is one loop with a stack of its own. The operations of a class that
-// has children start such a loop at the object that they are called on; the loop asks the virtual
-// operations of leaves and of classes that it doesn't know.
-//
-// Clients: expressions belong to whoever holds them; a class derived from TDMExpression stands for
-// a leaf, and what children it may have are its own affair. Failures are thrown by pointer and are
-// deleted by whoever catches them.
+/// @file
+/// A number of a target description in the form in which the model holds it: an object that is
+/// evaluated any number of times against an environment (expression_env.h).
+///
+/// An expression is a tree. Its depth is decided by the text and by chains of parameters, so that
+/// nothing here recurses along it: whatever runs through a tree (evaluation, cloning, rendering,
+/// the queries, destruction) is one loop with a stack of its own. The operations of a class that
+/// has children start such a loop at the object that they are called on; the loop asks the virtual
+/// operations of leaves and of classes that it doesn't know.
+///
+/// Clients: expressions belong to whoever holds them; a class derived from TDMExpression stands for
+/// a leaf, and what children it may have are its own affair. Failures are thrown by pointer and are
+/// deleted by whoever catches them.
 #pragma once
 
 #include <cstdint>
@@ -30,8 +31,10 @@ namespace tdm {
 struct ExpressionTree;
 }
 
+/// The base of all expressions.
 class TDM_CLIENT_API TDMExpression : public TDMObject {
 public:
+  /// First addresses and first addresses behind, in MAUs of the space.
   using DataRanges = std::vector<std::pair<std::int64_t, std::int64_t>>;
 
   /// Drops the values that are kept by the children, and by theirs, where they keep one; what
@@ -73,6 +76,7 @@ public:
     return memo_;
   }
 
+  /// Whether value() keeps a value already.
   [[nodiscard]] bool has_value() const { return has_memo_; }
 
   /// Drops every value that is kept in the tree, the object's own included. An evaluation that

@@ -1,5 +1,6 @@
-// What an expression can ask about sections, symbols and located data: the environment, and the one
-// that is built from the two callbacks of the C interface.
+/// @file
+/// What an expression can ask about sections, symbols and located data: the environment, and the
+/// one that is built from the two callbacks of the C interface.
 #pragma once
 
 #include <cstdint>
@@ -34,15 +35,19 @@ public:
   /// as -1, and nodes for rendering.
   virtual bool section_address(const std::string &name, const TDMSourceLocation &location,
                                std::int64_t &value) = 0;
+  /// `addressof` of a section, for rendering.
   virtual ExprlibNode *section_address_node(const std::string &name,
                                             const TDMSourceLocation &location) = 0;
+  /// `sizeof` of a section, in MAUs; without an answer it is -1.
   virtual bool section_size(const std::string &name, const TDMSourceLocation &location,
                             std::int64_t &value) = 0;
+  /// `sizeof` of a section, for rendering.
   virtual ExprlibNode *section_size_node(const std::string &name,
                                          const TDMSourceLocation &location) = 0;
 
   /// The symbols at the first address of a group, and behind its last one.
   virtual std::string group_start_symbol(const std::string &group) = 0;
+  /// The symbol behind the last address of a group.
   virtual std::string group_end_symbol(const std::string &group) = 0;
   /// `addressof` of a group, for rendering.
   virtual ExprlibNode *group_address_node(const std::string &group) = 0;
@@ -50,6 +55,7 @@ public:
   /// A linker symbol: its value for evaluation, which fails without one, and its node for
   /// rendering. Evaluation asks for the node too, before the value, and releases it.
   virtual bool symbol_value(const std::string &name, std::int64_t &value) = 0;
+  /// A linker symbol, for rendering. Evaluation asks for it too, before the value, and releases it.
   virtual ExprlibNode *symbol_node(const std::string &name) = 0;
 
   /// True where located data can be asked for: in struct statements and symbol assignments.

@@ -1,7 +1,9 @@
-// The expressions that ask the environment by a name: symbols, sections and groups. All are leaves.
-//
-// Each holds a place beside its own locations: what is reported at where the object hasn't got the
-// key in question, because it was translated from a record without locations or is a clone.
+/// @file
+/// The expressions that ask the environment by a name: symbols, sections and groups. All are
+/// leaves.
+///
+/// Each holds a place beside its own locations: what is reported at where the object hasn't got the
+/// key in question, because it was translated from a record without locations or is a clone.
 #pragma once
 
 #include "expressions/expression.h"
@@ -9,6 +11,7 @@
 /// The value of a linker symbol.
 class TDM_CLIENT_API TDMSymbolRef final : public TDMExpression {
 public:
+  /// The place is reported at where the object has no location of its own, here and below.
   explicit TDMSymbolRef(std::string name, const TDMSourceLocation &place = {})
       : name_(std::move(name)), place_(place)
   {
@@ -20,6 +23,7 @@ public:
   bool refers_to_any(const std::set<std::string> &names) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// The symbol.
   [[nodiscard]] const std::string &name() const { return name_; }
 
 private:
@@ -31,6 +35,7 @@ private:
 /// answer.
 class TDM_CLIENT_API TDMDefinedSymbol final : public TDMExpression {
 public:
+  /// Asks for the symbol.
   explicit TDMDefinedSymbol(std::string name) : name_(std::move(name)) {}
 
   std::int64_t compute(TDMExpressionEnv *) override { return 0; }
@@ -38,6 +43,7 @@ public:
   bool refers_to_defined(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// The symbol.
   [[nodiscard]] const std::string &name() const { return name_; }
 
 private:
@@ -47,6 +53,7 @@ private:
 /// As TDMDefinedSymbol, for a symbol that is referenced. No text of the language gives one.
 class TDM_CLIENT_API TDMReferenced final : public TDMExpression {
 public:
+  /// Asks for the symbol.
   explicit TDMReferenced(std::string name) : name_(std::move(name)) {}
 
   std::int64_t compute(TDMExpressionEnv *) override { return 0; }
@@ -54,6 +61,7 @@ public:
   bool refers_to_defined(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// The symbol.
   [[nodiscard]] const std::string &name() const { return name_; }
 
 private:
@@ -63,6 +71,7 @@ private:
 /// `exists("section")`: 1 or 0.
 class TDM_CLIENT_API TDMSectionExists final : public TDMExpression {
 public:
+  /// Asks for the section.
   explicit TDMSectionExists(std::string name, const TDMSourceLocation &place = {})
       : name_(std::move(name)), place_(place)
   {
@@ -72,6 +81,7 @@ public:
   ExprlibNode *to_exprlib(TDMExpressionEnv *) override { return nullptr; }
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// The section.
   [[nodiscard]] const std::string &name() const { return name_; }
 
 private:
@@ -82,8 +92,10 @@ private:
 /// `addressof` of a section or a group; -1 where the environment has no answer.
 class TDM_CLIENT_API TDMAddressExpression final : public TDMExpression {
 public:
+  /// What it is the address of.
   enum Kind : std::int32_t { section = 0, group = 1 };
 
+  /// The kind is one of Kind.
   TDMAddressExpression(std::int32_t kind, std::string name, const TDMSourceLocation &place = {})
       : kind_(kind), name_(std::move(name)), place_(place)
   {
@@ -93,7 +105,9 @@ public:
   ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// One of Kind.
   [[nodiscard]] std::int32_t kind() const { return kind_; }
+  /// The section or group.
   [[nodiscard]] const std::string &name() const { return name_; }
 
 private:
@@ -105,8 +119,10 @@ private:
 /// `sizeof` of a section or a group; -1 where the environment has no answer.
 class TDM_CLIENT_API TDMSizeOf final : public TDMExpression {
 public:
+  /// What it is the size of.
   enum Kind : std::int32_t { section = 1, group = 2 };
 
+  /// The kind is one of Kind.
   TDMSizeOf(std::int32_t kind, std::string name, const TDMSourceLocation &place = {})
       : kind_(kind), name_(std::move(name)), place_(place)
   {
@@ -116,7 +132,9 @@ public:
   ExprlibNode *to_exprlib(TDMExpressionEnv *env) override;
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
+  /// One of Kind.
   [[nodiscard]] std::int32_t kind() const { return kind_; }
+  /// The section or group.
   [[nodiscard]] const std::string &name() const { return name_; }
 
 private:

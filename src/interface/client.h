@@ -1,28 +1,30 @@
-// What a client in C++ starts from: it includes all that the library shows beyond the C interface.
-//
-// 1. Handles of the C interface are the objects themselves: a `tdm_fillspec *` is a TDMFillSpec *
-//    (its values are expressions), a `tdm_group *` a TDMGroup *. What is only declared here stays
-//    opaque, TDMSpace and TDMMemory for instance, and is asked through the functions of tdm.h.
-// 2. A client derives from TDMExpressionEnv to answer expressions, from TDMSpaceWalker to read a
-//    space, from TDMStatementEnv, TDMSection and perhaps TDMSectionMap to have sections selected.
-// 3. What a handle leads to belongs to the spec and dies with it. A std::unique_ptr that is
-//    returned belongs to the client, and so does one reference to a node that is returned.
-// 4. Failures are thrown as pointers to objects that were made with new. Whoever catches one ends
-//    it, with delete, as the type of its family:
-//
-//        try {
-//          tdm_walk_space(space, walker);
-//        } catch (TDMFileException *failure) { // of the language, the model and expressions
-//          std::unique_ptr<TDMFileException> owner(failure);
-//          report(failure->text());
-//        } catch (MauLibException *failure) { // of the arithmetic of AddressValue
-//          delete failure;
-//        }
-//
-//    The classes below a family's root add nothing to it, so the root serves them all. Nothing else
-//    is thrown by pointer; std::bad_alloc and what the client's own functions throw come as values.
-// 5. One thread at a time, as in C; compiled as C++20 with the C++ library that this was built
-// with.
+/// @file
+/// What a client in C++ starts from: it includes all that the library shows beyond the C interface.
+///
+/// 1. Handles of the C interface are the objects themselves: a `tdm_fillspec *` is a TDMFillSpec *
+///    (its values are expressions), a `tdm_group *` a TDMGroup *. What is only declared here stays
+///    opaque, TDMSpace and TDMMemory for instance, and is asked through the functions of tdm.h.
+/// 2. A client derives from TDMExpressionEnv to answer expressions, from TDMSpaceWalker to read a
+///    space, from TDMStatementEnv, TDMSection and perhaps TDMSectionMap to have sections selected.
+/// 3. What a handle leads to belongs to the spec and dies with it. A std::unique_ptr that is
+///    returned belongs to the client, and so does one reference to a node that is returned.
+/// 4. Failures are thrown as pointers to objects that were made with new. Whoever catches one ends
+///    it, with delete, as the type of its family:
+///
+///        try {
+///          tdm_walk_space(space, walker);
+///        } catch (TDMFileException *failure) { // of the language, the model and expressions
+///          std::unique_ptr<TDMFileException> owner(failure);
+///          report(failure->text());
+///        } catch (MauLibException *failure) { // of the arithmetic of AddressValue
+///          delete failure;
+///        }
+///
+///    The classes below a family's root add nothing to it, so the root serves them all. Nothing
+///    else is thrown by pointer; std::bad_alloc and what the client's own functions throw come as
+///    values.
+/// 5. One thread at a time, as in C; compiled as C++20 with the C++ library that this was built
+/// with.
 #ifndef TDM_C_CLIENT_H
 #define TDM_C_CLIENT_H
 

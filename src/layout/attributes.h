@@ -1,4 +1,5 @@
-// The seven flags of a section, by their letters.
+/// @file
+/// The seven flags of a section, by their letters.
 #pragma once
 
 struct TDMAttributes {

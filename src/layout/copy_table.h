@@ -1,4 +1,5 @@
-// What a space asks the linker to copy at startup: through a table, or by direct initialisation.
+/// @file
+/// What a space asks the linker to copy at startup: through a table, or by direct initialisation.
 #pragma once
 
 #include <cstdint>
@@ -22,32 +23,35 @@ class SpaceLookup;
 
 /// A part of a copy table with a symbol of its own.
 struct TDMCopySubTable {
-  std::string symbol;
-  std::vector<TDMSpace *> spaces;
+  std::string symbol;             ///< its symbol
+  std::vector<TDMSpace *> spaces; ///< the spaces that it serves
 };
 
 struct TDMCopyTable : TDMObject {
+  /// Made by the model alone.
   TDMCopyTable(const TDMFileCopyTable &record, const tdm::ArgumentScope &scope);
 
   /// Finds the spaces that the record names, once all spaces of the core stand.
   void resolve(const TDMFileCopyTable &record, const tdm::SpaceLookup &lookup);
 
-  std::string name = "table";
-  int64_t alignment = 1;
-  int64_t copy_unit = 0;
+  std::string name = "table";                    ///< of the section that holds the table
+  int64_t alignment = 1;                         ///< in MAUs of the space
+  int64_t copy_unit = 0;                         ///< in MAUs of the space; 0 if none is given
   std::map<TDMSpace *, TDMSpace *> destinations; ///< source to destination
-  TDMSpace *default_destination = nullptr;
-  bool page_restrict_rom_copies = false;
-  std::vector<TDMCopySubTable> sub_tables;
+  TDMSpace *default_destination = nullptr;       ///< null if none is given
+  bool page_restrict_rom_copies = false;         ///< `page`
+  std::vector<TDMCopySubTable> sub_tables;       ///< `table { ... }`, in the order of the text
 };
 
 struct TDMDirectInit : TDMObject {
+  /// Made by the model alone.
   TDMDirectInit(const TDMFileDirectInit &record, const tdm::ArgumentScope &scope);
 
+  /// Finds the spaces that the record names.
   void resolve(const TDMFileDirectInit &record, const tdm::SpaceLookup &lookup);
 
-  std::string name = "dinit";
-  int64_t alignment = 1;
+  std::string name = "dinit";                    ///< always this one
+  int64_t alignment = 1;                         ///< in MAUs of the space
   std::map<TDMSpace *, TDMSpace *> destinations; ///< source to destination
-  TDMSpace *default_destination = nullptr;
+  TDMSpace *default_destination = nullptr;       ///< null if none is given
 };

@@ -1,4 +1,5 @@
-// What a `fill` says: the values that a gap is filled with, and their alignment.
+/// @file
+/// What a `fill` says: the values that a gap is filled with, and their alignment.
 #pragma once
 
 #include <memory>
@@ -14,6 +15,7 @@ class ArgumentScope;
 
 /// Expressions stay open: they may ask for data that only the caller has.
 struct TDMFillSpec {
+  /// Made by the model alone.
   TDMFillSpec(const TDMFileFillSpec &record, const tdm::ArgumentScope &scope,
               const TDMSourceLocation &place);
 

@@ -1,4 +1,5 @@
-// `group`: rules of placement for all that it contains.
+/// @file
+/// `group`: rules of placement for all that it contains.
 #pragma once
 
 #include <cstdint>
@@ -21,27 +22,29 @@ struct TDM_CLIENT_API TDMGroup final : TDMStatement {
   /// contradict each other are a failure.
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::optional<std::string> name;
-  bool contiguous = false;
-  bool clustered = false;
-  bool ordered = false;
-  bool overlay = false;
-  bool copy = false;
-  bool nocopy = false;
+  std::optional<std::string> name; ///< absent if the group has none
+  bool contiguous = false;         ///< `contiguous`
+  bool clustered = false;          ///< `clustered`
+  bool ordered = false;            ///< `ordered`
+  bool overlay = false;            ///< `overlay`
+  bool copy = false;               ///< `copy`
+  bool nocopy = false;             ///< `nocopy`
+  /// `align = `; null if not given, as all expressions here.
   std::unique_ptr<TDMExpression> alignment;
-  std::optional<TDMAttributes> attributes;
-  std::unique_ptr<TDMFillSpec> fill;
-  bool paged = false;
-  std::unique_ptr<TDMExpression> page_number;
-  std::unique_ptr<TDMExpression> page_size;
+  std::optional<TDMAttributes> attributes;    ///< `attributes = `; absent if not given
+  std::unique_ptr<TDMFillSpec> fill;          ///< null if not given
+  bool paged = false;                         ///< `page`
+  std::unique_ptr<TDMExpression> page_number; ///< `page = `
+  std::unique_ptr<TDMExpression> page_size;   ///< `page_size = `
+  /// The ranges in brackets behind the page size.
   std::vector<std::pair<std::unique_ptr<TDMExpression>, std::unique_ptr<TDMExpression>>> pages;
-  std::unique_ptr<TDMGroupLocation> location; ///< of `run_addr` if that is given
-  bool cross_references = false;
-  std::optional<std::string> output_section_name;
-  bool is_run_address = false; ///< whether the location is that of `run_addr`
-  bool load_time = false;
-  int32_t priority = 1; ///< 1: not given
-  std::unique_ptr<TDMStatement> statement;
+  std::unique_ptr<TDMGroupLocation> location;     ///< of `run_addr` if that is given
+  bool cross_references = false;                  ///< `allow_cross_references`
+  std::optional<std::string> output_section_name; ///< `create_section`; absent if not given
+  bool is_run_address = false;                    ///< whether the location is that of `run_addr`
+  bool load_time = false;                         ///< `load_addr`
+  int32_t priority = 1;                           ///< 1: not given
+  std::unique_ptr<TDMStatement> statement;        ///< what the group contains; never null
 };
 
 namespace tdm {

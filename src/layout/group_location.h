@@ -1,6 +1,7 @@
-// Where a group is to go: an address, or ranges, each written in addresses of the space, of the
-// space's literal space, or of a memory. What is asked is told in addresses of the space, through
-// the mappings, and computed anew each time.
+/// @file
+/// Where a group is to go: an address, or ranges, each written in addresses of the space, of the
+/// space's literal space, or of a memory. What is asked is told in addresses of the space, through
+/// the mappings, and computed anew each time.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +21,7 @@ class LayoutSpace;
 } // namespace tdm
 
 struct TDM_CLIENT_API TDMGroupLocation final : TDMObject {
+  /// A range as it is written.
   struct Range {
     tdm::LayoutMemory memory;            ///< without an object: addresses of the space
     const TDMMapping *mapping = nullptr; ///< of the memory, if one was named
@@ -30,8 +32,10 @@ struct TDM_CLIENT_API TDMGroupLocation final : TDMObject {
   /// Low and high, in MAUs of the space.
   using Bounds = std::pair<int64_t, int64_t>;
 
+  /// Of a layout of the space; holds nothing yet.
   explicit TDMGroupLocation(const tdm::LayoutSpace &of) : space(&of) {}
 
+  /// Whether it is an address, and not ranges.
   bool is_address() const { return address != nullptr; }
 
   /// In MAUs of the space. A memory or literal space that doesn't reach the space is a failure.
@@ -43,10 +47,10 @@ struct TDM_CLIENT_API TDMGroupLocation final : TDMObject {
 
   std::unique_ptr<TDMExpression> address; ///< null: ranges
   tdm::LayoutMemory memory;               ///< the memory that the address is an offset in, if any
-  std::vector<Range> ranges;
-  const tdm::LayoutSpace *space;
-  const TDMMapping *mapping = nullptr; ///< of the memory, if one was named
-  TDMSourceLocation group_place;       ///< for reports where the location has no place of its own
+  std::vector<Range> ranges;              ///< none for an address
+  const tdm::LayoutSpace *space;          ///< of the layout; not owned
+  const TDMMapping *mapping = nullptr;    ///< of the memory, if one was named
+  TDMSourceLocation group_place; ///< for reports where the location has no place of its own
 
 private:
   int64_t from_literal_space(int64_t value, LocationKey key) const;

@@ -1,4 +1,5 @@
-// A start address and a size: the pages of a space, and what callers make for themselves.
+/// @file
+/// A start address and a size: the pages of a space, and what callers make for themselves.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +7,6 @@
 #include "mapping/address_value.h"
 
 struct TDMRange {
-  AddressValue start;
-  int64_t size = 0; ///< MAUs of the start
+  AddressValue start; ///< where it begins
+  int64_t size = 0;   ///< MAUs of the start
 };

@@ -1,4 +1,5 @@
-// A section of the caller's, as selections see it.
+/// @file
+/// A section of the caller's, as selections see it.
 #pragma once
 
 #include <string>
@@ -8,12 +9,19 @@
 /// Implemented by a client that has sections to place. The flags are those of the attribute
 /// letters. A section outlives every map and every selection that it takes part in.
 struct TDM_CLIENT_API TDMSection {
+  /// Flag `r`.
   virtual bool is_readable() const = 0;
+  /// Flag `w`.
   virtual bool is_writable() const = 0;
+  /// Flag `x`.
   virtual bool is_executable() const = 0;
+  /// Flag `i`.
   virtual bool is_inited() const = 0;
+  /// Flag `s`.
   virtual bool is_scratch() const = 0;
+  /// Flag `b`.
   virtual bool is_blanked() const = 0;
+  /// Flag `p`.
   virtual bool is_p() const = 0;
   /// What patterns are compared with. Stays the same, at the same place, while the section lives.
   virtual const std::string &name() const = 0;

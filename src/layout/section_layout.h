@@ -1,4 +1,5 @@
-// A section layout: statements, and the end of the space that is filled first.
+/// @file
+/// A section layout: statements, and the end of the space that is filled first.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +10,6 @@
 #include "layout/statements.h"
 
 struct TDM_CLIENT_API TDMSectionLayout final : TDMObject {
-  int32_t locate_direction = 0; ///< 0 not set, 1 low to high, 2 high to low
-  std::unique_ptr<TDMBlock> statement;
+  int32_t locate_direction = 0;        ///< 0 not set, 1 low to high, 2 high to low
+  std::unique_ptr<TDMBlock> statement; ///< its statements; never null
 };

@@ -1,4 +1,5 @@
-// The sections that are still to be placed, found by name or one after the other.
+/// @file
+/// The sections that are still to be placed, found by name or one after the other.
 #pragma once
 
 #include <map>
@@ -13,6 +14,7 @@
 /// Gives sections one after the other. Stays valid while its map lives, also when sections that it
 /// has given already are removed from the map.
 struct TDM_CLIENT_API TDMSectionEnumerator {
+  /// Whether next() has one to give.
   virtual bool has_more() = 0;
   /// The next section; null at the end.
   virtual TDMSection *next() = 0;
@@ -21,12 +23,16 @@ struct TDM_CLIENT_API TDMSectionEnumerator {
 
 /// Implemented by a client that keeps its sections in a structure of its own.
 struct TDM_CLIENT_API TDMSectionMap {
+  /// Over all sections.
   virtual std::unique_ptr<TDMSectionEnumerator> all() = 0;
+  /// Whether there is a section of exactly that name.
   virtual bool contains(const std::string &name) = 0;
   /// Over the sections of exactly that name.
   virtual std::unique_ptr<TDMSectionEnumerator> with_name(const std::string &name) = 0;
+  /// Takes the section out; it stays the client's.
   virtual void remove(TDMSection *section) = 0;
   virtual ~TDMSectionMap();
+  /// Takes the section in; it stays the client's.
   virtual void add(TDMSection *section) = 0;
 };
 
@@ -53,6 +59,7 @@ private:
 
 /// Holds a position and an end in the map.
 struct TDM_CLIENT_API TDMDefaultSectionEnumerator final : TDMSectionEnumerator {
+  /// From the position up to the end.
   TDMDefaultSectionEnumerator(TDMDefaultSectionMap::Sections::iterator position,
                               TDMDefaultSectionMap::Sections::iterator end)
       : position_(position), end_(end)

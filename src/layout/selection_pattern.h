@@ -1,8 +1,9 @@
-// The name in a `select` statement: a pattern in the style of a file name.
-//
-// `*` is any text, `?` any character, `[...]` a set, `\` takes the next character as it is. The
-// pattern is translated to a regular expression that is anchored at both ends. A pattern without
-// wildcards is a plain name, which is compared as text and can be looked up in an index.
+/// @file
+/// The name in a `select` statement: a pattern in the style of a file name.
+///
+/// `*` is any text, `?` any character, `[...]` a set, `\` takes the next character as it is. The
+/// pattern is translated to a regular expression that is anchored at both ends. A pattern without
+/// wildcards is a plain name, which is compared as text and can be looked up in an index.
 #pragma once
 
 #include <memory>
@@ -15,6 +16,7 @@ namespace tdm {
 class NameMatcher;
 } // namespace tdm
 
+/// A pattern, ready to compare names with.
 class TDMSelectionPattern {
 public:
   /// A wrong pattern is refused at the location.
@@ -24,6 +26,7 @@ public:
   /// The name that alone matches, or null if the pattern has wildcards. Lives as the pattern does.
   [[nodiscard]] const std::string *literal_name() const { return literal_ ? &text_ : nullptr; }
 
+  /// Whether the pattern takes the whole name.
   [[nodiscard]] bool matches(std::string_view name) const;
 
   /// What compares names; only for a pattern with wildcards.
@@ -37,9 +40,10 @@ private:
 
 namespace tdm {
 
+/// A pattern in the two forms that it is compared in.
 struct TranslatedPattern {
-  std::string expression;
-  std::string plain; ///< the pattern without its escapes
+  std::string expression; ///< a regular expression with both anchors
+  std::string plain;      ///< the pattern without its escapes
 };
 
 /// Every pattern has a translation; what is wrong with it shows when the expression is compiled.

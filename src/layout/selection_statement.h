@@ -1,4 +1,5 @@
-// `select`: which of the caller's sections go here, by name and attributes.
+/// @file
+/// `select`: which of the caller's sections go here, by name and attributes.
 #pragma once
 
 #include <memory>
@@ -18,6 +19,7 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
   /// What is told of each section that is taken.
   class SectionFunction {
   public:
+    /// Called for each of them, once.
     virtual void call(TDMSection &section) = 0;
 
   protected:
@@ -44,9 +46,9 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
   /// The name that alone is selected; null if there is none, or one with wildcards.
   const std::string *literal_section_name() const;
 
-  std::optional<std::string> section_name; ///< the pattern as it was written
-  std::vector<std::unique_ptr<TDMSectionSelector>> selectors;
-  bool use_reference_tree = false;
+  std::optional<std::string> section_name;                    ///< the pattern as it was written
+  std::vector<std::unique_ptr<TDMSectionSelector>> selectors; ///< all have to match
+  bool use_reference_tree = false;                            ///< `ref_tree`
 
 private:
   const TDMSelectionPattern *pattern_in(const TDMStatementEnv &env);
@@ -66,6 +68,7 @@ private:
 class TDM_CLIENT_API SelectionFunctionWrapper final
     : public TDMSelectionStatement::SectionFunction {
 public:
+  /// A function of the C interface.
   using Function = void (*)(void *handle, void *user);
 
   /// A null function isn't called.

@@ -1,4 +1,5 @@
-// The stacks and heaps that a space or a section setup asks for.
+/// @file
+/// The stacks and heaps that a space or a section setup asks for.
 #pragma once
 
 #include <cstdint>
@@ -18,23 +19,26 @@ class ArgumentScope;
 
 /// What stacks and heaps have in common.
 struct TDMStackOrHeapDef : TDMObject {
-  std::string name;
+  std::string name;                            ///< unique in a core
   std::unique_ptr<TDMExpression> minimal_size; ///< evaluated when it is asked for
-  bool high_to_low = false;
-  int32_t alignment = 1;
-  bool fixed = false;
+  bool high_to_low = false;                    ///< `grows`
+  int32_t alignment = 1;                       ///< in MAUs of the space
+  bool fixed = false;                          ///< the least size is the size
 
 protected:
+  /// Made by the model alone.
   TDMStackOrHeapDef(const TDMFileStackOrHeapDef &record, const tdm::ArgumentScope &scope);
   ~TDMStackOrHeapDef() = default;
 };
 
 struct TDMStackDef final : TDMStackOrHeapDef {
+  /// Made by the model alone.
   TDMStackDef(const TDMFileStackDef &record, const tdm::ArgumentScope &scope);
 
   std::unique_ptr<TDMExpression> id; ///< null if not given
 };
 
 struct TDMHeapDef final : TDMStackOrHeapDef {
+  /// Made by the model alone.
   TDMHeapDef(const TDMFileHeapDef &record, const tdm::ArgumentScope &scope);
 };

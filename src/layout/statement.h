@@ -1,4 +1,5 @@
-// The base of all statements of a section layout.
+/// @file
+/// The base of all statements of a section layout.
 #pragma once
 
 #include "common/tdm_object.h"

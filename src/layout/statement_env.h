@@ -1,8 +1,10 @@
-// The environment of a scope in a layout: the rules of all groups around a statement, put together.
-//
-// A walk makes one for each layout, each `section` and each group, and each ends with its scope.
-// The rules come from groups by reference: expressions, attributes, locations and names stay the
-// spec's, so that an environment is copied at little cost and whatever it points to outlives it.
+/// @file
+/// The environment of a scope in a layout: the rules of all groups around a statement, put
+/// together.
+///
+/// A walk makes one for each layout, each `section` and each group, and each ends with its scope.
+/// The rules come from groups by reference: expressions, attributes, locations and names stay the
+/// spec's, so that an environment is copied at little cost and whatever it points to outlives it.
 #pragma once
 
 #include <cstdint>
@@ -37,28 +39,29 @@ struct TDM_CLIENT_API TDMStatementEnv {
   /// Why a section was not selected. The base ignores it.
   virtual void message(const std::string &text);
 
-  bool contiguous = false;
-  bool clustered = false;
-  bool ordered = false;
-  bool overlay = false;
-  bool copy = false;
-  bool nocopy = false;
-  TDMExpression *alignment = nullptr;        ///< null if no scope sets one
-  const TDMAttributes *attributes = nullptr; ///< null if no scope sets them
-  const TDMFillSpec *fill = nullptr;         ///< null if no scope sets one
-  bool paged = false;
+  bool contiguous = false;                                  ///< `contiguous`
+  bool clustered = false;                                   ///< `clustered`
+  bool ordered = false;                                     ///< `ordered`
+  bool overlay = false;                                     ///< `overlay`
+  bool copy = false;                                        ///< `copy`
+  bool nocopy = false;                                      ///< `nocopy`
+  TDMExpression *alignment = nullptr;                       ///< null if no scope sets one
+  const TDMAttributes *attributes = nullptr;                ///< null if no scope sets them
+  const TDMFillSpec *fill = nullptr;                        ///< null if no scope sets one
+  bool paged = false;                                       ///< `page`
   TDMExpression *page_number = nullptr;                     ///< of `page = `
   int32_t page_size = 0;                                    ///< of the space, or of a group
   std::shared_ptr<const std::vector<TDMRange>> page_ranges; ///< null: none were set
   const TDMGroupLocation *location = nullptr;               ///< the address or ranges in force
-  bool allow_cross_references = false;
-  int32_t priority = 1;
-  const std::string *output_section_name = nullptr; ///< of `create_section`
-  bool load_time = false;                           ///< inside a `load_addr` group
-  const std::string *group_name = nullptr;          ///< of the innermost group with a name
+  bool allow_cross_references = false;                      ///< `allow_cross_references`
+  int32_t priority = 1;                                     ///< 1 if no scope sets one
+  const std::string *output_section_name = nullptr;         ///< of `create_section`
+  bool load_time = false;                                   ///< inside a `load_addr` group
+  const std::string *group_name = nullptr;                  ///< of the innermost group with a name
   int32_t direction = 0;     ///< of the layout: 0 not set, 1 low to high, 2 high to low
   int32_t overlay_depth = 0; ///< groups passed since the nearest overlay group
 
 protected:
+  /// For clone().
   TDMStatementEnv(const TDMStatementEnv &) = default;
 };

@@ -1,13 +1,14 @@
-// One position of a space, a bus or a memory, to the bit.
-//
-// Conventions:
-// - The unit travels with the value: `value` counts whole MAUs of `mau` bits, `bits` is the
-//   remainder inside one MAU from the least significant data line, and the bit address is
-//   value * mau + bits.
-// - The bank is compared before the value, and -1, no bank, sorts below every bank.
-// - Values of different MAUs are unequal; to order, add or subtract them is a MauException.
-// - A value of more than 64 bits wraps. A MAU below 1 (numbers of a file and of callers are not
-//   restricted) is a MauException wherever it would have to divide.
+/// @file
+/// One position of a space, a bus or a memory, to the bit.
+///
+/// Conventions:
+/// - The unit travels with the value: `value` counts whole MAUs of `mau` bits, `bits` is the
+///   remainder inside one MAU from the least significant data line, and the bit address is
+///   value * mau + bits.
+/// - The bank is compared before the value, and -1, no bank, sorts below every bank.
+/// - Values of different MAUs are unequal; to order, add or subtract them is a MauException.
+/// - A value of more than 64 bits wraps. A MAU below 1 (numbers of a file and of callers are not
+///   restricted) is a MauException wherever it would have to divide.
 #pragma once
 
 #include <cstdint>
@@ -16,14 +17,15 @@
 #include "common/tdm_types.h"
 #include "mapping/wrapping.h"
 
+/// A position, or a size.
 struct TDM_CLIENT_API AddressValue {
   /// Two positions that are counted in different units met. Thrown by pointer.
   class TDM_CLIENT_API MauException : public MauLibException {};
 
-  int64_t value = 0;
-  int16_t bits = 0;
-  int16_t mau = 1;
-  int32_t bank = -1;
+  int64_t value = 0; ///< whole MAUs
+  int16_t bits = 0;  ///< bits beyond them
+  int16_t mau = 1;   ///< bits of one MAU
+  int32_t bank = -1; ///< -1 for none
 
   constexpr AddressValue() = default;
   /// `bits` and `mau` are cut to 16 bits, as at the boundary of the library.
@@ -33,10 +35,12 @@ struct TDM_CLIENT_API AddressValue {
   {
   }
 
+  /// From the form of the C interface.
   explicit AddressValue(const tdm_addressvalue &record)
       : AddressValue(record.value, record.bits, record.mau, record.bank)
   {
   }
+  /// In the form of the C interface.
   [[nodiscard]] tdm_addressvalue to_record() const { return {value, bits, mau, bank}; }
 
   /// Of all four fields; never throws.
@@ -49,8 +53,11 @@ struct TDM_CLIENT_API AddressValue {
     if (a.bank != b.bank) return a.bank < b.bank;
     return a.value != b.value ? a.value < b.value : a.bits < b.bits;
   }
+  /// As `<`, here and below.
   friend bool operator>(const AddressValue &a, const AddressValue &b) { return b < a; }
+  /// As `<`.
   friend bool operator<=(const AddressValue &a, const AddressValue &b) { return !(b < a); }
+  /// As `<`.
   friend bool operator>=(const AddressValue &a, const AddressValue &b) { return !(a < b); }
 
   /// The bits carry into the value; the bank is that of `a`. MauException if the MAUs differ.
@@ -87,6 +94,7 @@ struct TDM_CLIENT_API AddressValue {
             bank};
   }
 
+  /// MauException if the MAUs differ.
   static void require_same_mau(const AddressValue &a, const AddressValue &b)
   {
     if (a.mau != b.mau) throw_mau_exception();

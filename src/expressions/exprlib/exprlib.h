@@ -36,6 +36,7 @@
 extern "C" {
 #endif
 
+/** What kind of value a node has. */
 typedef enum ExprlibValueType {
   EXPRLIB_UNKNOWN = 0,
   EXPRLIB_VOID = 1,
@@ -117,27 +118,28 @@ typedef struct ExprlibNode ExprlibNode;
  *  writes the result into the node (exprlib_become()) and returns 0, or sets the context's code
  *  and returns 1. */
 typedef struct ExprlibUserOperator {
-  intptr_t code;
+  intptr_t code; /**< EXPRLIB_FIRST_USER_OPERATOR or above */
+  /** What evaluates a node of that operator. */
   int (*function)(ExprlibNode *node, void *closure);
-  void *closure;
+  void *closure; /**< handed to the function */
 } ExprlibUserOperator;
 
 /** A pooled string of a context. */
 typedef struct ExprlibString {
-  struct ExprlibString *next;
-  struct ExprlibString *previous;
+  struct ExprlibString *next;     /**< in the context's list; null at its end */
+  struct ExprlibString *previous; /**< null at the head */
   char *characters; /**< owned, NUL terminated; null for a new element, which counts as empty */
-  size_t length;
+  size_t length;    /**< of the characters, without the NUL */
 } ExprlibString;
 
 /** The owner of a node family. Made by exprlib_make_context(); a caller reads all fields and sets
  *  the error code, the user operators, the relocation evaluator and the error hook. */
 struct ExprlibContext {
-  int32_t error;         /**< the code of the last error */
-  uint32_t value_size;   /**< bytes of an integer value */
-  uint32_t payload_size; /**< bytes of a node behind its header */
-  int32_t live_nodes;
-  uint32_t user_operator_count;
+  int32_t error;                             /**< the code of the last error */
+  uint32_t value_size;                       /**< bytes of an integer value */
+  uint32_t payload_size;                     /**< bytes of a node behind its header */
+  int32_t live_nodes;                        /**< nodes that haven't been ended */
+  uint32_t user_operator_count;              /**< rows of user_operators */
   const ExprlibUserOperator *user_operators; /**< the caller's */
   /** Gives the child of a relocation node its value; returns 0 on success. May be null. */
   int (*relocation_evaluator)(void *argument, ExprlibNode *child);
@@ -150,49 +152,50 @@ struct ExprlibContext {
 
 /** An operand of an operator. */
 typedef struct ExprlibCell {
-  struct ExprlibCell *next;
-  ExprlibNode *node;
+  struct ExprlibCell *next; /**< the next operand; null behind the last one */
+  ExprlibNode *node;        /**< the operand; the operator holds a reference */
 } ExprlibCell;
 
 /** A row of the table that a variable's index selects. */
 typedef struct ExprlibSymbolRow {
   ExprlibNode *value; /**< null while the variable has none; the table's owner holds a reference */
-  void *second;
-  void *third;
+  void *second;       /**< the owner's; not looked at */
+  void *third;        /**< the owner's; not looked at */
 } ExprlibSymbolRow;
 
 /** The owner of the values of variables. */
 typedef struct ExprlibSymbolTable {
-  ExprlibSymbolRow *rows;
-  uint32_t count;
+  ExprlibSymbolRow *rows; /**< the owner's */
+  uint32_t count;         /**< of rows */
 } ExprlibSymbolTable;
 
 /** The header of a node; the payload stands behind it. Which member of the payload counts is told
  *  by the operator code, and by the type for a constant. */
 struct ExprlibNode {
-  ExprlibContext *context;
-  ExprlibNode *link; /**< of the running evaluation, print or release */
-  int32_t op;
-  ExprlibValueType type; /**< of an operator: the type of its first operand when it was made */
-  uint16_t width;        /**< in bits */
-  int32_t relocatable;   /**< 0 or 1 */
-  int32_t references;
-  uint32_t step; /**< of the running evaluation or print; 0 outside */
+  ExprlibContext *context; /**< that it belongs to */
+  ExprlibNode *link;       /**< of the running evaluation, print or release */
+  int32_t op;              /**< one of ExprlibOperator, or the caller's own */
+  ExprlibValueType type;   /**< of an operator: the type of its first operand when it was made */
+  uint16_t width;          /**< in bits */
+  int32_t relocatable;     /**< 0 or 1 */
+  int32_t references;      /**< who holds it */
+  uint32_t step;           /**< of the running evaluation or print; 0 outside */
 };
 
+/** What stands behind the header of a node. */
 typedef union ExprlibPayload {
-  uint8_t bytes[8]; /**< as many as the type says: the payload is longer than this type */
-  double number;
-  ExprlibString *string;
+  uint8_t bytes[8];      /**< as many as the type says: the payload is longer than this type */
+  double number;         /**< of a constant of type "double" */
+  ExprlibString *string; /**< of a constant of type "string" */
   struct {
-    const ExprlibSymbolTable *owner;
-    uint32_t index;
-  } variable;
-  ExprlibNode *cast;
+    const ExprlibSymbolTable *owner; /**< not owned; may be null */
+    uint32_t index;                  /**< of the row */
+  } variable;                        /**< of a variable: where its value is */
+  ExprlibNode *cast;                 /**< of a cast: what is cast */
   struct {
-    void *argument;
-    ExprlibNode *child;
-  } relocation;
+    void *argument;      /**< the evaluator's */
+    ExprlibNode *child;  /**< what is relocated */
+  } relocation;          /**< of a relocation */
   ExprlibCell *operands; /**< first operand first */
 } ExprlibPayload;
 
@@ -230,6 +233,7 @@ EXPRLIB_API int exprlib_alloc_node(ExprlibContext *context, ExprlibNode **node);
 /**
  * An operator node, of the type of its first operand.
  *
+ * @param context of the node and of all operands
  * @param node  set to the node. On entry null, or a node of the caller: if that is an operand too,
  *              the caller's reference passes to the new node, else it stays with the caller. Any
  *              other operand gains a reference.
@@ -252,11 +256,13 @@ EXPRLIB_API int exprlib_make_int64(ExprlibContext *context, ExprlibNode **node, 
 /**
  * An integer constant of any size.
  *
- * @param type  one of the types 0 to 3
- *              Any other fails with EXPRLIB_UNKNOWN_TYPE.
- * @param bytes count bytes, least significant first. Fewer than the value size are extended by the
- *              sign for "int" and by 0 for the others; of more, the low ones count. Null is none.
- * @param width in bits
+ * @param context of the node
+ * @param node    set to the node
+ * @param type    one of the types 0 to 3; any other fails with EXPRLIB_UNKNOWN_TYPE
+ * @param bytes   least significant first. Fewer than the value size are extended by the sign for
+ *                "int" and by 0 for the others; of more, the low ones count. Null is none.
+ * @param count   of the bytes
+ * @param width   in bits
  */
 EXPRLIB_API int exprlib_make_integer(ExprlibContext *context, ExprlibNode **node,
                                      ExprlibValueType type, const uint8_t *bytes, size_t count,
@@ -348,8 +354,9 @@ EXPRLIB_API int exprlib_is_negative(const ExprlibNode *node);
 /** 1 if the node is a constant with the value 0, or the empty string. */
 EXPRLIB_API int exprlib_is_zero(const ExprlibNode *node);
 
-/** The name of a type or an operator for display; an empty text where it has none. */
+/** The name of a type for display; an empty text where it has none. */
 EXPRLIB_API const char *exprlib_type_name(ExprlibValueType type);
+/** The name of an operator for display; an empty text where it has none. */
 EXPRLIB_API const char *exprlib_operator_name(int32_t op);
 
 /** Hands the tree as text to the function, piece by piece: `((1 + $0) << 2)`. A piece isn't NUL
