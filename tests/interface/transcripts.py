@@ -7,7 +7,7 @@ A transcript is a session of a user, `#` in front of remarks:
 
     --- dir/chip.tdm         a file, up to the next line that begins so, or with `$`
     $ tdm check dir/chip.tdm a command, `< FILE` may end it; what it writes follows, errors and
-                             all, then
+                             all, then (`$ ./NAME` runs a program that is there)
     [1]                      the code that it ended with, unless that is 0
 
 `$ cat NAME` shows a file that a command wrote.
@@ -40,7 +40,8 @@ def run(tdm, command, directory, root):
         given = Path(directory, arguments[-1]).read_bytes()
         arguments = arguments[:-2]
     environment = {key: value for key, value in os.environ.items() if not key.endswith("PARSERINC")}
-    done = subprocess.run([tdm] + arguments[1:], cwd=directory, input=given,
+    program = tdm if arguments[0] == "tdm" else os.path.join(directory, arguments[0])
+    done = subprocess.run([program] + arguments[1:], cwd=directory, input=given,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=environment,
                           timeout=60, check=False)
     output = done.stdout.decode("utf-8", "replace").replace(root, "@DIR@")
