@@ -8,7 +8,15 @@ install(TARGETS tdm_c EXPORT tdm_c_targets
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY ${TDM_INCLUDE_DIR}/tdm_c DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-# GNUInstallDirs allows absolute directories; a path below the prefix keeps the file relocatable.
+# GNUInstallDirs allows absolute directories; a path below the prefix keeps the file relocatable: the
+# prefix is then told from the place of the file, so that `cmake --install --prefix` and a move of
+# the whole tree need no option of pkg-config.
+set(TDM_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  file(RELATIVE_PATH up "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  string(REGEX REPLACE "/$" "" up "${up}")
+  set(TDM_PC_PREFIX "\${pcfiledir}/${up}")
+endif()
 foreach(dir LIBDIR INCLUDEDIR)
   if(IS_ABSOLUTE "${CMAKE_INSTALL_${dir}}")
     set(TDM_PC_${dir} "${CMAKE_INSTALL_${dir}}")

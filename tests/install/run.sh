@@ -21,7 +21,7 @@ fi
 "$cmake" --build by-cmake --parallel 2 >by-cmake.log || { cat by-cmake.log; exit 1; }
 LD_LIBRARY_PATH="$library" by-cmake/client "$PWD/chip.tdm"
 
-# The paths in the file are those of configure time; pkg-config moves them with the file.
-flags=$(PKG_CONFIG_PATH="$library/pkgconfig" pkg-config --define-prefix --cflags --libs tdm_c)
+# The paths in the file go by the place of the file.
+flags=$(PKG_CONFIG_PATH="$library/pkgconfig" pkg-config --cflags --libs tdm_c)
 "$cxx" -std=c++20 -o by-pkg-config main.cpp linker.cpp expressions.cpp walk.cpp $flags
 LD_LIBRARY_PATH="$library" ./by-pkg-config "$PWD/chip.tdm"

@@ -17,10 +17,10 @@ bash -c 'source "$1" && complete -p tdm' bash "$prefix/share/bash-completion/com
 [ -f "$prefix/share/zsh/site-functions/_tdm" ] && [ -f "$prefix/share/fish/vendor_completions.d/tdm.fish" ]
 if command -v scdoc >/dev/null; then grep -q depfile "$prefix/share/man/man1/tdm.1"; fi
 
-# The paths in the file are those of configure time; pkg-config moves them with the file.
+# The paths in the file go by the place of the file.
 cd "$source"
 cc -std=c99 -o "$prefix/by-pkg-config" examples/c/translate.c \
-  $(pkg-config --define-prefix --cflags --libs tdm_c)
+  $(pkg-config --cflags --libs tdm_c)
 "$prefix/by-pkg-config" | grep .
 
 "$cmake" -S tests/interface/consumer -B "$prefix/consumer" -DCMAKE_PREFIX_PATH="$prefix" \
