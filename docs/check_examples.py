@@ -8,12 +8,14 @@ holds addresses in the description before it, in the columns space, address and 
 examples/checks.txt. A block marked ```console is a part of a transcript, with files and commands
 in the form of tests/interface/transcripts.py; the blocks of a document go on from one another, and
 --update writes anew what the commands print. Runs of the documents' own programs are check_programs.py's.
-The C program of README.md must be examples/c/translate.c to the letter.
+The C program of README.md must be examples/c/translate.c to the letter, its commands `tdm ...` must
+work, and what one of them writes must be what is there.
 """
 import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -80,17 +82,27 @@ def transcript_faults(tdm, document, update):
     return found
 
 
-def readme_faults():
-    programs = [block[2] for block in BLOCK.finditer((ROOT / "README.md").read_text("utf-8"))
-                if block[1] == "c"]
+def readme_faults(tdm, folder):
+    text = (ROOT / "README.md").read_text("utf-8")
+    for command in re.findall(r"^    tdm (.*)$", text, re.M):
+        words = shlex.split(command)
+        written = words[-1] if "-o" in words[-2:-1] else None
+        if written:
+            words[-1] = os.path.join(folder, "written")
+        found = subprocess.run([tdm, *words], capture_output=True, text=True, check=False, cwd=ROOT)
+        if found.returncode != 0:
+            yield f"README.md: tdm {command}: {found.stdout}{found.stderr}"
+        elif written and pathlib.Path(words[-1]).read_bytes() != (ROOT / written).read_bytes():
+            yield f"README.md: tdm {command}: {written} is another one"
+    programs = [block[2] for block in BLOCK.finditer(text) if block[1] == "c"]
     if programs != [(ROOT / "examples/c/translate.c").read_text("utf-8")]:
         yield "README.md: the C program isn't examples/c/translate.c"
 
 
 def main():
     tdm = os.path.abspath(sys.argv[1])
-    faults = list(readme_faults())
     with tempfile.TemporaryDirectory() as folder:
+        faults = list(readme_faults(tdm, folder))
         description = os.path.join(folder, "example.tdm")
         for document in sorted((ROOT / "docs").glob("*.md")):
             faults += document_faults(tdm, document, description)
