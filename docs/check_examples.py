@@ -3,7 +3,8 @@
 
     check_examples.py TDM [--update]
 
-A block marked ```tdm is a complete description: `tdm check` must take it. A block marked ```tdm-map
+A block marked ```tdm is a complete description: `tdm check` must take it, and the layouts of all its
+spaces must walk to their end. A block marked ```tdm-map
 holds addresses in the description before it, in the columns space, address and expected of
 examples/checks.txt. A block marked ```console is a part of a transcript, with files and commands
 in the form of tests/interface/transcripts.py; the blocks of a document go on from one another, and
@@ -49,6 +50,19 @@ def map_faults(tdm, description, table, where):
             yield f"{where}: {space} {address}: expected {expected}, found {answer}"
 
 
+def walk_faults(tdm, description, where):
+    shown = json.loads(run(tdm, "show", "--json", description).stdout)
+    for processor in shown["processors"]:
+        for core in processor["cores"]:
+            for space in core["spaces"]:
+                if space["full_name"].startswith("::"):
+                    continue
+                found = run(tdm, "select", description, "--space", space["full_name"], "--sections",
+                            os.devnull)
+                if found.returncode != 0:
+                    yield f"{where}: {found.stdout}{found.stderr}"
+
+
 def document_faults(tdm, document, description):
     """Descriptions are written to the file of that name, one after the other."""
     text = document.read_text(encoding="utf-8")
@@ -59,6 +73,8 @@ def document_faults(tdm, document, description):
             found = run(tdm, "check", description)
             if found.returncode != 0:
                 yield f"{where}: {found.stdout}{found.stderr}"
+            else:
+                yield from walk_faults(tdm, description, where)
         elif block[1] == "tdm-map":
             yield from map_faults(tdm, description, block[2], where)
 
