@@ -174,13 +174,15 @@ typedef struct tdm_map_address_result {
 } tdm_map_address_result;
 
 /**
- * What the conditions of a layout may ask the caller during a walk. Either entry may be null, which
- * answers no. The name is valid during the call.
+ * What a walk may ask of the program that is being linked. Either entry may be null, which answers
+ * no. The name is valid during the call.
  */
 typedef struct tdm_expression_callbacks {
-  /** Whether the caller has a section of that name, for `exists`; any number but 0 is yes. */
+  /** Whether the caller has a section of that name, for `exists` in the condition of an `if`; any
+   *  number but 0 is yes. */
   int (*section_exists)(const char *name, void *user);
-  /** Whether the caller has a definition of that symbol, for `defined`. */
+  /** Whether the caller has a definition of that symbol. No condition asks: `defined` counts 0 in
+   *  all arithmetic, and tdm_inspect_expression_refers_to_defined() answers it. */
   int (*symbol_defined)(const char *name, void *user);
 } tdm_expression_callbacks;
 
