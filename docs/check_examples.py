@@ -6,7 +6,8 @@
 A block marked ```tdm is a complete description: `tdm check` must take it, and the layouts of all its
 spaces must walk to their end. A block marked ```tdm-map
 holds addresses in the description before it, in the columns space, address and expected of
-examples/checks.txt. A block marked ```console is a part of a transcript, with files and commands
+examples/checks.txt; ```tdm-back the same for addresses of memories and the spaces that they are seen
+in, with the bank, if there is one, in front of the address. A block marked ```console is a part of a transcript, with files and commands
 in the form of tests/interface/transcripts.py; the blocks of a document go on from one another, and
 --update writes anew what the commands print. Runs of the documents' own programs are check_programs.py's.
 The C program of README.md must be examples/c/translate.c to the letter, its commands `tdm ...` must
@@ -34,20 +35,34 @@ def run(*command):
     return subprocess.run(command, capture_output=True, text=True, check=False)
 
 
+def seen_in(answer):
+    """The spaces of an answer, written as documents write them."""
+    routes = []
+    for route in answer["routes"]:
+        at = route["address"]
+        bank = f"{at['bank']}:" if at["bank"] is not None else ""
+        bit = f".{at['bit']}" if at["bit"] else ""
+        if route["kind"] == "space":
+            routes.append(f"{route['name'].split(':')[-1]}:{bank}{at['value']:#x}{bit}"
+                          f"{'!' if route['reserved'] else ''}")
+    return ",".join(routes) or "none"
+
+
 def is_run_of_programs(transcript):
     return re.search(r"^\$ \./", transcript, re.M) is not None
 
 
-def map_faults(tdm, description, table, where):
+def map_faults(tdm, description, table, where, back):
     for row in table.splitlines():
-        space, address, expected = row.split()
-        found = run(tdm, "map", description, "--space", space, "--at", address, "--json")
+        name, address, expected = row.split()
+        found = run(tdm, "map", description, "--memory" if back else "--space", name, "--at",
+                    address, "--json")
         try:
-            answer = reached(json.loads(found.stdout))
+            answer = (seen_in if back else reached)(json.loads(found.stdout))
         except ValueError:
             answer = found.stdout + found.stderr
         if answer.lower() != expected.lower():
-            yield f"{where}: {space} {address}: expected {expected}, found {answer}"
+            yield f"{where}: {name} {address}: expected {expected}, found {answer}"
 
 
 def walk_faults(tdm, description, where):
@@ -75,8 +90,8 @@ def document_faults(tdm, document, description):
                 yield f"{where}: {found.stdout}{found.stderr}"
             else:
                 yield from walk_faults(tdm, description, where)
-        elif block[1] == "tdm-map":
-            yield from map_faults(tdm, description, block[2], where)
+        elif block[1] in ("tdm-map", "tdm-back"):
+            yield from map_faults(tdm, description, block[2], where, block[1] == "tdm-back")
 
 
 def transcript_faults(tdm, document, update):
