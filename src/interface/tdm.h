@@ -46,8 +46,8 @@
  *  9. Callbacks. The caller's own pointer comes last and is only passed on; a null entry of a table
  *     is skipped; what an entry returns is ignored unless its description says otherwise. Nothing
  *     may be thrown out of one, and none may end the spec or the library.
- *  10. Ends of the process. When memory runs out in the preprocessor, it writes one line to standard
- *     error and ends the process with exit code 2. A fault of the library itself ends it with 4.
+ *  10. Ends of the process. When the preprocessor finds no memory, it writes a line to standard
+ *     error and ends the process with exit code 2; a fault of the library itself ends it with 4.
  *
  * Further readers, outside this interface's promise of stability: <tdm_c/tdm_inspect.h>.
  */
@@ -471,10 +471,13 @@ TDM_API int tdm_source_location_get_column_number(const tdm_source_location *loc
 /* What a translation reached                                                                     */
 /* ============================================================================================== */
 
-/*
+/**
+ * @name The objects of results
  * The `object` of a result is the object in its role as one end of a mapping, and the address of
  * that role may differ from the address of the object: go through the conversions, never through
- * a cast. None of them fails; null is neither of all, and its conversion null.
+ * a cast. None of these functions fails; null is an object of no kind.
+ *
+ * @{
  */
 
 /** 1 if the source of a mapping is a bus, else 0. */
@@ -507,11 +510,14 @@ TDM_API tdm_bus *tdm_mapdestination_get_bus(tdm_mapdestination *destination);
 /** The address space that the destination of a mapping is. @return null if it is something else. */
 TDM_API tdm_space *tdm_mapdestination_get_space(tdm_mapdestination *destination);
 
+/** @} */
+
 /* ============================================================================================== */
 /* Translate addresses and intervals                                                              */
 /* ============================================================================================== */
 
-/*
+/**
+ * @name Translations
  * The ten functions have one form:
  *
  *  - The first argument is where the address or interval is meant. It counts in MAUs of that object
@@ -528,6 +534,8 @@ TDM_API tdm_space *tdm_mapdestination_get_space(tdm_mapdestination *destination)
  * What lies outside of a mapping yields nothing: an interval is cut to what is mapped. Priorities
  * of the mappings on a route are added forward, and subtracted backward. `reserved` is set if any
  * mapping on the route is reserved. An object that is reached over two routes comes twice.
+ *
+ * @{
  */
 
 /** One step, over each mapping of the space. Array of tdm_map_interval_result; objects are
@@ -587,6 +595,8 @@ TDM_API int tdm_memory_map_addressvalue_backward_to_space(const tdm_memory *memo
                                                           const tdm_addressvalue *address,
                                                           tdm_arr **results);
 
+/** @} */
+
 /* ============================================================================================== */
 /* Walk a space                                                                                   */
 /* ============================================================================================== */
@@ -620,10 +630,13 @@ TDM_API void tdm_space_walk(tdm_space *space, const tdm_walk_callbacks *callback
 /* What a walk hands out: definitions of a space                                                  */
 /* ============================================================================================== */
 
-/*
+/**
+ * @name Definitions of a space
  * Sizes of definitions and statements count in MAUs of the space. They are evaluated when they are
  * first asked for; one that needs the addresses or sizes of sections is a failure, 0. Source
  * locations belong to the spec and are null where none is known.
+ *
+ * @{
  */
 
 /** The name of a stack, as it was written. */
@@ -676,6 +689,8 @@ TDM_API int64_t tdm_vector_table_get_run_address(const tdm_vector_table *table);
 
 /** Where its name stands. */
 TDM_API tdm_source_location *tdm_vector_table_get_source_location(const tdm_vector_table *table);
+
+/** @} */
 
 /* ============================================================================================== */
 /* What a walk hands out: statements                                                              */
@@ -786,10 +801,13 @@ TDM_API tdm_source_location *tdm_group_get_source_location(const tdm_group *grou
 /** 1 if a location is an address, 0 if it is ranges. */
 TDM_API int tdm_group_location_is_address(const tdm_group_location *location);
 
-/*
+/**
+ * @name Locations in numbers
  * The four functions below give numbers in MAUs of the space of the layout, computed anew for each
  * call: a location that is written in a memory or in the address literal space is translated to
  * the space. One that doesn't reach the space is a failure, 0.
+ *
+ * @{
  */
 
 /** The address; 0 for a location of ranges. */
@@ -807,6 +825,8 @@ TDM_API int64_t tdm_group_location_get_range_start(const tdm_group_location *loc
  *  @param location  not null
  *  @param index  from 0 to the number of ranges - 1; 0 for another, which is no failure */
 TDM_API int64_t tdm_group_location_get_range_end(const tdm_group_location *location, int index);
+
+/** @} */
 
 /* ============================================================================================== */
 /* Select sections                                                                                */

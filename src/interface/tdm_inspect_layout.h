@@ -171,9 +171,12 @@ typedef struct tdm_inspect_expression_range {
  *  tdm_inspect_expression_range. */
 TDM_API tdm_arr *tdm_inspect_group_pages(const tdm_group *group);
 
-/*
+/**
+ * @name Locations as they are written
  * Locations as they are written; tdm.h tells them in numbers of the space. An address that
  * isn't one of a memory is meant in the address literal space, if the space has one.
+ *
+ * @{
  */
 
 /** How a location is written, see enum tdm_group_location_form. */
@@ -203,6 +206,8 @@ typedef struct tdm_inspect_location_range {
 /** The ranges of a location, as they are written. @return a new array of
  *  tdm_inspect_location_range; empty for an address. */
 TDM_API tdm_arr *tdm_inspect_group_location_ranges(const tdm_group_location *location);
+
+/** @} */
 
 /* ============================================================================================== */
 /* The environment of a statement                                                                 */

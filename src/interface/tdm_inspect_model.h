@@ -58,9 +58,12 @@ TDM_API int tdm_inspect_core_is_imported(const tdm_core *core);
 /** The cores that this one imports. @return a new array of `tdm_core *`. */
 TDM_API tdm_arr *tdm_inspect_core_imported_cores(const tdm_core *core);
 
-/*
+/**
+ * @name Names that a core mentions
  * The names that layouts, setups and vector tables of a core mention, as often as they do and in
  * the order in which they are met.
+ *
+ * @{
  */
 
 /** Symbols that assignments define. @return a new array of `const char *`. */
@@ -86,13 +89,18 @@ TDM_API tdm_arr *tdm_inspect_core_referenced_names(const tdm_core *core);
  *  in ascending order. */
 TDM_API tdm_arr *tdm_inspect_core_group_names(const tdm_core *core);
 
+/** @} */
+
 /* ============================================================================================== */
 /* Mappings                                                                                       */
 /* ============================================================================================== */
 
-/*
+/**
+ * @name Mappings of an object
  * Each list is a new array of `tdm_mapping *`. A `map` of a bus gives two mappings, one for each
  * direction. Those of a clone space are made by the library and have no place in a file.
+ *
+ * @{
  */
 
 /** Mappings that leave a space, in the order in which a translation tries them. */
@@ -118,6 +126,8 @@ TDM_API tdm_arr *tdm_inspect_memory_incoming_mappings(const tdm_memory *memory);
 
 /** Mappings that come from the definition of a memory. */
 TDM_API tdm_arr *tdm_inspect_memory_own_mappings(const tdm_memory *memory);
+
+/** @} */
 
 /**
  * All of a mapping, with what isn't written filled in. Source and destination are those of a

@@ -39,10 +39,13 @@ TDM_API tdm_mapdestination *tdm_inspect_memory_as_destination(tdm_memory *memory
 /* One mapping                                                                                    */
 /* ============================================================================================== */
 
-/*
+/**
+ * @name One mapping
  * One step over one mapping. Each takes a value in MAUs of the end where the step begins and gives
  * one in MAUs of the other end: 1 and the value in `out`; 0, with `out` as it was, if the mapping
  * doesn't carry it or after a failure. No pointer may be null; `out` may be what is given.
+ *
+ * @{
  */
 
 /** From the source to the destination. */
@@ -62,15 +65,20 @@ TDM_API int tdm_inspect_mapping_map_interval_backward(const tdm_mapping *mapping
                                                       const tdm_interval *interval,
                                                       tdm_interval *out);
 
+/** @} */
+
 /* ============================================================================================== */
 /* From any object                                                                                */
 /* ============================================================================================== */
 
-/*
+/**
+ * @name From any object
  * What the functions tdm_space_map_...() and tdm_memory_map_...() do for spaces and memories, for
  * every object: buses have both directions, and spaces can be reached. `*results` is set to a new
  * array of tdm_map_address_result or tdm_map_interval_result, empty without a route or after a
  * failure. Each returns 1 if there is a route, else 0; no route is no failure.
+ *
+ * @{
  */
 
 /** One step over each mapping that leaves it. The objects are `tdm_mapdestination *`. */
@@ -109,6 +117,8 @@ TDM_API int tdm_inspect_mapdestination_map_addressvalue_backward_to_space(
 TDM_API int tdm_inspect_mapdestination_map_interval_backward_to_space(
     const tdm_mapdestination *destination, const tdm_interval *interval, tdm_arr **results);
 
+/** @} */
+
 /* ============================================================================================== */
 /* Routes                                                                                         */
 /* ============================================================================================== */
@@ -139,13 +149,16 @@ typedef struct tdm_inspect_hop {
   int32_t far_line_high;  /**< the last one, included */
 } tdm_inspect_hop;
 
-/*
+/**
+ * @name Routes
  * All routes, each with all its hops. Each function gives a new array of tdm_inspect_hop by value:
  * the hops of route 0 from the start to the end, then those of route 1, and so on. It is empty
  * without a route or after a failure; no route is no failure, more than a million hops is one.
  *
  * Routes are as many, end where, and stand in the order that the translation of the same name
  * tells them: the last hop of each route is its result.
+ *
+ * @{
  */
 
 /** From a source to all memories. */
@@ -160,6 +173,8 @@ TDM_API tdm_arr *tdm_inspect_addressvalue_routes_back(const tdm_mapdestination *
 /** The same for an interval. */
 TDM_API tdm_arr *tdm_inspect_interval_routes_back(const tdm_mapdestination *destination, int end,
                                                   const tdm_interval *interval);
+
+/** @} */
 
 #ifdef __cplusplus
 }
