@@ -16,6 +16,11 @@ struct Lexeme {
   TDMSourceLocation location;
 
   [[nodiscard]] std::string_view characters() const { return {text, length}; }
+  void set_text(std::string_view characters)
+  {
+    text = characters.data();
+    length = characters.size();
+  }
 };
 
 } // namespace tdm

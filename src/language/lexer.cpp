@@ -13,6 +13,7 @@
 
 #include "language/characters.h"
 #include "language/token.h"
+#include "language/token_texts.h"
 #include "preprocessor/string_pool.h"
 
 namespace {
@@ -24,26 +25,6 @@ using tdm::is_word_character;
 using tdm::is_word_start;
 
 constexpr int eof = antlr::CharScanner::EOF_CHAR;
-
-/// The texts of the types up to DOLLAR; the rules of operators make none.
-constexpr std::array<std::string_view, TDMTokenTypes::DOLLAR + 1> operator_texts = {
-    "",   "",   "",   "",   "",   "[",  "]",  "{",  "}",  "(", ")", "=", ":=", "+",
-    "+=", "-",  "-=", "*=", "/=", "!=", "==", "||", "&&", "&", "~", "*", "/",  "%",
-    ">>", "<<", ">",  "<",  ">=", "<=", "^",  "|",  ",",  ":", ";", "!", "?",  "$"};
-
-/// Each character as a text.
-struct SingleTexts {
-  char text[128][2] = {};
-};
-
-constexpr SingleTexts make_single_texts()
-{
-  SingleTexts texts;
-  for (int c = 0; c < 128; ++c) texts.text[c][0] = static_cast<char>(c);
-  return texts;
-}
-
-constexpr SingleTexts single_texts = make_single_texts();
 
 /// The suffix that the letter stands for when it stands alone, or 0.
 constexpr int suffix_type(int c)
@@ -124,11 +105,10 @@ TDMLexer::TDMLexer(antlr::InputBuffer &buffer) : TDMLexerBase(buffer)
 void TDMLexer::scan(tdm::Lexeme &next)
 {
   try {
-    int type = antlr::Token::SKIP;
-    whole_ = {};
-    while (type == antlr::Token::SKIP) {
+    int type = 0;
+    do {
       if (has_whole_tokens()) {
-        type = quick_token();
+        type = quick_token(next);
         if (type != 0) continue;
         text.clear();
         settle();
@@ -136,11 +116,9 @@ void TDMLexer::scan(tdm::Lexeme &next)
         resetText();
       }
       type = any_token();
-    }
-    const std::string_view characters = whole_.empty() ? lasting_text(type) : whole_;
+      if (type != antlr::Token::SKIP) keep_text(type, next);
+    } while (type == antlr::Token::SKIP);
     next.type = type;
-    next.text = characters.data();
-    next.length = characters.size();
     next.location = place_;
   } catch (antlr::RecognitionException &failure) {
     throw antlr::TokenStreamRecognitionException(failure);
@@ -160,17 +138,14 @@ antlr::RefToken TDMLexer::nextToken()
   return _returnToken;
 }
 
-// The text of a token that the rules have read, in a place where it stays.
-std::string_view TDMLexer::lasting_text(int type) const
+void TDMLexer::keep_text(int type, tdm::Lexeme &next) const
 {
-  if (type <= DOLLAR) return operator_texts[static_cast<std::size_t>(type)];
-  if (text.size() == 1) return single_text(text[0]);
-  return {tdm::intern(text), text.size()};
-}
-
-std::string_view TDMLexer::single_text(int c)
-{
-  return {single_texts.text[c], 1};
+  if (type <= DOLLAR)
+    next.set_text(tdm::operator_texts[static_cast<std::size_t>(type)]);
+  else if (text.size() == 1)
+    next.set_text(tdm::single_text(text[0]));
+  else
+    next.set_text({tdm::intern(text), text.size()});
 }
 
 // Chooses by one character; the rules of operators look at the second one themselves.

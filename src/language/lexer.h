@@ -64,7 +64,7 @@ protected:
       ++state_->column;
   }
 
-  // What the short road asks of the stream. It may only be taken on a stream of whole tokens.
+  // What the short road does with the stream. It may only be taken on a stream of whole tokens.
   [[nodiscard]] bool has_whole_tokens() const { return tokens_ != nullptr; }
   [[nodiscard]] TDMPreprocessedFileInputStream &tokens() { return *tokens_; }
   [[nodiscard]] unsigned int characters_held() const { return held_; }
@@ -78,16 +78,19 @@ protected:
     ahead_[0] = ahead_[1];
     held_ -= count;
   }
+  /// The first character behind a token that has been left out.
+  int look_behind()
+  {
+    held_ = 1;
+    return ahead_[0] = fetch_of_token();
+  }
 
   TDMSourceLocation place_; ///< of the token at hand
 
 private:
-  int fetch()
-  {
-    const int c =
-        tokens_ != nullptr ? tokens_->TDMPreprocessedFileInputStream::getChar() : stream_.getChar();
-    return c < EOF_CHAR ? c & 0xFF : c;
-  }
+  int fetch() { return tokens_ != nullptr ? fetch_of_token() : unsigned_byte(stream_.getChar()); }
+  int fetch_of_token() { return unsigned_byte(tokens_->TDMPreprocessedFileInputStream::getChar()); }
+  static int unsigned_byte(int c) { return c < EOF_CHAR ? c & 0xFF : c; }
 
   [[nodiscard]] TDMSourceLocation stream_place() const
   {
@@ -149,15 +152,13 @@ private:
   [[noreturn]] void no_viable_alternative();
 
   // The short road; these give 0 where the rules have to look at the characters.
-  int quick_token();
-  int whole_token(const tdm::PpToken &token);
-  int whole_text(const tdm::PpToken &token);
+  int quick_token(tdm::Lexeme &next);
+  int whole_token(const tdm::PpToken &token, tdm::Lexeme &next);
+  int whole_text(const tdm::PpToken &token, tdm::Lexeme &next);
   int whole_comment(const tdm::PpToken &token);
-  int single_character(int c);
-  int merged(int type, std::string_view front);
+  int single_character(int c, tdm::Lexeme &next);
+  int merged(int type, std::string_view front, tdm::Lexeme &next);
 
-  [[nodiscard]] std::string_view lasting_text(int type) const;
-  [[nodiscard]] static std::string_view single_text(int c);
-
-  std::string_view whole_; ///< the text of a whole token, which needs no copy; empty for others
+  /// Gives the token the text that the rules have read, in a place where it stays.
+  void keep_text(int type, tdm::Lexeme &next) const;
 };

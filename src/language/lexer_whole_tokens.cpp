@@ -14,6 +14,7 @@
 
 #include "language/characters.h"
 #include "language/lexer.h"
+#include "language/token_texts.h"
 #include "preprocessor/string_pool.h"
 
 namespace {
@@ -80,10 +81,10 @@ struct SingleCharacter {
   std::uint8_t followed_by_equals;
 };
 
-constexpr std::array<SingleCharacter, 128> make_single_characters()
+constexpr std::array<SingleCharacter, 256> make_single_characters()
 {
   using T = TDMTokenTypes;
-  std::array<SingleCharacter, 128> table = {};
+  std::array<SingleCharacter, 256> table = {};
   table['$'] = {T::DOLLAR, 0};
   table['%'] = {T::MOD, 0};
   table['('] = {T::LPAREN, 0};
@@ -126,7 +127,7 @@ bool has_high_byte(std::string_view text)
 
 // The rule of white space ends by looking at the first character of what is behind it. So the place
 // of a token that is a single character is that of the token behind it, if white space came first.
-int TDMLexer::quick_token()
+int TDMLexer::quick_token(tdm::Lexeme &next)
 {
   TDMPreprocessedFileInputStream &stream = tokens();
   const tdm::PpToken *token = &stream.current_token();
@@ -136,8 +137,8 @@ int TDMLexer::quick_token()
     const bool begun = characters_held() == 1 && stream.characters_taken() == 1;
     if (characters_held() == 2 || !is_blank(c)) {
       place_ = stream.place();
-      if (begun) return whole_token(*token);
-      return characters_held() == 1 ? single_character(c) : 0;
+      if (begun) return whole_token(*token, next);
+      return characters_held() == 1 ? single_character(c, next) : 0;
     }
     if (begun) token = &stream.skip_blanks();
     drop_held(1);
@@ -145,82 +146,75 @@ int TDMLexer::quick_token()
   }
   for (; is_blank(*token); behind_blanks = true) token = &stream.skip_blanks();
   place_ = {token->position.file, token->position.line, token->position.column};
-  if (token->length > 1) return whole_token(*token);
-  const int c = LA(1);
+  if (token->length > 1) return whole_token(*token, next);
+  const int c = look_behind();
   if (behind_blanks) place_ = stream.place();
-  return single_character(c);
+  return single_character(c, next);
 }
 
 // The token that comes next; its first character may have been taken, for LA(1).
-int TDMLexer::whole_token(const tdm::PpToken &token)
+int TDMLexer::whole_token(const tdm::PpToken &token, tdm::Lexeme &next)
 {
-  switch (token.number) {
-  case tIDENT:
-  case tICON:
-  case tSTRING:
-    return whole_text(token);
-  case tCOMMENT:
-    return whole_comment(token);
-  default:
-    return 0;
-  }
+  if (token.number == tIDENT || token.number == tICON || token.number == tSTRING)
+    return whole_text(token, next);
+  return token.number == tCOMMENT ? whole_comment(token) : 0;
 }
 
 // A character that has been a token of the preprocessor, in the most frequent forms.
-int TDMLexer::single_character(int c)
+int TDMLexer::single_character(int c, tdm::Lexeme &next)
 {
-  if (c < 0 || c > 127) return 0;
+  if (c < 0) return 0;
   const SingleCharacter &known = single_characters[static_cast<std::size_t>(c)];
   if (known.type == 0) return 0;
-  if (known.followed_by_equals != 0) {
-    const bool both = LA(2) == '=';
-    drop_held(both ? 2 : 1);
-    return both ? known.followed_by_equals : known.type;
-  }
+  next.set_text(tdm::single_text(c));
   drop_held(1);
-  if (known.type != DECIMAL_NUMBER) return known.type;
-  whole_ = single_text(c);
-  return tdm::is_digit(LA(1)) ? merged(known.type, whole_) : known.type;
+  if (known.followed_by_equals != 0) {
+    if (look_behind() != '=') return known.type;
+    drop_held(1);
+    next.set_text(tdm::operator_texts[known.followed_by_equals]);
+    return known.followed_by_equals;
+  }
+  if (known.type == DECIMAL_NUMBER && tdm::is_digit(look_behind()))
+    return merged(known.type, next.characters(), next);
+  return known.type;
 }
 
-int TDMLexer::whole_text(const tdm::PpToken &token)
+int TDMLexer::whole_text(const tdm::PpToken &token, tdm::Lexeme &next)
 {
   const int type = kept_type_of(token);
   if (type == not_whole) return 0;
-  const std::string_view characters = token.view();
+  next.set_text(token.view());
   leave_out_token();
-  whole_ = characters;
-  switch (type) {
-  case STRING:
-    return type;
-  case DECIMAL_NUMBER:
-    return tdm::is_digit(LA(1)) ? merged(type, characters) : type;
-  case OCTAL_NUMBER:
-    return tdm::is_octal_digit(LA(1)) ? merged(type, characters) : type;
-  case HEXADECIMAL_NUMBER:
-    return tdm::is_hex_digit(LA(1)) ? merged(type, characters) : type;
-  default:
-    return tdm::is_word_character(LA(1)) ? merged(type, characters) : type;
-  }
+  if (type == STRING) return type;
+  const int c = look_behind();
+  const bool goes_on = type == DECIMAL_NUMBER       ? tdm::is_digit(c)
+                       : type == OCTAL_NUMBER       ? tdm::is_octal_digit(c)
+                       : type == HEXADECIMAL_NUMBER ? tdm::is_hex_digit(c)
+                                                    : tdm::is_word_character(c);
+  return goes_on ? merged(type, next.characters(), next) : type;
 }
 
 // The token goes on in the next one of the preprocessor.
-int TDMLexer::merged(int type, std::string_view front)
+int TDMLexer::merged(int type, std::string_view front, tdm::Lexeme &next)
 {
   settle();
-  whole_ = {};
   text.assign(front);
   state().column += static_cast<int>(front.size());
   switch (type) {
   case DECIMAL_NUMBER:
-    return decimal_tail();
+    type = decimal_tail();
+    break;
   case OCTAL_NUMBER:
-    return octal_tail();
+    type = octal_tail();
+    break;
   case HEXADECIMAL_NUMBER:
-    return hexadecimal_tail();
+    type = hexadecimal_tail();
+    break;
   default:
-    return word_tail();
+    type = word_tail();
   }
+  keep_text(type, next);
+  return type;
 }
 
 // The preprocessor has found the end of the comment, unless the input ended first; only characters

@@ -42,7 +42,7 @@ struct InputStack {
   TDMInputRecord *innermost_file = nullptr;
   bool has_unread = false; ///< a character that was given back waits outside the blocks
 };
-extern InputStack input_stack;
+[[gnu::visibility("hidden")]] extern InputStack input_stack;
 
 /// Makes the stack. The environment variable `<TOOL NAME>INC` names directories for the search.
 void input_start(std::string_view tool_name);
@@ -89,7 +89,7 @@ struct MainFile {
   const char *name = nullptr;     ///< the first one that #line gave
   std::uint32_t highest_line = 0; ///< so far, under this name
 };
-extern MainFile main_file;
+[[gnu::visibility("hidden")]] extern MainFile main_file;
 
 /// To be called when a newline of the record has been delivered.
 inline void input_note_line(const TDMInputRecord &record)

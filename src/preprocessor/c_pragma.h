@@ -15,7 +15,7 @@ void pragma_start();
 void pragma_end();
 
 /// The vector in force. Only c_pragma.cpp changes it.
-extern const void *pragma_vector;
+[[gnu::visibility("hidden")]] extern const void *pragma_vector;
 
 /// Whether the pragma table has a row of this name.
 [[nodiscard]] bool pragma_known(const char *name);

@@ -1,24 +1,15 @@
-// The quick road to a token: from the bytes at hand, if the token lies in them whole. Whatever
-// these functions can't decide they hand over to by_character().
+// Start and stop of the scanner, and the longer tokens of its quick road (see scanner_block.h).
 #include "preprocessor/c_scanner.h"
 
 #include "preprocessor/c_input.h"
 #include "preprocessor/c_opt.h"
-#include "preprocessor/c_pragma.h"
-#include "preprocessor/c_srcpos.h"
-#include "preprocessor/scanner_parts.h"
+#include "preprocessor/scanner_block.h"
 
 namespace tdm {
 
 ScannerState scanner;
 
 namespace {
-
-// Blanks and tabs come in runs; a longer one makes several tokens.
-constexpr std::size_t longest_run = 32;
-constexpr char blanks[] = "                                ";
-constexpr char tabs[] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
-static_assert(sizeof blanks == longest_run + 1 && sizeof tabs == longest_run + 1);
 
 /// Bytes of a block. The NUL behind the block belongs to no token, so no bound is needed.
 struct BlockSource {
@@ -27,25 +18,6 @@ struct BlockSource {
   [[nodiscard]] int peek() const { return static_cast<unsigned char>(*cursor); }
   void take() { ++cursor; }
 };
-
-inline void place_at_next(TDMInputRecord &record)
-{
-  input_begin_line(record);
-  if (record.kind != TDMInputRecord::file) {
-    scanner.token.position = srcpos_current();
-    return;
-  }
-  tdm_srcpos &position = scanner.token.position;
-  position.file = record.presumed_name;
-  position.line = static_cast<int>(record.presumed_line);
-  position.column = static_cast<int>(record.column + 1);
-  position.pragmas = pragma_vector_current();
-}
-
-bool needs_other_road(const char *cursor)
-{
-  return start_of(*cursor) == Start::special;
-}
 
 // Whether a special byte is no more than itself: no splice, no trigraph, no end of the block.
 bool is_harmless(const char *cursor)
@@ -97,15 +69,14 @@ const char *end_of_line_comment(const char *cursor)
   }
 }
 
-// Ends a token of one line: the record stands behind it.
-inline const PpToken &pass(TDMInputRecord &record, const char *end)
+} // namespace
+
+void place_in_text()
 {
-  record.column += static_cast<std::uint32_t>(end - record.cursor);
-  record.cursor = end;
-  return scanner.token;
+  scanner.token.position = srcpos_current();
 }
 
-[[gnu::noinline]] const PpToken &comment_in_block(TDMInputRecord &record)
+const PpToken &comment_in_block(TDMInputRecord &record)
 {
   const char *begin = record.cursor;
   std::uint32_t lines = 0;
@@ -133,7 +104,7 @@ inline const PpToken &pass(TDMInputRecord &record, const char *end)
   return pass(record, end);
 }
 
-[[gnu::noinline]] const PpToken &punctuator_in_block(TDMInputRecord &record)
+const PpToken &punctuator_in_block(TDMInputRecord &record)
 {
   BlockSource source{record.cursor};
   const int at = match(source);
@@ -157,24 +128,22 @@ inline const PpToken &pass(TDMInputRecord &record, const char *end)
   return pass(record, source.cursor);
 }
 
-[[gnu::noinline]] const PpToken &name_in_block(TDMInputRecord &record)
+const PpToken &quoted_in_block(TDMInputRecord &record, std::size_t prefix)
 {
   const char *begin = record.cursor;
-  const char *end = begin + 1;
-  while (has_part(static_cast<unsigned char>(*end), in_name)) ++end;
-  if (needs_other_road(end)) return by_character();
-  int number = tIDENT;
-  if (start_of(*end) == Start::quote && *begin == 'L' && end == begin + 1) {
-    if ((end = end_of_quoted(end)) == nullptr) return by_character();
-    number = begin[1] == '"' ? tWSTRING : tWCHAR;
-  }
+  const char *end = end_of_quoted(begin + prefix);
+  if (end == nullptr) return by_character();
   place_at_next(record);
-  scanner.token.number = number;
+  const bool is_string = begin[prefix] == '"';
+  if (prefix == 0)
+    scanner.token.number = is_string ? tSTRING : tCHAR;
+  else
+    scanner.token.number = is_string ? tWSTRING : tWCHAR;
   set_interned({begin, static_cast<std::size_t>(end - begin)});
   return pass(record, end);
 }
 
-[[gnu::noinline]] const PpToken &number_in_block(TDMInputRecord &record)
+const PpToken &long_number_in_block(TDMInputRecord &record)
 {
   BlockSource source{record.cursor + 1};
   const int number = read_number(source, *record.cursor == '0', false);
@@ -184,55 +153,6 @@ inline const PpToken &pass(TDMInputRecord &record, const char *end)
   set_interned({record.cursor, static_cast<std::size_t>(source.cursor - record.cursor)});
   return pass(record, source.cursor);
 }
-
-[[gnu::noinline]] const PpToken &quoted_in_block(TDMInputRecord &record)
-{
-  const char *end = end_of_quoted(record.cursor);
-  if (end == nullptr) return by_character();
-  place_at_next(record);
-  scanner.token.number = *record.cursor == '"' ? tSTRING : tCHAR;
-  set_interned({record.cursor, static_cast<std::size_t>(end - record.cursor)});
-  return pass(record, end);
-}
-
-inline const PpToken &blanks_in_block(TDMInputRecord &record)
-{
-  const char first = *record.cursor;
-  const char *end = record.cursor + 1;
-  while (*end == first && end != record.cursor + longest_run) ++end;
-  place_at_next(record);
-  scanner.token.number = tWHITE;
-  set_text(first == ' ' ? blanks : tabs, static_cast<std::size_t>(end - record.cursor));
-  return pass(record, end);
-}
-
-inline const PpToken &single_in_block(TDMInputRecord &record)
-{
-  const auto c = static_cast<std::size_t>(*record.cursor);
-  const int number = recogniser.token[recogniser.next[0][c]];
-  place_at_next(record);
-  scanner.token.number = number;
-  set_text(scanner.texts[number], 1);
-  return pass(record, record.cursor + 1);
-}
-
-inline const PpToken &pass_newline(TDMInputRecord &record)
-{
-  input_note_line(record);
-  record.at_line_start = true;
-  scanner.header_mode = false;
-  return pass(record, record.cursor + 1);
-}
-
-inline const PpToken &newline_in_block(TDMInputRecord &record)
-{
-  place_at_next(record);
-  scanner.token.number = tNEWLINE;
-  set_text(scanner.texts[tNEWLINE], 1);
-  return pass_newline(record);
-}
-
-} // namespace
 
 void scanner_start()
 {
@@ -286,8 +206,8 @@ const tdm::PpToken &scanner_next_token(bool want_text)
 {
   using namespace tdm;
   scanner.want_text = want_text;
-  if (input_stack.top == nullptr || input_stack.has_unread) return by_character();
-  TDMInputRecord &record = *input_stack.top;
+  if (record_with_block() == nullptr) return by_character();
+  TDMInputRecord &record = *record_with_block();
   switch (start_of(*record.cursor)) {
   case Start::name:
     return name_in_block(record);
@@ -315,8 +235,8 @@ const tdm::PpToken &scanner_next_token(bool want_text)
 std::size_t scanner_pass_blanks(bool &newline)
 {
   using namespace tdm;
-  if (input_stack.top == nullptr || input_stack.has_unread) return 0;
-  TDMInputRecord &record = *input_stack.top;
+  if (record_with_block() == nullptr) return 0;
+  TDMInputRecord &record = *record_with_block();
   for (std::size_t passed = 0;; ++passed) {
     const Start start = start_of(*record.cursor);
     if (start != Start::blank && start != Start::newline) return passed;

@@ -32,7 +32,7 @@ void conditionals_stop();
 void skip_memo_enable(bool enabled);
 
 /// The innermost open conditional. Only conditionals.cpp changes it.
-extern TDMConditional *conditional_top;
+[[gnu::visibility("hidden")]] extern TDMConditional *conditional_top;
 
 [[nodiscard]] inline bool conditional_active()
 {

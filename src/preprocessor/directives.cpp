@@ -15,6 +15,7 @@
 #include "preprocessor/escapes.h"
 #include "preprocessor/macro_expand.h"
 #include "preprocessor/macros.h"
+#include "preprocessor/scanner_block.h"
 #include "preprocessor/source_directives.h"
 #include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
@@ -358,6 +359,48 @@ inline bool passes(const PpToken &token, bool from_list, bool expand)
   return true;
 }
 
+// Makes of a token of the scanner what an active group hands out for it.
+const PpToken &pass_on(const PpToken &token, bool expand)
+{
+  return passes(token, false, expand) ? token : read_on(&token, false, expand);
+}
+
+// The read step for what doesn't lie whole in a block, or isn't text of an active group.
+[[gnu::noinline]] const PpToken &next_on_other_road(bool expand)
+{
+  if (state.in_directive || !conditional_active()) return read_on(nullptr, false, expand);
+  if (list_stack_empty()) {
+    expansion_work.allowed += expansion_per_token;
+    return pass_on(scanner_next_token(), expand);
+  }
+  if (!list_next_plain(state.token)) return read_on(nullptr, false, expand);
+  return passes(state.token, true, expand) ? state.token : read_on(&state.token, true, expand);
+}
+
+// Apart, each of them, so that the read step itself needs no registers to be saved.
+[[gnu::noinline]] const PpToken &next_name(TDMInputRecord &record, bool expand)
+{
+  scanner.want_text = true;
+  return pass_on(name_in_block(record), expand);
+}
+
+[[gnu::noinline]] const PpToken &next_number(TDMInputRecord &record)
+{
+  scanner.want_text = true;
+  return number_in_block(record);
+}
+
+[[gnu::noinline]] const PpToken &next_punctuator(TDMInputRecord &record, bool expand)
+{
+  const PpToken *const token = short_punctuator_in_block(record);
+  return pass_on(token != nullptr ? *token : scanner_next_token(), expand);
+}
+
+[[gnu::noinline]] const PpToken &next_other(bool expand)
+{
+  return pass_on(scanner_next_token(), expand);
+}
+
 } // namespace
 
 void directives_start()
@@ -443,12 +486,28 @@ void pp_pass_blanks()
 const tdm::PpToken &pp_next_token(bool expand)
 {
   using namespace tdm;
-  if (state.in_directive || !conditional_active()) return read_on(nullptr, false, expand);
-  if (list_stack_empty()) {
-    const PpToken &token = scanner_next_token();
-    expansion_work.allowed += expansion_per_token;
-    return passes(token, false, expand) ? token : read_on(&token, false, expand);
+  TDMInputRecord *const record = record_with_block();
+  if (record == nullptr || record->kind != TDMInputRecord::file || state.in_directive ||
+      !conditional_active() || !list_stack_empty())
+    return next_on_other_road(expand);
+  expansion_work.allowed += expansion_per_token;
+  switch (start_of(*record->cursor)) {
+  case Start::blank:
+    return blanks_in_block(*record);
+  case Start::newline:
+    state.at_line_start = true;
+    return newline_in_block(*record);
+  case Start::single:
+    state.at_line_start = false;
+    return single_in_block(*record);
+  case Start::name:
+    return next_name(*record, expand);
+  case Start::number:
+    state.at_line_start = false;
+    return next_number(*record);
+  case Start::other:
+    return next_punctuator(*record, expand);
+  default:
+    return next_other(expand);
   }
-  if (!list_next_plain(state.token)) return read_on(nullptr, false, expand);
-  return passes(state.token, true, expand) ? state.token : read_on(&state.token, true, expand);
 }

@@ -24,7 +24,7 @@ bool list_next(PpToken &token);
 bool list_next_plain(PpToken &token);
 
 /// The number of lists on the stack.
-extern std::size_t list_count;
+[[gnu::visibility("hidden")]] extern std::size_t list_count;
 [[nodiscard]] inline bool list_stack_empty()
 {
   return list_count == 0;
@@ -44,7 +44,7 @@ struct ExpansionWork {
   std::uint64_t done;
   std::uint64_t allowed;
 };
-extern ExpansionWork expansion_work;
+[[gnu::visibility("hidden")]] extern ExpansionWork expansion_work;
 constexpr std::uint64_t expansion_limit = 1 << 22;
 constexpr std::uint64_t expansion_per_token = 64;
 

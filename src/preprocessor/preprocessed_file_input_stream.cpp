@@ -6,7 +6,6 @@
 #include "preprocessor/c_pragma.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/c_srcpos.h"
-#include "preprocessor/directives.h"
 #include "preprocessor/macro_expand.h"
 #include "preprocessor/macros.h"
 #include "preprocessor/predefinition.h"
@@ -87,10 +86,7 @@ const tdm::PpToken &TDMPreprocessedFileInputStream::skip_blanks()
   return skip_token();
 }
 
-void TDMPreprocessedFileInputStream::fetch_token()
+void TDMPreprocessedFileInputStream::pass_empty_tokens()
 {
-  do token_ = &pp_next_token(true);
-  while (token_->length == 0 && token_->number != tEOF);
-  text_ = token_->text;
-  text_end_ = text_ + token_->length;
+  while (token_->length == 0 && token_->number != tEOF) token_ = &pp_next_token(true);
 }

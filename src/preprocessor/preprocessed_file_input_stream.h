@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/source_location.h"
+#include "preprocessor/directives.h"
 #include "preprocessor/pp_token.h"
 #include "preprocessor/tdm_input_buffer.h"
 
@@ -66,7 +67,14 @@ public:
 
 private:
   void start(const std::vector<std::string> &files);
-  void fetch_token();
+  void fetch_token()
+  {
+    token_ = &pp_next_token(true);
+    if (token_->length == 0) pass_empty_tokens();
+    text_ = token_->text;
+    text_end_ = text_ + token_->length;
+  }
+  void pass_empty_tokens();
 
   const tdm::PpToken *token_ = nullptr;
   const char *text_ = nullptr; ///< the rest of the token's text; empty only at the end of input

@@ -1,6 +1,5 @@
 // What the two roads of the scanner share: how bytes are classed, the recogniser's loop, the rules
-// of numbers and digraphs, and the state. Only c_scanner.cpp and scanner_by_character.cpp look in
-// here.
+// of numbers and digraphs, and the state. Nothing but the roads themselves looks in here.
 #pragma once
 
 #include <array>
@@ -86,7 +85,7 @@ struct ScannerState {
   bool line_comments;
   bool want_text;
 };
-extern ScannerState scanner;
+[[gnu::visibility("hidden")]] extern ScannerState scanner;
 
 /// Reads a token by logical characters, whatever is in it.
 const PpToken &by_character();

@@ -1,21 +1,30 @@
-// One hashtab over an arena. The hash function is one of our own that takes eight bytes at a time:
-// a text is interned for nearly every token that is read, so this is one of the busiest places of
-// a parse.
+// An index over an arena, with a hash function that takes eight bytes at a time: a text is interned
+// for nearly every token that is read, so this is one of the busiest places of a parse.
+//
+// The index is open-addressed with a power of two of slots, and keeps the whole hash next to each
+// text, so that a search looks at one text only and growing looks at none.
 #include "preprocessor/string_pool.h"
 
+#include <cstdlib>
 #include <cstring>
 
 #include "preprocessor/c_memory.h"
-#include "preprocessor/hashtab.h"
+#include "preprocessor/orderly_stop.h"
 
 namespace tdm {
 
 namespace {
 
+struct Slot {
+  std::uint64_t hash;
+  const char *text; ///< null where the slot is free
+};
+
 struct {
   MemoryArena arena;
-  hashtab table;
-  bool started = false;
+  Slot *slots = nullptr; ///< at least a third of them is free
+  std::size_t mask = 0;  ///< their number less one
+  std::size_t used = 0;
 } pool;
 
 std::uint64_t load(const char *bytes, std::size_t count)
@@ -26,7 +35,7 @@ std::uint64_t load(const char *bytes, std::size_t count)
 }
 
 // Up to eight bytes without a call and without reading past either end.
-std::uint64_t load_short(const char *bytes, std::size_t count)
+[[gnu::always_inline]] inline std::uint64_t load_short(const char *bytes, std::size_t count)
 {
   if (count >= 4) return load(bytes, 4) << 32 | load(bytes + count - 4, 4);
   if (count == 0) return 0;
@@ -44,29 +53,57 @@ std::uint64_t mix(std::uint64_t h, std::uint64_t word)
   return h ^ h >> 32;
 }
 
-std::uint32_t hash_text(std::string_view text)
+std::uint64_t hash_text(std::string_view text)
 {
   const char *bytes = text.data();
   std::size_t left = text.size();
   std::uint64_t h = left;
   for (; left > 8; bytes += 8, left -= 8) h = mix(h, load(bytes, 8));
-  return static_cast<std::uint32_t>(mix(h, load_short(bytes, left)));
+  return mix(h, load_short(bytes, left));
 }
 
-std::uint32_t hash_of_pooled(const void *text)
+// Whether the text of the pool has these bytes; its length is looked at first.
+bool equal(const char *pooled_text, std::string_view text)
 {
-  return pooled(static_cast<const char *>(text)).hash;
+  if (pooled(pooled_text).length != text.size()) return false;
+  const char *bytes = text.data();
+  std::size_t left = text.size();
+  for (; left > 8; bytes += 8, pooled_text += 8, left -= 8)
+    if (load(bytes, 8) != load(pooled_text, 8)) return false;
+  return load_short(bytes, left) == load_short(pooled_text, left);
 }
 
-const char *add(std::string_view text, std::uint32_t hash)
+void allocate_slots(std::size_t count)
+{
+  pool.slots = static_cast<Slot *>(std::calloc(count, sizeof(Slot)));
+  if (pool.slots == nullptr) stop_no_memory("hashtab_calloc: Cannot allocate memory.\n");
+  pool.mask = count - 1;
+}
+
+void grow()
+{
+  Slot *const old = pool.slots;
+  const std::size_t count = pool.mask + 1;
+  allocate_slots(count * 2);
+  for (const Slot *slot = old; slot != old + count; ++slot) {
+    if (slot->text == nullptr) continue;
+    std::size_t place = slot->hash & pool.mask;
+    while (pool.slots[place].text != nullptr) place = (place + 1) & pool.mask;
+    pool.slots[place] = *slot;
+  }
+  std::free(old);
+}
+
+[[gnu::noinline]] const char *add(std::string_view text, std::uint64_t hash, std::size_t place)
 {
   auto *record = static_cast<PooledText *>(
       pool.arena.allocate(sizeof(PooledText) + ((text.size() + 8) & ~std::size_t{7})));
-  record->hash = hash;
+  record->hash = static_cast<std::uint32_t>(hash);
   record->length = text.size();
   char *copy = reinterpret_cast<char *>(record + 1);
   if (!text.empty()) std::memcpy(copy, text.data(), text.size()); // zero-filled: terminated
-  hashtab_insert(&pool.table, copy);
+  pool.slots[place] = {hash, copy};
+  if (++pool.used * 3 > pool.mask * 2) grow();
   return copy;
 }
 
@@ -74,35 +111,30 @@ const char *add(std::string_view text, std::uint32_t hash)
 
 void string_pool_start()
 {
-  if (pool.started) return;
-  pool.table.hash = hash_of_pooled;
-  hashtab_prepare(pool.table);
-  pool.started = true;
+  if (pool.slots == nullptr) allocate_slots(1024);
 }
 
 void string_pool_end()
 {
-  hashtab_free(pool.table);
+  std::free(pool.slots);
+  pool.slots = nullptr;
+  pool.mask = pool.used = 0;
   pool.arena.clear();
-  pool.started = false;
 }
 
 bool string_pool_started()
 {
-  return pool.started;
+  return pool.slots != nullptr;
 }
 
 const char *intern(std::string_view text)
 {
-  if (text.data() == nullptr) text = "";
-  const std::uint32_t hash = hash_text(text);
-  const void *found = hashtab_search(pool.table, hash, [=](const void *entry) {
-    const auto *candidate = static_cast<const char *>(entry);
-    const PooledText &record = pooled(candidate);
-    return record.hash == hash && record.length == text.size() &&
-           std::memcmp(candidate, text.data(), text.size()) == 0;
-  });
-  return found != nullptr ? static_cast<const char *>(found) : add(text, hash);
+  const std::uint64_t hash = hash_text(text);
+  std::size_t place = hash & pool.mask;
+  for (; pool.slots[place].text != nullptr; place = (place + 1) & pool.mask)
+    if (pool.slots[place].hash == hash && equal(pool.slots[place].text, text))
+      return pool.slots[place].text;
+  return add(text, hash, place);
 }
 
 } // namespace tdm

@@ -183,6 +183,6 @@ struct Recogniser {
   std::array<std::uint8_t, state_count> token;                 ///< the token that ends here, or 0
 };
 
-extern const Recogniser recogniser;
+[[gnu::visibility("hidden")]] extern const Recogniser recogniser;
 
 } // namespace tdm
