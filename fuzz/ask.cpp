@@ -100,6 +100,25 @@ void translate(const tdm_memory *memory, Lines &out)
   });
 }
 
+/// What stands behind the first equals signs, as expressions in the scope of the space.
+void read_expressions(const tdm_spec *spec, const tdm_space *space, std::string_view text,
+                      Lines &out)
+{
+  for (int i = 0; i < 6; ++i) {
+    const std::size_t begin = text.find('=');
+    if (begin == text.npos) return;
+    text.remove_prefix(begin + 1);
+    const std::string piece(text.substr(0, text.find_first_of(i % 2 == 0 ? ";" : ",;")));
+    tdm_expression *expression = tdm_inspect_parse_expression(spec, space, piece.c_str(), nullptr);
+    std::int64_t value = 0;
+    if (expression == nullptr)
+      out.push_back(tdm_get_last_error());
+    else if (tdm_inspect_expression_evaluate(expression, nullptr, nullptr, &value) != 0)
+      out.push_back(std::to_string(value));
+    tdm_inspect_expression_delete(expression);
+  }
+}
+
 Lines answers(std::string_view text)
 {
   Lines out;
@@ -112,6 +131,7 @@ Lines answers(std::string_view text)
       for (const tdm_core *core : take<tdm_core *>(tdm_processor_get_cores(processor)))
         for (tdm_space *space : take<tdm_space *>(tdm_core_get_spaces(core))) {
           translate(space, out);
+          read_expressions(spec, space, text, out);
           for (const Lines &options :
                {Lines{sections, "exists=.text,x1"}, Lines{"without_expressions"}})
             for (std::string &line : cases::read_space(space, options))

@@ -1,14 +1,21 @@
-// The additive readers of expressions: their text, and their value against a table of callbacks.
+// The additive readers of expressions: from a text of the caller's, their own text, and their value
+// against a table of callbacks.
 #include <cstdlib>
 #include <limits>
 #include <new>
+#include <vector>
 
+#include "common/failures.h"
 #include "expressions/expression.h"
 #include "expressions/expression_env.h"
+#include "expressions/expression_tree.h"
 #include "expressions/source_text.h"
 #include "interface/guard.h"
 #include "interface/tdm_inspect_expression.h"
 #include "interface/values.h"
+#include "model/space_expression.h"
+#include "model/spec.h"
+#include "preprocessor/preprocessor.h"
 
 using tdm::guarded;
 using tdm::guarded_array;
@@ -103,6 +110,38 @@ std::uint32_t *Environment::located_data(const TDMSourceLocation &, std::int64_t
   return nullptr;
 }
 
+/// A copy, which keeps no value from before and leaves none behind. Copies of their own accord have
+/// few locations; this one fails at the same places as the expression.
+std::unique_ptr<TDMExpression> located_copy(const TDMExpression &expression)
+{
+  std::unique_ptr<TDMExpression> copy = expression.clone();
+  copy->sourceLocations = expression.sourceLocations;
+  std::vector<const TDMExpression *> nodes;
+  tdm::ExpressionTree::run(expression, [&](const TDMExpression &node) {
+    nodes.push_back(&node);
+    return true;
+  });
+  auto node = nodes.begin();
+  tdm::ExpressionTree::run(*copy, [&](TDMExpression &same) {
+    if (node == nodes.end()) return false;
+    same.sourceLocations = (*node++)->sourceLocations;
+    return true;
+  });
+  return copy;
+}
+
+tdm_inspect_quantity quantity_of(const tdm::Quantity &quantity)
+{
+  switch (quantity.kind) {
+  case tdm::Quantity::Kind::address:
+    return {TDM_QUANTITY_ADDRESS, quantity.mau};
+  case tdm::Quantity::Kind::size:
+    return {TDM_QUANTITY_SIZE, quantity.mau};
+  default:
+    return {TDM_QUANTITY_NUMBER, 0};
+  }
+}
+
 /// Calls with the environment that the table stands for, null for none.
 template <class Call>
 auto with_environment(const tdm_inspect_environment *table, void *user, Call call)
@@ -113,6 +152,22 @@ auto with_environment(const tdm_inspect_environment *table, void *user, Call cal
 }
 
 } // namespace
+
+tdm_expression *tdm_inspect_parse_expression(const tdm_spec *spec, const tdm_space *space,
+                                             const char *text, tdm_inspect_quantity *quantity)
+{
+  return guarded([&] {
+    if (!tdm::preprocessor_started()) throw new TDMFileException("tdm_init has not been called");
+    tdm::SpaceExpression read = tdm::expression_in_space(*tdm::handle(spec), *space, text);
+    if (quantity != nullptr) *quantity = quantity_of(read.quantity);
+    return read.expression.release();
+  });
+}
+
+void tdm_inspect_expression_delete(tdm_expression *expression)
+{
+  delete expression;
+}
 
 const char *tdm_inspect_expression_text(const tdm_expression *expression)
 {
@@ -126,8 +181,7 @@ int tdm_inspect_expression_evaluate(const tdm_expression *expression,
                                     int64_t *value)
 {
   return guarded([&] {
-    // Of a copy, which keeps no value from before and leaves none behind.
-    const std::unique_ptr<TDMExpression> copy = expression->clone();
+    const std::unique_ptr<TDMExpression> copy = located_copy(*expression);
     *value = with_environment(environment, user,
                               [&](TDMExpressionEnv *env) { return copy->compute(env); });
     return 1;
@@ -149,7 +203,7 @@ tdm_arr *tdm_inspect_expression_data_ranges(const tdm_expression *expression,
                                             const tdm_inspect_environment *environment, void *user)
 {
   return guarded_array<tdm_inspect_data_range>([&] {
-    const std::unique_ptr<TDMExpression> copy = expression->clone();
+    const std::unique_ptr<TDMExpression> copy = located_copy(*expression);
     TDMExpression::DataRanges ranges;
     with_environment(environment, user,
                      [&](TDMExpressionEnv *env) { copy->collect_data_ranges(env, ranges); });

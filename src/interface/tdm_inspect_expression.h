@@ -1,6 +1,7 @@
-/*
- * Expressions: as text, and their values with all the data of a located program. Part of
- * <tdm_c/tdm_inspect.h>.
+/**
+ * @file
+ * Expressions: those of the model and those of a caller, as text, and their values with all the
+ * data of a located program. Part of <tdm_c/tdm_inspect.h>.
  *
  * The conventions of tdm.h and of <tdm_c/tdm_inspect_model.h> hold. Values are signed numbers of
  * 64 bits; arithmetic wraps.
@@ -16,6 +17,47 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** What a value counts. */
+enum tdm_quantity_kind {
+  TDM_QUANTITY_NUMBER,  /**< nothing, or nothing that the text tells */
+  TDM_QUANTITY_ADDRESS, /**< an address of the space */
+  TDM_QUANTITY_SIZE     /**< a size, or the distance of two addresses */
+};
+
+/** What the value of an expression counts, as far as its `addressof` and `sizeof` tell. */
+typedef struct tdm_inspect_quantity {
+  int32_t kind;     /**< see enum tdm_quantity_kind */
+  int32_t mau_size; /**< bits of the units of an address or a size; 0 for a number */
+} tdm_inspect_quantity;
+
+/**
+ * Reads an expression of the caller's, as it could stand in a section layout of a space.
+ *
+ * Its names are those that a layout for the space in the processor's own derivative would have: the
+ * parameters of that derivative with the arguments that the processor gave, memories of the
+ * processor, and the global ones too. `addressof(mem:...)` is an address of the space, -1 doesn't
+ * occur: a memory that the space doesn't reach is a failure. There are no macros and no directives;
+ * comments and line ends are white space.
+ *
+ * @param spec      that the space belongs to; not null
+ * @param space     where the expression is meant; not null
+ * @param text      all of it has to be one expression; not null. Not kept.
+ * @param quantity  receives what the value counts; may be null. Left as it is after a failure.
+ * @return a new expression, which the caller ends with tdm_inspect_expression_delete(); null after
+ *         a failure. It doesn't refer to the spec: what its names mean is found now. It may be used
+ *         until tdm_cleanup().
+ *
+ * A failure gives places in a file of the name "<expression>": line and column, in bytes, of the
+ * text. So does one of the evaluation.
+ */
+TDM_API tdm_expression *tdm_inspect_parse_expression(const tdm_spec *spec, const tdm_space *space,
+                                                     const char *text,
+                                                     tdm_inspect_quantity *quantity);
+
+/** Ends an expression of tdm_inspect_parse_expression(), and no other.
+ *  @param expression  null does nothing */
+TDM_API void tdm_inspect_expression_delete(tdm_expression *expression);
 
 /**
  * An expression as source text, with the parentheses that it needs and no others: read again, it is
@@ -88,6 +130,7 @@ TDM_API int tdm_inspect_expression_evaluate(const tdm_expression *expression,
  *
  * @param expression   not null
  * @param environment  null or without that entry: no symbol is confirmed
+ * @param user         handed to that entry
  * @return 1 or 0; 0 after a failure
  */
 TDM_API int tdm_inspect_expression_refers_to_defined(const tdm_expression *expression,
@@ -96,8 +139,8 @@ TDM_API int tdm_inspect_expression_refers_to_defined(const tdm_expression *expre
 
 /** From where to where an expression needs located data, in MAUs; the last one isn't part of it. */
 typedef struct tdm_inspect_data_range {
-  int64_t start;
-  int64_t end;
+  int64_t start; /**< first address */
+  int64_t end;   /**< first address behind it */
 } tdm_inspect_data_range;
 
 /**

@@ -57,7 +57,8 @@ antlr::LexerSharedInputState shared_state(antlr::InputBuffer &buffer)
 
 TDMLexerBase::TDMLexerBase(antlr::InputBuffer &buffer)
     : CharScanner(shared_state(buffer), true), stream_(dynamic_cast<TDMInputBuffer &>(buffer)),
-      tokens_(dynamic_cast<TDMPreprocessedFileInputStream *>(&stream_)), state_(inputState.get())
+      tokens_(dynamic_cast<TDMPreprocessedFileInputStream *>(&stream_)),
+      expression_(dynamic_cast<const tdm::ExpressionStream *>(&stream_)), state_(inputState.get())
 {
 }
 

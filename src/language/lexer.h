@@ -13,6 +13,7 @@
 
 #include <antlr/CharScanner.hpp>
 
+#include "language/expression_stream.h"
 #include "language/lexeme.h"
 #include "language/token_types.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
@@ -95,11 +96,13 @@ private:
   [[nodiscard]] TDMSourceLocation stream_place() const
   {
     if (tokens_ != nullptr) return tokens_->place();
+    if (expression_ != nullptr) return expression_->place(held_);
     return {stream_.getFile(), stream_.getLine(), stream_.getColumn()};
   }
 
   TDMInputBuffer &stream_;
-  TDMPreprocessedFileInputStream *tokens_; ///< the same stream, if it has whole tokens; or null
+  TDMPreprocessedFileInputStream *tokens_;  ///< the same stream, if it has whole tokens; or null
+  const tdm::ExpressionStream *expression_; ///< the same stream, if it is one; or null
   antlr::LexerInputState *state_; ///< that of the scanner, without the way over its counter
   const char *file_ = "";         ///< the same text as the state's file name
   int ahead_[2] = {};

@@ -7,10 +7,12 @@
 #include <antlr/TokenStreamIOException.hpp>
 #include <antlr/TokenStreamRecognitionException.hpp>
 
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 
 #include "common/failures.h"
+#include "language/expression_stream.h"
 #include "language/lexer.h"
 #include "language/parser.h"
 #include "language/token.h"
@@ -50,12 +52,14 @@ Failure at_next_token(TDMParser &parser, const std::string &text)
 }
 
 /// Runs the parser; null, and a failure, if the text can't be read.
-std::unique_ptr<TDMFileInterface> run(TDMInputBuffer &stream, std::optional<Failure> &failure)
+template <class Result>
+std::unique_ptr<Result> run(TDMInputBuffer &stream, std::unique_ptr<Result> (TDMParser::*rule)(),
+                            std::optional<Failure> &failure)
 {
   TDMLexer lexer(stream);
   TDMParser parser(lexer);
   try {
-    return parser.target_file();
+    return (parser.*rule)();
   } catch (const antlr::MismatchedTokenException &exception) {
     failure = at_token(exception);
   } catch (const antlr::NoViableAltException &exception) {
@@ -89,14 +93,39 @@ void require_distinct_architectures(const TDMFileInterface &result)
   }
 }
 
+/// A failure at the semicolon behind the expression, or at what an open comment makes of it, is
+/// told in words that speak of the text alone.
+void settle_at_end(Failure &failure, const TDMSourceLocation &end)
+{
+  const bool inside =
+      failure.line < end.line || (failure.line == end.line && failure.column < end.column);
+  if (!inside) failure = {failure.file, end.line, end.column, "unexpected end of the expression"};
+}
+
+[[noreturn]] void throw_failure(const Failure &failure)
+{
+  throw new TDMFileSyntaxError(failure.file, failure.line, failure.column, failure.text);
+}
+
 } // namespace
 
 std::unique_ptr<TDMFileInterface> parse_target_file(TDMInputBuffer &stream)
 {
   std::optional<Failure> failure;
-  std::unique_ptr<TDMFileInterface> result = run(stream, failure);
-  if (failure)
-    throw new TDMFileSyntaxError(failure->file, failure->line, failure->column, failure->text);
+  std::unique_ptr<TDMFileInterface> result = run(stream, &TDMParser::target_file, failure);
+  if (failure) throw_failure(*failure);
   if (result) require_distinct_architectures(*result);
   return result;
+}
+
+tdm::ExpressionPtr tdm::parse_expression(std::string_view text)
+{
+  ExpressionStream stream(text);
+  std::optional<Failure> failure;
+  ExpressionPtr result = run(stream, &TDMParser::single_expression, failure);
+  if (result != nullptr) return result;
+  const TDMSourceLocation end = stream.end();
+  Failure told = failure.value_or(Failure{end.file, end.line, end.column, ""});
+  settle_at_end(told, end);
+  throw_failure(told);
 }

@@ -44,8 +44,10 @@ class TDMParser final : public antlr::LLkParser, public TDMTokenTypes {
 public:
   explicit TDMParser(TDMLexer &lexer) : LLkParser(shared_state(lexer), 2), lexer_(lexer) {}
 
-  /// target_file: the one entry.
+  /// target_file: all of a description.
   std::unique_ptr<TDMFileInterface> target_file();
+  /// An expression that is all of the input but for a semicolon behind it.
+  tdm::ExpressionPtr single_expression();
 
   // The window of two tokens that takes the place of the runtime's queue. Tokens are fetched when
   // they are looked at, not when the one before is consumed; `i` is 1 or 2.

@@ -77,6 +77,14 @@ tdm::ExpressionPtr TDMParser::expression()
                                               std::move(second));
 }
 
+// single_expression: expression ";" EOF
+tdm::ExpressionPtr TDMParser::single_expression()
+{
+  tdm::ExpressionPtr result = expression();
+  if (!at(SEMICOLON) || LA(2) != EOF_) no_viable_alternative();
+  return result;
+}
+
 // logical_or:     logical_and ("||" logical_and)*
 // logical_and:    bitwise_or ("&&" bitwise_or)*
 // bitwise_or:     bitwise_xor ("|" bitwise_xor)*

@@ -89,6 +89,9 @@ public:
     }
   }
 
+  /// The scope of the first level; the instance is done then.
+  [[nodiscard]] ArgumentScope take_parameters() { return std::move(chain_.front().scope); }
+
 private:
   DerivativeLevel bind(const TDMFileDerivative &record, const Arguments &arguments)
   {
@@ -222,6 +225,7 @@ void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
   memory_index_.build(memories, [](const TDMMemory &memory) { return memory.full_name(); });
   instance.resolve();
   instance.add_section_items(registry);
+  parameters = instance.take_parameters();
   for (const auto &core : cores) core->check();
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "expressions/argument_scope.h"
 #include "model/clone_space_registry.h"
 #include "model/core.h"
 #include "model/memory.h"
@@ -50,6 +51,9 @@ struct TDMProcessor : TDMObject {
   std::vector<std::unique_ptr<TDMCore>> cores;
   std::vector<std::unique_ptr<TDMBus>> buses;
   std::vector<std::unique_ptr<TDMMemory>> memories;
+  /// Of its derivative, not of the bases, with copies of what they are bound to: for expressions
+  /// that a caller brings after the parse.
+  tdm::ArgumentScope parameters;
 
 private:
   void instantiate(const TDMFileDerivative &derivative,

@@ -137,6 +137,18 @@ void SectionItems::apply_setup(const TDMFileSectionSetup &record, const Argument
   });
 }
 
+std::unique_ptr<TDMExpression> SectionItems::translate(const TDMFileExpression &record,
+                                                       const Target &target,
+                                                       const ArgumentScope &scope,
+                                                       const TDMSourceLocation &place)
+{
+  std::unique_ptr<TDMExpression> expression;
+  with_context(target, scope, [&](const LayoutContext &context) {
+    expression = tdm_translate_expression(&record, context.scope, place);
+  });
+  return expression;
+}
+
 void SectionItems::add_reserved_ranges(const TDMFileSectionSetup &record,
                                        const ArgumentScope &scope, TDMSpace &space)
 {

@@ -2,11 +2,14 @@
 // they name.
 #pragma once
 
+#include <memory>
 #include <string>
 
+#include "expressions/expression.h"
 #include "model/section_targets.h"
 
 class TDMFileCopyTable;
+class TDMFileExpression;
 
 namespace tdm {
 
@@ -21,9 +24,15 @@ public:
   /// Adds to what the space has from its own definition, item by item in a fixed order.
   void apply_setup(const TDMFileSectionSetup &record, const ArgumentScope &scope);
 
-private:
   using Target = SectionTargets::Target;
 
+  /// An expression as a layout of the target has it.
+  [[nodiscard]] std::unique_ptr<TDMExpression> translate(const TDMFileExpression &record,
+                                                         const Target &target,
+                                                         const ArgumentScope &scope,
+                                                         const TDMSourceLocation &place);
+
+private:
   template <class Build>
   void with_context(const Target &target, const ArgumentScope &scope, Build build);
   static void add_reserved_ranges(const TDMFileSectionSetup &record, const ArgumentScope &scope,
