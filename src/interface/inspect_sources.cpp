@@ -7,6 +7,7 @@
 #include "interface/input.h"
 #include "interface/tdm_inspect_source.h"
 #include "interface/values.h"
+#include "preprocessor/c_input.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/source_files.h"
@@ -75,6 +76,19 @@ tdm_arr *tdm_inspect_include_chain(const tdm_srcpos *position)
     }
     return tdm::array_of(chain, [](const tdm_srcpos &place) { return place; });
   });
+}
+
+int tdm_inspect_reading(tdm_srcpos *out)
+{
+  // No guard: nothing here takes memory or throws, so that a signal handler may ask.
+  if (const char *name = tdm::opening_file()) {
+    *out = {name, 0, 0, nullptr};
+    return 1;
+  }
+  const TDMInputRecord *record = tdm::reading_file();
+  if (record == nullptr) return 0;
+  *out = {record->file_name, static_cast<int>(record->physical_line), 0, nullptr};
+  return 1;
 }
 
 int tdm_limits_set(int limit, int64_t value)

@@ -53,6 +53,18 @@ TDM_API tdm_arr *tdm_inspect_source_files(void);
  */
 TDM_API tdm_arr *tdm_inspect_include_chain(const tdm_srcpos *position);
 
+/**
+ * What a parse or a token stream is reading at this moment. It only looks, and takes no memory: a
+ * signal handler, a handler of exit() or one for exhausted memory may ask, in the thread that
+ * reads, to tell where time or memory came to an end.
+ *
+ * @param out  receives the name that the file was opened by, which is valid until tdm_cleanup(),
+ *             and the line as the file counts it; 0 while the file is being opened. Column and
+ *             pragmas are none. Not null. Left as it is without an answer.
+ * @return 1, or 0 if no file is being read
+ */
+TDM_API int tdm_inspect_reading(tdm_srcpos *out);
+
 /* ============================================================================================== */
 /* Limits                                                                                         */
 /* ============================================================================================== */

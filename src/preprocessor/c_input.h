@@ -83,6 +83,8 @@ inline void input_begin_line(TDMInputRecord &record)
 [[nodiscard]] const TDMInputRecord *reading_file();
 /// Its index among the source files, or -1.
 [[nodiscard]] std::int32_t reading_source();
+/// The name of the file that is being opened, which may take its time; null for none.
+[[nodiscard]] const char *opening_file();
 
 /// What #line has to do with the position of the end of input.
 struct MainFile {

@@ -32,6 +32,7 @@ struct {
   std::vector<std::string> environment_directories;
   std::vector<InputListener> listeners;
   int open_files;
+  const char *opening;
 } state;
 
 // "a;b,c" as it stands in the environment; empty pieces name no directory.
@@ -71,6 +72,15 @@ ssize_t read_fully(int handle, char *buffer, std::size_t size)
 
 constexpr std::size_t first_read = 32768;
 
+/// Names the file while it is opened and begun: a pipe that nobody writes keeps one waiting.
+class OpeningFile {
+public:
+  explicit OpeningFile(const char *name) { state.opening = name; }
+  ~OpeningFile() { state.opening = nullptr; }
+  OpeningFile(const OpeningFile &) = delete;
+  OpeningFile &operator=(const OpeningFile &) = delete;
+};
+
 std::string local_directory()
 {
   const TDMInputRecord *record = reading_file();
@@ -90,6 +100,7 @@ void input_files_start(std::string_view tool_name)
   std::transform(variable.begin(), variable.end(), variable.begin(), upper);
   variable += "INC";
   state.environment_directories.clear();
+  state.opening = nullptr;
   if (const char *value = std::getenv(variable.c_str())) cut_directories(value);
 }
 
@@ -97,6 +108,11 @@ void input_files_stop()
 {
   internal_check(state.listeners.empty());
   state.environment_directories.clear();
+}
+
+const char *opening_file()
+{
+  return state.opening;
 }
 
 void input_close_handle(int handle)
@@ -112,6 +128,7 @@ bool input_open_file(const char *name)
   using namespace tdm;
   input_flush_unread();
   if (state.open_files >= most_open_files) return refuse(name);
+  const OpeningFile opening(name);
   const int handle = ::open(name, O_RDONLY | O_CLOEXEC | O_NOCTTY);
   if (handle < 0 && (errno == ENOENT || errno == ENOTDIR)) return false;
   if (handle < 0) return refuse(name);

@@ -64,12 +64,24 @@ static void ask_chains(const char *main_file)
   CHECK_PUT("");
 }
 
+/* Where reading has got to, which is a token ahead. */
+static void put_reading(void)
+{
+  tdm_srcpos reading;
+  if (tdm_inspect_reading(&reading) == 1) put_position(&reading);
+}
+
 static void ask_tokens(void)
 {
   tdm_inspect_token token;
-  tdm_token_stream *stream = tdm_inspect_tokens_start(one_file("sources/main.tdm"), &no_texts);
+  tdm_token_stream *stream;
   const char *main_file;
+  put_reading();
+  CHECK_PUT("");
+  stream = tdm_inspect_tokens_start(one_file("sources/main.tdm"), &no_texts);
   CHECK(stream != NULL);
+  put_reading();
+  CHECK_PUT("main.tdm:1:0");
   main_file = ((const char **)one_file("sources/main.tdm")->items)[0];
   while (tdm_inspect_tokens_next(stream, &token) == 1) {
     if (token.number == TDM_TOKEN_WHITE || token.number == TDM_TOKEN_NEWLINE) continue;
@@ -98,6 +110,7 @@ static void ask_tokens(void)
             "32 -> main.tdm:10:18\n");
   CHECK(tdm_inspect_tokens_next(stream, &token) == 0 && tdm_inspect_failure_count() == 1);
   put_files();
+  put_reading();
   CHECK_PUT(all_files);
   ask_chains(main_file);
   tdm_inspect_tokens_end(stream);
