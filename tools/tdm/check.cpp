@@ -43,6 +43,7 @@ public:
     const Session session(options);
     Checked checked{files, session.failure().empty() && tdm_get_error_count() == 0,
                     findings_of(session)};
+    if (!checked.in_order) exit_code_ = std::max(exit_code_, exit_code_of_errors());
     if (for_people_) tell(checked, session);
     for (const std::string &file : files_read(session))
       if (known_.insert(file).second) read_.push_back(file);
@@ -60,7 +61,7 @@ public:
       out_ << counted(checked_.size(), "description") << ": " << in_order << " in order, "
            << checked_.size() - in_order << " with errors\n";
     const bool written = options_.depfile.empty() || write_depfile();
-    return written && in_order == checked_.size() ? exit_ok : exit_errors;
+    return written ? exit_code_ : std::max<int>(exit_code_, exit_errors);
   }
 
 private:
@@ -88,6 +89,7 @@ private:
   std::ostream &out_;
   std::ostream &messages_;
   bool for_people_;
+  int exit_code_ = exit_ok;
   std::vector<Checked> checked_;
   std::vector<std::string> read_;
   std::set<std::string> known_;

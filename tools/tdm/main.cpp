@@ -8,6 +8,7 @@
 #include "diagnostics.h"
 #include "options.h"
 #include "session.h"
+#include "supervision.h"
 #include "usage_error.h"
 #include "verbs.h"
 
@@ -42,25 +43,30 @@ int read_and_answer(const Options &options, std::ostream &out)
   const Session session(options);
   Diagnostics diagnostics(session.names(), std::cerr, shows_colors(options.color, STDERR_FILENO));
   diagnostics.report(findings_of(session));
-  if (session.spec() == nullptr) return exit_errors;
+  if (session.spec() == nullptr) return exit_code_of_errors();
   const bool errors = tdm_get_error_count() > 0 || !session.failure().empty();
   const int result = answer(options, session, diagnostics, out);
-  return errors ? exit_errors : result;
+  return errors ? exit_code_of_errors() : result;
 }
 
 int run(const Options &options)
-{
-  const int result = options.verb == Verb::check     ? check(options, std::cout, std::cerr)
-                     : options.verb == Verb::preprocess
-                         ? preprocess(options, std::cout, std::cerr)
-                     : options.verb == Verb::explain ? explain(options, std::cout)
-                                                     : read_and_answer(options, std::cout);
+try {
+  const int result = options.verb == Verb::check        ? check(options, std::cout, std::cerr)
+                     : options.verb == Verb::preprocess ? preprocess(options, std::cout, std::cerr)
+                     : options.verb == Verb::explain    ? explain(options, std::cout)
+                                                        : read_and_answer(options, std::cout);
   std::cout.flush();
   if (!std::cout) {
     std::cerr << "tdm: error: cannot write the output\n";
     return exit_errors;
   }
   return result;
+} catch (const UsageError &error) {
+  std::cerr << "tdm: error: " << error.text << '\n';
+  return exit_usage;
+} catch (const std::exception &error) {
+  std::cerr << "tdm: error: " << error.what() << '\n';
+  return exit_errors;
 }
 
 } // namespace
@@ -68,14 +74,8 @@ int run(const Options &options)
 int main(int argc, char **argv)
 {
   std::ios::sync_with_stdio(false);
-  try {
-    const Command command = read_command_line(argc, argv);
-    return command.options.has_value() ? run(*command.options) : command.exit_code;
-  } catch (const UsageError &error) {
-    std::cerr << "tdm: error: " << error.text << '\n';
-    return exit_usage;
-  } catch (const std::exception &error) {
-    std::cerr << "tdm: error: " << error.what() << '\n';
-    return exit_errors;
-  }
+  const Command command = read_command_line(argc, argv);
+  if (!command.options.has_value()) return command.exit_code;
+  const Options &options = *command.options;
+  return options.files.empty() ? run(options) : supervised(options, [&] { return run(options); });
 }

@@ -5,7 +5,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <iostream>
+#include <limits>
 
 #include "option_list.h"
 #include "usage_error.h"
@@ -13,6 +15,16 @@
 namespace tool {
 
 namespace {
+
+std::optional<double> seconds_of(std::string_view text)
+{
+  constexpr double most = 1e9;
+  double seconds = 0;
+  const char *end = text.data() + text.size();
+  const auto [read_to, error] = std::from_chars(text.data(), end, seconds);
+  const bool fits = error == std::errc() && read_to == end && seconds >= 0 && seconds <= most;
+  return fits ? std::optional(seconds) : std::nullopt;
+}
 
 /// An option with a value out of a few, which `choices` holds as "one|two".
 void add_choice(CLI::App &verb, const char *name, std::string &value, const char *choices,
@@ -25,6 +37,44 @@ void add_choice(CLI::App &verb, const char *name, std::string &value, const char
                                                         : "\"" + given + "\" is none of " + choices;
   };
   verb.add_option(name, value, does)->type_name(choices)->check(refuse_others);
+}
+
+/// What no description may need more of than the user allows. The numbers are read here, so that
+/// what is no such number is refused by name.
+void add_limits(CLI::App &verb, Options &options)
+{
+  const auto is_depth = [](const std::string &given) {
+    const std::optional<int64_t> depth = parse_number(given);
+    const bool fits = depth && *depth <= std::numeric_limits<int32_t>::max();
+    return fits ? std::string() : "\"" + given + "\" is no number from 0 to 2^31 - 1";
+  };
+  const auto is_time = [](const std::string &given) {
+    return seconds_of(given) ? std::string() : "\"" + given + "\" is no number of seconds";
+  };
+  const auto is_size = [](const std::string &given) {
+    return parse_number(given) ? std::string() : "\"" + given + "\" is no size";
+  };
+  const auto add = [&](const char *name, const char *value, auto check, auto set,
+                       const char *does) {
+    verb.add_option_function<std::string>(name, set, does)->type_name(value)->check(check);
+  };
+  Options *to = &options;
+  add(
+      "--max-include-depth", "N", is_depth,
+      [to](const std::string &given) {
+        to->max_include_depth = static_cast<int>(*parse_number(given));
+      },
+      "How deep #include may nest: 200 is the default, 0 for any depth");
+  add(
+      "--timeout", "SECONDS", is_time,
+      [to](const std::string &given) { to->timeout = *seconds_of(given); },
+      "Stop after that time: 60 s is the default, 0 for no end. Waiting for whoever\n"
+      "takes the output doesn't count");
+  add(
+      "--max-memory", "SIZE", is_size,
+      [to](const std::string &given) { to->max_memory = *parse_number(given); },
+      "Stop when more memory is needed, in bytes or with k, m or g behind the number:\n"
+      "2g is the default, 0 for all that there is");
 }
 
 /// What every verb that reads a description takes. A repeated option takes one value each time, so
@@ -43,6 +93,7 @@ void add_input(CLI::App &verb, Options &options)
   add_choice(verb, "--color", options.color, "auto|always|never",
              "Colors in messages; auto, the default, is for a terminal if NO_COLOR\n"
              "isn't set");
+  add_limits(verb, options);
 }
 
 void add_check(CLI::App &verb, Options &options)
@@ -254,7 +305,21 @@ std::string general_footer()
 {
   std::string text = "Examples:\n";
   for (const VerbEntry &verb : verbs) text.append("  ").append(verb.example) += '\n';
-  return text + "Exit codes: 0 in order, 1 errors in the description, 2 wrong usage, 3 no route";
+  return text + "Exit codes:\n"
+                "  0  in order\n"
+                "  1  errors in the description\n"
+                "  2  wrong usage\n"
+                "  3  no route (map)\n"
+                "  4  #include nests deeper than --max-include-depth\n"
+                "  5  not done within --timeout\n"
+                "  6  more memory needed than --max-memory, or than there is\n"
+                "  7  a fault of tdm itself";
+}
+
+bool is_verb(std::string_view word)
+{
+  return std::any_of(std::begin(verbs), std::end(verbs),
+                     [&](const VerbEntry &verb) { return verb.name == word; });
 }
 
 /// The parser of the command line would call a word that is no verb a missing one.
@@ -262,23 +327,23 @@ void require_verb(int argc, char **argv)
 {
   if (argc < 2) throw UsageError{"a verb is needed: " + verb_list()};
   const std::string first = argv[1];
-  const bool is_verb = std::any_of(std::begin(verbs), std::end(verbs),
-                                   [&](const VerbEntry &verb) { return verb.name == first; });
-  if (!first.starts_with('-') && !is_verb)
+  if (!first.starts_with('-') && !is_verb(first))
     throw UsageError{"there is no verb \"" + first + "\"; there are " + verb_list()};
 }
 
-/// The verbs with their options, or with those of one verb alone.
+constexpr const char *version_text = "tdm " TDM_TOOL_VERSION;
+
+/// All verbs with their options; or those of one verb, which is all that a run of it needs.
 void set_up(CLI::App &app, Options &options, std::string_view only_verb)
 {
-  app.set_version_flag("--version", "tdm " TDM_TOOL_VERSION, "Print the version and exit");
+  app.set_version_flag("--version", version_text, "Print the version and exit");
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.require_subcommand(1);
-  for (const VerbEntry &entry : verbs) {
-    CLI::App *verb = app.add_subcommand(entry.name, entry.does);
-    if (only_verb.empty() || only_verb == entry.name) entry.add(*verb, options);
-  }
-  app.footer(general_footer());
+  const bool is_run = is_verb(only_verb);
+  for (const VerbEntry &entry : verbs)
+    if (!is_run || only_verb == entry.name)
+      entry.add(*app.add_subcommand(entry.name, entry.does), options);
+  if (!is_run) app.footer(general_footer());
 }
 
 int refuse(const std::string &text)
@@ -291,14 +356,17 @@ int refuse(const std::string &text)
 
 Command read_command_line(int argc, char **argv)
 {
+  const std::string_view first = argc > 1 ? argv[1] : "";
+  if (first == "--version" && argc == 2) {
+    std::cout << version_text << '\n';
+    return {std::nullopt, exit_ok};
+  }
   Options options;
   CLI::App app("Reads target descriptions: checks them, shows them, translates addresses and "
                "selects sections.",
                "tdm");
-  const std::string_view first = argc > 1 ? argv[1] : "";
-  const bool lists_options = first == "--dump-options";
-  set_up(app, options, lists_options ? "" : first);
-  if (lists_options) {
+  set_up(app, options, first);
+  if (first == "--dump-options") {
     write_option_list(app, std::cout);
     return {std::nullopt, exit_ok};
   }

@@ -17,6 +17,11 @@ struct Options {
   std::vector<std::string> include_dirs;
   std::vector<std::string> defines;
   std::string color = "auto"; ///< or "always", "never"
+  // What a description may take; 0 for no limit. The first one is enough for any description, and
+  // below the number of files that a process may have open.
+  int max_include_depth = 200;
+  double timeout = 60; ///< seconds
+  int64_t max_memory = int64_t{2} << 30;
   std::string format =
       "text";              ///< check: or "json", "sarif", "github"; explain: or "json", "markdown"
   bool each = false;       ///< check: every file is a description of its own
@@ -40,7 +45,16 @@ struct Options {
 };
 
 /// What the process ends with.
-enum ExitCode { exit_ok = 0, exit_errors = 1, exit_usage = 2, exit_no_route = 3 };
+enum ExitCode {
+  exit_ok = 0,
+  exit_errors = 1,
+  exit_usage = 2,
+  exit_no_route = 3,
+  exit_include_depth = 4,
+  exit_timeout = 5,
+  exit_memory = 6,
+  exit_fault = 7
+};
 
 /// Reads the command line. No options, but an exit code, when there is nothing left to do: after
 /// the help, the version or a usage error, which are printed here.

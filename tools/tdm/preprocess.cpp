@@ -150,7 +150,7 @@ int preprocess(const Options &options, std::ostream &out, std::ostream &messages
   out.flush();
   Diagnostics(session.names(), messages, shows_colors(options.color, STDERR_FILENO))
       .report(findings_of(session));
-  return session.tokens() == nullptr || tdm_get_error_count() > 0 ? exit_errors : exit_ok;
+  return session.tokens() == nullptr || tdm_get_error_count() > 0 ? exit_code_of_errors() : exit_ok;
 }
 
 } // namespace tool

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "supervision.h"
 #include "usage_error.h"
 
 namespace tool {
@@ -108,7 +109,10 @@ SectionList read(std::istream &in, const std::string &file)
 
 SectionList read_section_list(const std::string &file)
 {
-  if (file == "-") return read(std::cin, "<stdin>");
+  if (file == "-") {
+    const ClockStop while_somebody_writes;
+    return read(std::cin, "<stdin>");
+  }
   std::ifstream in(file, std::ios::binary);
   if (!in) throw UsageError{"cannot open \"" + file + "\""};
   return read(in, file);

@@ -8,9 +8,8 @@ namespace tool {
 
 namespace {
 
-/// Enough for any description, and below the number of files that a process may have open: one that
-/// includes itself gets a message of its own.
-constexpr int include_depth = 200;
+/// `#include` beyond the limit.
+constexpr int depth_message = 956;
 
 /// An array for the library of texts that somebody else keeps.
 class TextArray {
@@ -43,23 +42,14 @@ auto parse(Verb verb)
   return verb == Verb::draw || verb == Verb::check ? tdm_inspect_parse_file : tdm_parse_file;
 }
 
-std::vector<std::string> all_names(const Options &options)
-{
-  std::vector<std::string> names = options.files;
-  for (const std::string &directory : options.include_dirs) names.push_back(directory + "/");
-  names.push_back(options.sections);
-  return names;
-}
-
 } // namespace
 
-Session::Session(const Options &options, Reads reads)
-    : names_(std::filesystem::current_path().string(), all_names(options))
+Session::Session(const Options &options, Reads reads) : names_(names_of(options))
 {
   const std::vector<std::string> files = names_for_library(names_, options.files);
   const std::vector<std::string> include_dirs = names_for_library(names_, options.include_dirs);
   tdm_init(TextArray(options.defines).get());
-  tdm_limits_set(TDM_LIMIT_INCLUDE_DEPTH, include_depth);
+  tdm_limits_set(TDM_LIMIT_INCLUDE_DEPTH, options.max_include_depth);
   if (reads == Reads::tokens)
     tokens_ = tdm_inspect_tokens_start(TextArray(files).get(), TextArray(include_dirs).get());
   else
@@ -74,6 +64,22 @@ Session::~Session()
   tdm_inspect_tokens_end(tokens_);
   tdm_spec_free(spec_);
   tdm_cleanup();
+}
+
+FileNames names_of(const Options &options)
+{
+  std::vector<std::string> names = options.files;
+  for (const std::string &directory : options.include_dirs) names.push_back(directory + "/");
+  names.push_back(options.sections);
+  return {std::filesystem::current_path().string(), names};
+}
+
+int exit_code_of_errors()
+{
+  tdm_inspect_message message;
+  for (int i = 0; tdm_inspect_get_message(i, &message) != 0; ++i)
+    if (message.number == depth_message) return exit_include_depth;
+  return exit_errors;
 }
 
 std::vector<tdm_core *> cores_of(const tdm_processor *processor)

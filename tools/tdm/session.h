@@ -38,6 +38,12 @@ private:
   std::string failure_;
 };
 
+/// The names of the files of a command line.
+[[nodiscard]] FileNames names_of(const Options &options);
+
+/// What the process ends with if something is wrong with the description that was read last.
+[[nodiscard]] int exit_code_of_errors();
+
 /// The elements of an array of the library, which is given back here.
 template <class Element> std::vector<Element> take_elements(tdm_arr *arr)
 {

@@ -91,10 +91,15 @@ def manual(tool):
         lines += [synopsis(verb) + "++"]
     lines[-1] = lines[-1].removesuffix("++")
     lines += ["", "# DESCRIPTION", "", escaped(tool["does"]), ""]
-    lines += [*footer(tool["footer"]), "# OPTIONS", "", *options_of(tool)]
+    examples, _, exit_codes = tool["footer"].partition("Exit codes:\n")
+    lines += [*footer(examples), "# OPTIONS", "", *options_of(tool)]
     for verb in tool["verbs"]:
         lines += [f"# TDM {verb['name'].upper()}", "", synopsis(verb), "", escaped(verb["does"]) + ".",
                   "", *options_of(verb), *footer(verb["footer"])]
+    lines += ["# EXIT STATUS", ""]
+    for line in exit_codes.splitlines():
+        code, meaning = line.split(maxsplit=1)
+        lines += [f"*{code}*", "\t" + escaped(meaning), ""]
     return "\n".join(lines).rstrip() + "\n"
 
 

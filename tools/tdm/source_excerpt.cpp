@@ -1,6 +1,7 @@
 #include "source_excerpt.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -68,6 +69,9 @@ const SourceFiles::File &SourceFiles::read(const std::string &name)
   const auto [place, added] = files_.try_emplace(name);
   File &file = place->second;
   if (!added) return file;
+  // A device may go on for ever, and a pipe gives what it has once.
+  std::error_code unknown;
+  if (!std::filesystem::is_regular_file(name, unknown)) return file;
   std::ifstream in(name, std::ios::binary);
   file.text.assign(std::istreambuf_iterator<char>(in), {});
   std::erase_if(file.text, [](char c) { return c == '\r' || c == '\x1A'; });
