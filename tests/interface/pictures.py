@@ -5,8 +5,8 @@
 
 A description may have options behind it: "chip.tdm -D BANKS=8".
 
-A picture must be well-formed, the same each time, and name every memory and column; no text may leave
-the canvas or lie on another one. How wide a letter is, is known: the fonts asked for have letters of
+A picture must be well-formed, the same each time, and name every memory and column; the tooltip of a
+memory must tell the way to it; no text may leave the canvas or lie on another one. How wide a letter is, is known: the fonts asked for have letters of
 one width. The picture of the documents must be the one that is drawn today.
 """
 import json
@@ -19,6 +19,7 @@ from pathlib import Path
 LETTER = 0.602
 SVG = "{http://www.w3.org/2000/svg}"
 OVERLAP_ALLOWED = 0.6
+LETTERS_KEPT = 16  # longer names may be cut where there is little room
 ROOT = Path(__file__).resolve().parents[2]
 DOCUMENTED = "examples/gameboy_mbc1/mbc1.tdm"
 
@@ -58,6 +59,9 @@ def faults_of(svg, wanted):
     texts = [text for text in svg.iter(SVG + "text") if text.text]
     for name in sorted(wanted - {text.text for text in texts}):
         yield f"{name} doesn't stand in the picture"
+    for text in texts:
+        if "…" in text.text[1:] and len(text.text) < LETTERS_KEPT:
+            yield f"{text.text!r} is cut though it is short"
     boxes = [(text.text, extent(text)) for text in texts]
     for text, (left, top, right, bottom) in boxes:
         if left < 0 or top < 0 or right > width or bottom > height:
@@ -66,9 +70,31 @@ def faults_of(svg, wanted):
         for other, other_box in boxes[:i]:
             if lie_on_another(box, other_box):
                 yield f"{other!r} and {text!r} lie on one another at {box[0]:.0f}, {box[1]:.0f}"
+    for group in svg.iter(SVG + "g"):
+        if any("memory" in box.get("class").split() for box in group.findall(SVG + "rect")):
+            yield from tooltip_faults(group)
     for box in svg.iter(SVG + "rect"):
         if float(box.get("width")) <= 0 or float(box.get("height")) <= 0:
             yield f"a box has no area: {box.attrib}"
+
+
+def tooltip_faults(group):
+    """Of a memory: what it is, where it is seen, and the hops from there to the memory itself."""
+    title = group.findtext(SVG + "title")
+    if title is None:
+        if group.get("class") is not None:
+            yield "a memory without a tooltip"
+        return
+    memory, *where = title.split("\n")
+    name = memory.split(": ")[0]
+    if any(text.text.startswith("… ") for text in group.findall(SVG + "text")):
+        return  # banks that are put together
+    hops = where[1:]
+    if not re.match(r"(space|bus) \S+  (\d+:)?0x[0-9A-F.x]+, ", where[0]):
+        yield f"the tooltip of {name} doesn't begin with where it is seen: {where[0]}"
+    if not hops or not all(hop.startswith("→ ") for hop in hops) or \
+            not hops[-1].startswith(f"→ memory {name}  "):
+        yield f"the tooltip of {name} has no way to it: {hops}"
 
 
 def check(tdm, arguments):

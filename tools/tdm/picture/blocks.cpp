@@ -8,7 +8,7 @@ namespace tool::picture {
 
 namespace {
 
-constexpr double label_height = 18;
+constexpr double label_height = 19;
 constexpr double stripe_height = 5;
 constexpr double most_extra = 44;
 constexpr size_t most_banks = 8;   ///< more than these are folded

@@ -13,23 +13,24 @@ namespace tool::picture {
 
 namespace {
 
-constexpr double header_height = 62;
+constexpr double header_height = 68;
 constexpr double column_gap = 12;
 constexpr double lane_width = 9;
 constexpr double bottom_margin = 20;
-constexpr double collision_height = 40; ///< room for names and the label
+constexpr double collision_height = 44; ///< room for names and the label
 constexpr size_t most_letters = 16;     ///< of a name, where there is little room
 
-constexpr double one_line = 18; ///< of text in a block
-constexpr double two_lines = 27;
+constexpr double one_line = 19; ///< of text in a block
+constexpr double two_lines = 31;
 
-constexpr double name_size = 11;
-constexpr double small_size = 10;
-constexpr double tiny_size = 9;
+constexpr double name_size = 12;
+constexpr double small_size = 11;
+constexpr double tiny_size = 10;
 
 std::string elided(const std::string &text, double width, double size)
 {
-  if (text_width(text, size) <= width) return text;
+  constexpr double rounding = 0.01; // columns are often exactly as wide as their texts
+  if (text_width(text, size) <= width + rounding) return text;
   const auto letters = static_cast<size_t>(std::max(width / (letter_width * size) - 1, 0.0));
   return letters == 0 ? "" : text.substr(0, letters) + "…";
 }
@@ -64,7 +65,7 @@ bool collide(const MemoryChart &chart, const std::vector<Block> &blocks, const C
 // ---- what is needed
 
 FramePicture::FramePicture(const MemoryChart &chart, Frame frame)
-    : chart_(chart), frame_(std::move(frame)), scale_({}, {}), origins_(origins_in(chart_, frame_))
+    : chart_(chart), frame_(std::move(frame)), scale_({}, {})
 {
   std::vector<Need> needs;
   std::vector<int64_t> ends;
@@ -78,7 +79,7 @@ FramePicture::FramePicture(const MemoryChart &chart, Frame frame)
     column.blocks = blocks_of(chart_, column.index, column.shift);
     column.labelled = facts.is_space;
     for (const Block &block : column.blocks)
-      if (chart_.appearances[block.appearances.front()].attached) column.labelled = true;
+      if (chart_.appearances[block.appearances.front()].attached()) column.labelled = true;
     for (const Block &block : column.blocks)
       needs.push_back({block.span, height_needed(block, column.labelled)});
     for (const Span &span : column_spans(chart_, column.index, column.shift)) {
@@ -213,10 +214,10 @@ void FramePicture::paint_header(const Column &column, const Place &place,
                              elided(text, width + column_gap / 2, size)});
   };
   const std::string units = std::to_string(facts.mau) + "-bit";
-  line(9, tiny_size, "kind", facts.is_space ? "space" : "bus");
-  line(20, small_size, "owner", facts.owner);
-  line(32, name_size, "head", facts.name);
-  line(43, tiny_size, "kind",
+  line(10, tiny_size, "kind", facts.is_space ? "space" : "bus");
+  line(22, small_size, "owner", facts.owner);
+  line(35, name_size, "head", facts.name);
+  line(47, tiny_size, "kind",
        text_width(units + " units", tiny_size) <= width ? units + " units" : units);
   out.push_back(std::move(item));
 }
@@ -248,7 +249,7 @@ void FramePicture::paint_blocks(const Column &column, const Place &place,
     if (!column.labelled) box.style += " passing";
     if (seen.reserved) box.style += " alias";
     Item item;
-    item.tooltip = block_tooltip(chart_, origins_, block);
+    item.tooltip = block_tooltip(chart_, block);
     item.memory = seen.memory;
     item.boxes.push_back(box);
     if (memory.reserved) {
@@ -275,7 +276,7 @@ void FramePicture::paint_labels(const Block &block, const Box &box, Item &item) 
     const double width = text_width(remark, small_size);
     const bool beside = text_width(name, name_size) + 6 + width <= room;
     if (!beside && !(has_second_line && width <= room)) continue;
-    item.labels.push_back({box.x + box.width - 4, beside ? y : y + 12, small_size,
+    item.labels.push_back({box.x + box.width - 4, beside ? y : y + 13, small_size,
                            Label::Anchor::end, "remark", remark});
     break;
   }
@@ -312,14 +313,14 @@ void FramePicture::paint_own_addresses(const Column &column, const Place &place,
       if (covers(block, probe)) return;
     const double y = place.top + scale_.at(position) + offset;
     for (const double other : taken)
-      if (std::abs(other - y) < 10) return;
+      if (std::abs(other - y) < 11) return;
     taken.push_back(y);
     item.labels.push_back({place.left, y, tiny_size, Label::Anchor::start, "own",
                            column_address(facts, position, column.shift, 1)});
   };
   for (const Span &span : column_spans(chart_, column.index, column.shift)) {
     add(span.low, span.low - 1, -3);
-    add(span.high, span.high, 9);
+    add(span.high, span.high, 10);
   }
   out.push_back(std::move(item));
 }
@@ -360,11 +361,11 @@ void FramePicture::paint_addresses(const Place &place, std::vector<Item> &out) c
       if (own_rank != rank || (rank == 2 && stripes.contains(position))) continue;
       const double y = place.top + scale_.at(position);
       if (std::any_of(taken.begin(), taken.end(),
-                      [y](double other) { return std::abs(other - y) < 10.5; }))
+                      [y](double other) { return std::abs(other - y) < 11.5; }))
         continue;
       taken.push_back(y);
       item.paths.push_back({{{place.left - 6, y}, {place.left - 1, y}}, "tick"});
-      item.labels.push_back({place.left - 8, y + 9, small_size, Label::Anchor::end, "address",
+      item.labels.push_back({place.left - 8, y + 10, small_size, Label::Anchor::end, "address",
                              address_on_line(position)});
     }
   out.push_back(std::move(item));
@@ -385,7 +386,7 @@ void FramePicture::paint_folds(const Place &place, std::vector<Item> &out) const
                    address_on_line(row.span.high) + ": " + gap_text(row);
     item.paths.push_back(std::move(path));
     item.labels.push_back(
-        {place.left - 8, middle + 7.5, tiny_size, Label::Anchor::end, "gap", "⋮ " + gap_text(row)});
+        {place.left - 8, middle + 9, tiny_size, Label::Anchor::end, "gap", "⋮ " + gap_text(row)});
     out.push_back(std::move(item));
   }
 }

@@ -65,7 +65,6 @@ private:
   std::vector<Column> columns_;
   std::vector<PlacedCollision> collisions_;
   Scale scale_;
-  Origins origins_;
   std::vector<Tie> ties_;
   int digits_ = 1; ///< of addresses at the left
 };

@@ -21,20 +21,25 @@ std::string sized_span(const tdm_interval &at)
   return span_text(at) + ", " + sized(at);
 }
 
-/// `span` is that of the appearance on the line.
-std::string tooltip_of(const MemoryChart &chart, const Origins &origins, const Appearance &seen,
-                       const Span &span)
+std::string route_text(const std::vector<Step> &route)
 {
-  std::string text = chart.columns[seen.column].full_name + "  " + sized_span(seen.at);
+  std::string text;
+  for (const Step &step : route) {
+    text += "\n→ " + step.to + "  " + span_text(step.at);
+    if (!step.name.empty()) text += ", map " + step.name;
+    if (!step.place.empty()) text += ", " + step.place;
+  }
+  return text;
+}
+
+std::string tooltip_of(const MemoryChart &chart, const Appearance &seen)
+{
+  const ChartColumn &column = chart.columns[seen.column];
+  std::string text =
+      (column.is_space ? "space " : "bus ") + column.full_name + "  " + sized_span(seen.at);
   if (const std::string mask = mask_text(seen.at); !mask.empty()) text += ", " + mask;
   if (seen.reserved) text += ", reserved";
-  const auto known = origins.find({seen.memory, span, seen.cells_low});
-  const Appearance &origin =
-      seen.attached || known == origins.end() ? seen : chart.appearances[known->second];
-  if (!origin.place.empty())
-    text += "\nmap " + origin.map_name + (origin.map_name.empty() ? "" : " ") + "on " +
-            chart.columns[origin.column].full_name + ", " + origin.place;
-  return text;
+  return text + route_text(seen.route);
 }
 
 } // namespace
@@ -61,20 +66,7 @@ std::vector<std::string> block_remarks(const MemoryChart &chart, const Block &bl
   return {text + ", " + size, text};
 }
 
-Origins origins_in(const MemoryChart &chart, const Frame &frame)
-{
-  Origins origins;
-  for (size_t i = 0; i < frame.columns.size(); ++i) {
-    const auto [first, last] = appearances_in(chart, frame.columns[i]);
-    for (auto one = first; one != last; ++one)
-      if (one->attached)
-        origins.try_emplace({one->memory, span_on_line(one->at, frame.shifts[i]), one->cells_low},
-                            static_cast<size_t>(one - chart.appearances.data()));
-  }
-  return origins;
-}
-
-std::string block_tooltip(const MemoryChart &chart, const Origins &origins, const Block &block)
+std::string block_tooltip(const MemoryChart &chart, const Block &block)
 {
   const Appearance &first = chart.appearances[block.appearances.front()];
   const ChartMemory &memory = chart.memories[first.memory];
@@ -82,7 +74,7 @@ std::string block_tooltip(const MemoryChart &chart, const Origins &origins, cons
                      ", " + human_size(memory.size, memory.mau) + " (" + hex(memory.size) +
                      " units of " + std::to_string(memory.mau) + " bits)";
   if (!memory.place.empty()) text += ", " + memory.place;
-  if (block.folded_banks == 0) return text + "\n" + tooltip_of(chart, origins, first, block.span);
+  if (block.folded_banks == 0) return text + "\n" + tooltip_of(chart, first);
   for (const size_t one : block.appearances) {
     const Appearance &seen = chart.appearances[one];
     text += "\n" + chart.memories[seen.memory].name + "  " + sized_span(seen.at);

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "blocks.h"
@@ -18,14 +16,8 @@ namespace tool::picture {
 /// What may stand beside the name, the longest one first; never empty.
 [[nodiscard]] std::vector<std::string> block_remarks(const MemoryChart &chart, const Block &block);
 
-/// A memory that reaches a column over others has its `map` elsewhere, at the same place of the
-/// line: which appearance has it, by memory, span and first cell.
-using Origins = std::map<std::tuple<size_t, Span, int64_t>, size_t>;
-
-[[nodiscard]] Origins origins_in(const MemoryChart &chart, const Frame &frame);
-
-[[nodiscard]] std::string block_tooltip(const MemoryChart &chart, const Origins &origins,
-                                        const Block &block);
+/// The memory, where it is seen, and the way from there to its cells.
+[[nodiscard]] std::string block_tooltip(const MemoryChart &chart, const Block &block);
 
 [[nodiscard]] std::string column_tooltip(const MemoryChart &chart, size_t column);
 

@@ -4,12 +4,14 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <span>
 #include <tuple>
 
 #include <tdm_c/tdm_inspect.h>
 
 #include "../address.h"
 #include "../format.h"
+#include "../object_text.h"
 #include "../session.h"
 #include "../usage_error.h"
 
@@ -25,17 +27,18 @@ public:
   void add_columns(const tdm_processor *processor);
   void add_global_buses(const tdm_spec *spec);
   void add_windows();
-  void add_memory(const tdm_memory *memory, bool global);
+  void add_memory(tdm_memory *memory, bool global);
   void add_collisions(const tdm_spec *spec);
 
 private:
   void add(const tdm_space *space, const std::string &owner);
   void add(const tdm_bus *bus, const std::string &owner);
   void add_window(const tdm_mapping *mapping);
-  void add_pieces(size_t memory, const tdm_memory *handle,
+  void add_pieces(size_t memory, tdm_memory *handle,
                   const std::vector<const tdm_mapping *> &mappings);
-  void add_piece(size_t memory, const tdm_map_interval_result &result, const tdm_interval &cells,
-                 const std::vector<const tdm_mapping *> &mappings);
+  void add_piece(size_t memory, const tdm_interval &cells, std::span<const tdm_inspect_hop> hops);
+  [[nodiscard]] std::vector<Step> route_of(std::span<const tdm_inspect_hop> hops,
+                                           const tdm_interval &cells) const;
 
   /// Nothing for an object that the picture leaves out.
   [[nodiscard]] std::optional<size_t> column_of(const void *object) const;
@@ -160,7 +163,7 @@ std::set<int64_t> cuts_of(const std::vector<const tdm_mapping *> &mappings)
   return cuts;
 }
 
-void Reader::add_memory(const tdm_memory *memory, bool global)
+void Reader::add_memory(tdm_memory *memory, bool global)
 {
   std::vector<const tdm_mapping *> mappings;
   for (const tdm_mapping *mapping :
@@ -183,9 +186,10 @@ void Reader::add_memory(const tdm_memory *memory, bool global)
 
 /// Each piece that mappings delimit is translated on its own, so that it is known which cells
 /// appear where.
-void Reader::add_pieces(size_t memory, const tdm_memory *handle,
+void Reader::add_pieces(size_t memory, tdm_memory *handle,
                         const std::vector<const tdm_mapping *> &mappings)
 {
+  const tdm_mapdestination *destination = tdm_inspect_memory_as_destination(handle);
   tdm_interval cells;
   tdm_memory_get_addressrange(handle, &cells);
   const int mau = std::max(cells.low.mau, 1);
@@ -197,51 +201,51 @@ void Reader::add_pieces(size_t memory, const tdm_memory *handle,
     cells.high.value = end / mau;
     cells.high.bits = static_cast<int32_t>(end % mau);
     const int64_t failures_before = tdm_inspect_failure_count();
-    tdm_arr *results = nullptr;
-    tdm_memory_map_interval_backward_to_space(handle, &cells, &results);
-    for (const auto &result : take_elements<tdm_map_interval_result>(results))
-      add_piece(memory, result, cells, mappings);
-    results = nullptr;
-    tdm_memory_map_interval_backward_to_bus(handle, &cells, &results);
-    for (const auto &result : take_elements<tdm_map_interval_result>(results))
-      add_piece(memory, result, cells, mappings);
+    for (const int ends : {TDM_ROUTE_TO_SPACE, TDM_ROUTE_TO_BUS}) {
+      const auto hops = take_elements<tdm_inspect_hop>(
+          tdm_inspect_interval_routes_back(destination, ends, &cells));
+      for (size_t first = 0, last = 0; first < hops.size(); first = last) {
+        while (last < hops.size() && hops[last].route == hops[first].route) ++last;
+        add_piece(memory, cells, std::span(hops).subspan(first, last - first));
+      }
+    }
     if (tdm_inspect_failure_count() != failures_before)
       chart_.failures.push_back(chart_.memories[memory].full_name + ": " +
                                 tdm_inspect_failure_text());
   }
 }
 
-bool lies_in(const tdm_interval &inner, const tdm_interval &outer)
+/// `hops` lead from the cells of the memory back to where they appear.
+void Reader::add_piece(size_t memory, const tdm_interval &cells,
+                       std::span<const tdm_inspect_hop> hops)
 {
-  return bit_position(inner.low) >= bit_position(outer.low) &&
-         bit_position(inner.high) <= bit_position(outer.high);
-}
-
-void Reader::add_piece(size_t memory, const tdm_map_interval_result &result,
-                       const tdm_interval &cells, const std::vector<const tdm_mapping *> &mappings)
-{
-  const auto column = column_of(static_cast<tdm_mapsource *>(result.object));
+  const tdm_inspect_hop &last = hops.back();
+  const auto column = column_of(last.source);
   if (!column) return;
   Appearance piece;
   piece.memory = memory;
   piece.column = *column;
-  piece.at = result.interval;
-  piece.reserved = result.reserved != 0;
+  piece.at = last.interval;
+  piece.reserved = last.reserved != 0;
   piece.cells_low = bit_position(cells.low);
   piece.cells_high = bit_position(cells.high);
-  for (const tdm_mapping *mapping : mappings) {
-    tdm_inspect_mapping facts;
-    if (tdm_inspect_get_mapping(mapping, &facts) == 0) continue;
-    if (column_of(facts.source) != column || !lies_in(cells, facts.destination_interval) ||
-        !lies_in(piece.at, facts.source_interval))
-      continue;
-    if (facts.bank >= 0 && facts.bank != piece.at.low.bank) continue;
-    piece.attached = true;
-    piece.map_name = text_of(facts.name);
-    piece.place = place_of(mapping);
-    break;
-  }
+  piece.route = route_of(hops, cells);
   chart_.appearances.push_back(std::move(piece));
+}
+
+/// The other way around: each step leads to where the hop in front of it had come from.
+std::vector<Step> Reader::route_of(std::span<const tdm_inspect_hop> hops,
+                                   const tdm_interval &cells) const
+{
+  std::vector<Step> route;
+  for (size_t i = hops.size(); i-- > 0;) {
+    tdm_inspect_mapping facts{};
+    tdm_inspect_get_mapping(hops[i].mapping, &facts);
+    const End to = end_of(hops[i].destination);
+    route.push_back({to.kind + (" " + to.name), i > 0 ? hops[i - 1].interval : cells,
+                     text_of(facts.name), place_of(hops[i].mapping)});
+  }
+  return route;
 }
 
 void Reader::add_collisions(const tdm_spec *spec)
@@ -271,13 +275,28 @@ auto order_of(const Appearance &piece)
                     bit_position(piece.at.low), bit_position(piece.at.high), piece.cells_low);
 }
 
+bool continues(const Step &first, const Step &next)
+{
+  return first.to == next.to && first.place == next.place &&
+         bit_position(first.at.high) == bit_position(next.at.low);
+}
+
 bool continues(const Appearance &first, const Appearance &next)
 {
   return first.column == next.column && first.memory == next.memory &&
          first.reserved == next.reserved && first.at.low.bank == next.at.low.bank &&
          first.at.bits == next.at.bits && first.at.width == next.at.width &&
-         first.place == next.place && bit_position(first.at.high) == bit_position(next.at.low) &&
-         first.cells_high == next.cells_low;
+         bit_position(first.at.high) == bit_position(next.at.low) &&
+         first.cells_high == next.cells_low &&
+         std::equal(first.route.begin(), first.route.end(), next.route.begin(), next.route.end(),
+                    [](const Step &a, const Step &b) { return continues(a, b); });
+}
+
+void append(Appearance &first, const Appearance &next)
+{
+  first.at.high = next.at.high;
+  first.cells_high = next.cells_high;
+  for (size_t i = 0; i < first.route.size(); ++i) first.route[i].at.high = next.route[i].at.high;
 }
 
 bool is_same(const Appearance &a, const Appearance &b)
@@ -288,13 +307,13 @@ bool is_same(const Appearance &a, const Appearance &b)
 void join_pieces(std::vector<Appearance> &pieces)
 {
   std::stable_sort(pieces.begin(), pieces.end(), [](const Appearance &a, const Appearance &b) {
-    return order_of(a) < order_of(b);
+    // Of several routes to the same place the shortest one is told.
+    return std::tuple(order_of(a), a.route.size()) < std::tuple(order_of(b), b.route.size());
   });
   std::vector<Appearance> joined;
   for (Appearance &piece : pieces) {
     if (!joined.empty() && continues(joined.back(), piece)) {
-      joined.back().at.high = piece.at.high;
-      joined.back().cells_high = piece.cells_high;
+      append(joined.back(), piece);
     } else if (joined.empty() || !is_same(joined.back(), piece)) {
       joined.push_back(std::move(piece));
     }
@@ -351,10 +370,9 @@ MemoryChart read_chart(const Session &session, const std::string &processor)
   reader.add_global_buses(session.spec());
   reader.add_windows();
   for (const tdm_processor *one : processors)
-    for (const tdm_memory *memory : take_elements<tdm_memory *>(tdm_processor_get_memories(one)))
+    for (tdm_memory *memory : take_elements<tdm_memory *>(tdm_processor_get_memories(one)))
       reader.add_memory(memory, false);
-  for (const tdm_memory *memory :
-       take_elements<tdm_memory *>(tdm_spec_get_memories(session.spec())))
+  for (tdm_memory *memory : take_elements<tdm_memory *>(tdm_spec_get_memories(session.spec())))
     reader.add_memory(memory, !processor.empty());
   reader.add_collisions(session.spec());
   join_pieces(chart.appearances);

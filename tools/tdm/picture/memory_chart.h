@@ -36,17 +36,26 @@ struct ChartColumn {
   std::string place;
 };
 
+/// One mapping on the way from a column to a memory.
+struct Step {
+  std::string to;    ///< "bus chip:fabric"
+  tdm_interval at{}; ///< there
+  std::string name;  ///< of the `map`, may be ""
+  std::string place;
+};
+
 /// A memory in a column: one piece of its cells at one piece of the column's addresses.
 struct Appearance {
   size_t memory = 0;
   size_t column = 0;
   tdm_interval at{}; ///< in units of the column
   bool reserved = false;
-  bool attached = false;  ///< the memory hangs on this bus
-  std::string map_name;   ///< of its `map`, may be ""
-  std::string place;      ///< of its `map`
-  int64_t cells_low = 0;  ///< what is seen of the memory at the most, in bits
-  int64_t cells_high = 0; ///< first bit behind it
+  std::vector<Step> route; ///< to the memory, never empty
+  int64_t cells_low = 0;   ///< what is seen of the memory at the most, in bits
+  int64_t cells_high = 0;  ///< first bit behind it
+
+  /// Whether the memory hangs on this bus.
+  [[nodiscard]] bool attached() const { return route.size() == 1; }
 };
 
 /// A mapping from column to column.

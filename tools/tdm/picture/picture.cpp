@@ -13,7 +13,7 @@ namespace {
 constexpr double page_width = 980;
 constexpr double margin = 16;
 constexpr double frame_gap = 28;
-constexpr double head_height = 66;
+constexpr double head_height = 72;
 
 void add_text(Picture &picture, const Label &label, const std::string &tooltip = "")
 {
@@ -53,7 +53,7 @@ std::vector<Sign> signs_of(const MemoryChart &chart)
 void add_legend(const MemoryChart &chart, Picture &picture)
 {
   double x = margin;
-  const double y = 48;
+  const double y = 52;
   for (const Sign &sign : signs_of(chart)) {
     Item item;
     if (sign.style.empty())
@@ -63,9 +63,9 @@ void add_legend(const MemoryChart &chart, Picture &picture)
     else
       item.boxes.push_back({x, y, 12, 10, sign.style});
     if (sign.hatched) item.boxes.push_back({x, y, 12, 10, "hatch"});
-    item.labels.push_back({x + 17, y + 9, 10, Label::Anchor::start, "note", sign.text});
+    item.labels.push_back({x + 17, y + 9, 11, Label::Anchor::start, "note", sign.text});
     picture.items.push_back(std::move(item));
-    x += 17 + text_width(sign.text, 10) + 18;
+    x += 17 + text_width(sign.text, 11) + 18;
   }
 }
 
@@ -127,14 +127,14 @@ void add_notes(const MemoryChart &chart, Picture &picture)
   for (size_t i = 0; i < shown.size(); ++i) {
     if (shown[i]) continue;
     const ChartMemory &memory = chart.memories[i];
-    picture.height += 15;
-    add_text(picture, {margin, picture.height - 8, 10, Label::Anchor::start, "note",
+    picture.height += 16;
+    add_text(picture, {margin, picture.height - 8, 11, Label::Anchor::start, "note",
                        "not seen from any space or bus: " + memory.full_name + ", " + memory.type +
                            ", " + human_size(memory.size, memory.mau)});
   }
   for (const std::string &failure : chart.failures) {
-    picture.height += 15;
-    add_text(picture, {margin, picture.height - 8, 10, Label::Anchor::start, "error", failure});
+    picture.height += 16;
+    add_text(picture, {margin, picture.height - 8, 11, Label::Anchor::start, "error", failure});
   }
 }
 
@@ -154,10 +154,10 @@ Picture make_picture(const MemoryChart &chart)
   const std::vector<Band> bands = bands_of(frames);
   picture.width = page_width;
   for (const Band &band : bands) picture.width = std::max(picture.width, band.least + 2 * margin);
-  add_text(picture, {margin, 24, 16, Label::Anchor::start, "title", picture.title});
+  add_text(picture, {margin, 25, 17, Label::Anchor::start, "title", picture.title});
   add_text(
       picture,
-      {margin, 39, 10, Label::Anchor::start, "note",
+      {margin, 42, 11, Label::Anchor::start, "note",
        "Addresses in units (MAUs) of the first column beside them. Heights are not to scale."});
   add_legend(chart, picture);
   picture.height = head_height;

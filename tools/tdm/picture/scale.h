@@ -25,7 +25,7 @@ struct Row {
 
 class Scale {
 public:
-  static constexpr double gap_height = 27;
+  static constexpr double gap_height = 30;
 
   /// `ends` are positions that the line has to reach, in addition.
   Scale(std::vector<Need> needs, const std::vector<int64_t> &ends);

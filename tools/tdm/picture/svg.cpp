@@ -52,7 +52,7 @@ constexpr const char *style_sheet = R"(
 .tdm-map .tie { stroke: var(--edge); stroke-width: 1.2; stroke-opacity: .8; }
 .knot { fill: var(--edge); }
 .tdm-map text.overlap, .tdm-map .error { fill: var(--red); font-weight: 700; }
-rect.overlap { fill: var(--red); fill-opacity: .16; stroke: var(--red); stroke-width: 2; }
+rect.overlap { fill: var(--red); fill-opacity: .16; stroke: var(--red); stroke-width: 2; pointer-events: stroke; }
 g:hover > .memory, g:hover > .tie { stroke-width: 2.2; stroke-opacity: 1; }
 )";
 
@@ -169,6 +169,8 @@ svg { display: block; width: 100%; max-width: 1400px; height: auto; margin: 0 au
 @media (prefers-color-scheme: dark) { body { background: #0d1117; } }
 )";
 
+constexpr double least_scale = 0.85;
+
 } // namespace
 
 void write_svg(std::ostream &out, const Picture &picture)
@@ -187,7 +189,9 @@ void write_page(std::ostream &out, const Picture &picture)
   pugi::xml_node head = html.append_child("head");
   set(head.append_child("meta"), "charset", std::string("utf-8"));
   head.append_child("title").text().set(picture.title.c_str());
-  head.append_child("style").text().set(page_style);
+  // Rather moved than too small to be read.
+  const std::string least = "svg { min-width: " + number(least_scale * picture.width) + "px; }\n";
+  head.append_child("style").text().set((page_style + least).c_str());
   add_svg(html.append_child("body"), picture);
   document.save(out, "", pugi::format_indent | pugi::format_no_declaration, pugi::encoding_utf8);
 }
