@@ -29,6 +29,9 @@ public:
   /// As an error.
   void report(const Failure &failure);
 
+  /// A text that is no file, for what is wrong in it.
+  void know(const std::string &name, const std::string &text) { sources_.keep(name, text); }
+
 private:
   void print(const Finding &finding);
   void print_chain(const std::vector<SourcePlace> &included_from);

@@ -21,8 +21,9 @@ int report_failures(const Outline &outline, Diagnostics &diagnostics)
 int layout(const Options &options, const Session &session, Diagnostics &diagnostics,
            std::ostream &out)
 {
-  const Outline outline =
-      read_outline(find_space(session.spec(), options.space), answers_of(options));
+  const MappingNumbers mappings(session.spec());
+  const Outline outline = read_outline(find_space(session.spec(), options.space),
+                                       answers_of(options), {session.names(), mappings, false});
   const int result = report_failures(outline, diagnostics);
   if (options.json) {
     Json document{{"schema_version", json_schema_version},

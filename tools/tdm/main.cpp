@@ -28,6 +28,8 @@ int answer(const Options &options, const Session &session, Diagnostics &diagnost
     return layout(options, session, diagnostics, out);
   case Verb::select:
     return select(options, session, diagnostics, out);
+  case Verb::eval:
+    return eval(options, session, diagnostics, out);
   case Verb::draw:
     return draw(options, session, out);
   case Verb::deps:

@@ -78,6 +78,25 @@ void add_definitions(const ModelContext &context, const tdm_space *space, Json &
 [[nodiscard]] Json json_layout(const ModelContext &context, const tdm_section_layout *layout);
 [[nodiscard]] Json json_selection(const ModelContext &context,
                                   const tdm_selection_statement *statement);
+// What a definition or a statement says, without what it contains; what `origins` would add is left
+// to json_placed().
+[[nodiscard]] Json written(const ModelContext &context, const tdm_stack_def *stack);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_heap_def *heap);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_copy_table *table);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_direct_init *init);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_section_layout *layout);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_assignment *statement);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_if_statement *statement);
+[[nodiscard]] Json written(const ModelContext &context,
+                           const tdm_create_section_statement *section);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_group *group);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_heap_statement *heap);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_stack_statement *stack);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_memory_copy_statement *statement);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_reserved_statement *area);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_selection_statement *statement);
+[[nodiscard]] Json written(const ModelContext &context, const tdm_struct_statement *structure);
+
 [[nodiscard]] Json json_selector(const tdm_section_selector *selector);
 
 } // namespace tool

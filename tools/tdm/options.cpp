@@ -241,6 +241,46 @@ void add_select(CLI::App &verb, Options &options)
               "  echo '.text rx' | tdm select chip.tdm --space linear");
 }
 
+/// FILE takes all words, and hands the last one on.
+void add_expression(CLI::App &verb, Options &options)
+{
+  verb.remove_option(verb.get_option("FILE"));
+  const auto split = [&verb, &options](const std::vector<std::string> &words) {
+    options.files = words;
+    if (words.size() < 2) return;
+    options.files.pop_back();
+    verb.get_option("EXPRESSION")->add_result(words.back());
+  };
+  verb.add_option_function<std::vector<std::string>>(
+          "FILE", split, "Descriptions; read in this order as one input")
+      ->required()
+      ->type_name("");
+  verb.add_option("EXPRESSION", options.expression,
+                  "What to calculate, written as in a section layout of the space")
+      ->required()
+      ->type_name("");
+}
+
+void add_eval(CLI::App &verb, Options &options)
+{
+  add_input(verb, options);
+  add_expression(verb, options);
+  add_walk(verb, options);
+  verb.add_option("--symbol", options.symbols,
+                  "A symbol and its value, a number as a description has it or with - before it")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+  verb.callback([&options] { options.verb = Verb::eval; });
+  verb.footer(
+      "Names are the parameters of the processor's derivative and its memories. No macros: they\n"
+      "end with the description. -- goes before an expression that begins with -.\n"
+      "Addresses are shown in units (MAUs) of the space, sizes of a memory in its own.\n"
+      "Ends with 1 if the expression can't be read or has no value.\n"
+      "Examples:\n"
+      "  tdm eval chip.tdm --space linear 'addressof(mem:flash) + 64k - 4'\n"
+      "  tdm eval chip.tdm --space linear --symbol _end=0x20000400 '0x20002000 - \"_end\"'");
+}
+
 void add_draw(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
@@ -285,6 +325,8 @@ constexpr VerbEntry verbs[] = {
      "tdm layout chip.tdm --space linear"},
     {"select", "Show which selection takes which section", add_select,
      "tdm select chip.tdm --space linear --sections sections.txt"},
+    {"eval", "Calculate an expression in the scope of a space", add_eval,
+     "tdm eval chip.tdm --space linear 'sizeof(mem:flash) / 2'"},
     {"draw", "Draw the memory map as SVG, or as a page of HTML", add_draw,
      "tdm draw chip.tdm -o chip.svg"},
     {"deps", "List the files that are read, as a Makefile rule", add_deps, "tdm deps chip.tdm"},

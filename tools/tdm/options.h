@@ -9,7 +9,7 @@
 
 namespace tool {
 
-enum class Verb { check, preprocess, show, map, layout, select, draw, deps, explain };
+enum class Verb { check, preprocess, show, map, layout, select, eval, draw, deps, explain };
 
 struct Options {
   Verb verb = Verb::check;
@@ -28,15 +28,17 @@ struct Options {
   bool no_markers = false; ///< preprocess
   std::string depfile;     ///< check: where to write the rule; empty for nowhere
   std::vector<std::string> numbers; ///< explain; none for all
-  bool json = false;                ///< show, map, layout, select
+  bool json = false;                ///< show, map, layout, select, eval
   bool origin = false;              ///< show: where each part was written
-  std::string space;  ///< layout, select; map: where the address is meant; empty for a memory
+  std::string space;  ///< layout, select, eval; map: where the address is meant; empty for a memory
   std::string memory; ///< map: the same
   std::string at;     ///< map: the address as it was given
   std::optional<Place> place;       ///< map: the same, read; none for a table
   int32_t unit = 0;                 ///< map: bits of the units to show; 0 for those of each object
-  std::vector<std::string> exists;  ///< layout, select: names that conditions get a yes for
+  std::vector<std::string> exists;  ///< layout, select, eval: names that `exists` says yes to
   std::vector<std::string> defined; ///< the same for symbols
+  std::string expression;           ///< eval
+  std::vector<std::string> symbols; ///< eval: NAME=VALUE
   std::string sections = "-";       ///< select: the list; "-" for the standard input
   std::string target;               ///< deps, check: empty for the default
   std::string output = "-";         ///< draw: the file to write; "-" for the standard output

@@ -18,8 +18,9 @@ namespace {
 
 class OutlineReader {
 public:
-  OutlineReader(const Answers &answers, const AtSelection &at_selection)
-      : answers_(answers), at_selection_(at_selection)
+  OutlineReader(const Answers &answers, const ModelContext &context, int mau,
+                const AtSelection &at_selection)
+      : answers_(answers), at_selection_(at_selection), read_(context, mau)
   {
   }
 
@@ -33,7 +34,7 @@ public:
     const bool complete = tdm_inspect_failure_count() - failures_before == read_.count();
     if (!complete) {
       read_.keep_failure(tdm_inspect_failure_text());
-      add(ItemReader::of(ItemKind::walk_ended));
+      add({.kind = ItemKind::walk_ended});
     }
     return {text_of(tdm_space_get_full_name(space)), tdm_space_get_mausize(space),
             std::move(items_), read_.failures(), complete};
@@ -53,40 +54,39 @@ private:
 
   template <class Definition> void definition(Definition *definition) { add(read_.of(definition)); }
 
-  template <class Statement> void statement(Statement *statement, tdm_statement_env *)
+  template <class Statement> void statement(Statement *statement, tdm_statement_env *env)
   {
-    add(read_.of(statement));
-  }
-
-  template <ItemKind kind, class Statement> void opaque(Statement *, tdm_statement_env *)
-  {
-    add(ItemReader::of(kind));
+    add(read_.of(statement, env));
   }
 
   void copy_table(tdm_copy_table *table)
   {
-    if (table != nullptr) add(ItemReader::of(ItemKind::copy_table));
+    if (table != nullptr) add(read_.of(table));
   }
 
-  void direct_init(tdm_direct_init *) { add(ItemReader::of(ItemKind::direct_init)); }
+  void direct_init(tdm_direct_init *init) { add(read_.of(init)); }
 
   void selection(tdm_selection_statement *statement, tdm_statement_env *env)
   {
-    add(read_.of(statement)).selection = selections_++;
+    add(read_.of(statement, env)).selection = selections_++;
     if (at_selection_) read_.succeeds([&] { at_selection_(statement, env); });
   }
 
   void layout_begin(tdm_section_layout *layout) { begin(read_.of(layout)); }
   void layout_end(tdm_section_layout *) { end(); }
 
-  void block_begin(tdm_block *, tdm_statement_env *) { begin(ItemReader::of(ItemKind::block)); }
+  void block_begin(tdm_block *block, tdm_statement_env *) { begin(read_.of(block)); }
   void block_end(tdm_block *, tdm_statement_env *) { end(); }
 
   /// The condition is evaluated next, so its questions come before the branch.
-  void if_begin(tdm_if_statement *, tdm_statement_env *)
+  void if_begin(tdm_if_statement *statement, tdm_statement_env *)
   {
-    Item item = ItemReader::of(ItemKind::if_statement);
-    item.facts = {{"asked", std::vector<Question>{}}, {"nothing_chosen", false}};
+    Item item = read_.of(statement);
+    const std::optional<bool> holds = value_of(statement);
+    item.facts = {{"", Phrase{holds ? *holds ? "true" : "false" : ""}},
+                  {"holds", holds ? Value(*holds) : Value(Unknown{}), false},
+                  {"asked", std::vector<Question>{}},
+                  {"nothing_chosen", false}};
     begin(std::move(item));
   }
 
@@ -97,9 +97,9 @@ private:
     end();
   }
 
-  void section_begin(tdm_create_section_statement *statement, tdm_statement_env *)
+  void section_begin(tdm_create_section_statement *statement, tdm_statement_env *env)
   {
-    begin(read_.of(statement));
+    begin(read_.of(statement, env));
   }
   void section_end(tdm_create_section_statement *, tdm_statement_env *) { end(); }
 
@@ -111,12 +111,32 @@ private:
 
   // ---- conditions
 
+  /// What the walk is about to find; nothing if the condition asks for what nobody can tell.
+  std::optional<bool> value_of(const tdm_if_statement *statement)
+  {
+    tdm_inspect_environment table{};
+    table.section_exists = is_known_section;
+    return read_.quietly([&]() -> std::optional<bool> {
+      int64_t value = 0;
+      if (tdm_inspect_expression_evaluate(tdm_inspect_if_statement_condition(statement), &table,
+                                          this, &value) == 0)
+        return std::nullopt;
+      return value != 0;
+    });
+  }
+
+  static int is_known_section(const char *name, void *user)
+  {
+    const auto &known = static_cast<const OutlineReader *>(user)->answers_.sections;
+    return known.find(std::string_view(name)) != known.end() ? 1 : 0;
+  }
+
   bool answer(const char *about, const std::set<std::string, std::less<>> &known, const char *name)
   {
     const bool yes = known.find(std::string_view(name)) != known.end();
     if (open_.empty() || open_.back()->kind != ItemKind::if_statement) return yes;
-    std::get<std::vector<Question>>(open_.back()->facts.front().value)
-        .push_back({about, name, yes});
+    const size_t asked = open_.back()->facts.size() - 2;
+    std::get<std::vector<Question>>(open_.back()->facts[asked].value).push_back({about, name, yes});
     return yes;
   }
 
@@ -170,7 +190,7 @@ private:
     table.copy_table = Entry<&Self::copy_table>::call;
     table.direct_init = Entry<&Self::direct_init>::call;
     table.reserved_range = Entry<&Self::definition<tdm_reserved_range>>::call;
-    table.assignment = Entry<&Self::opaque<ItemKind::assignment, tdm_assignment>>::call;
+    table.assignment = Entry<&Self::statement<tdm_assignment>>::call;
     table.block_begin = Entry<&Self::block_begin>::call;
     table.block_end = Entry<&Self::block_end>::call;
     table.if_begin = Entry<&Self::if_begin>::call;
@@ -180,14 +200,13 @@ private:
     table.group_begin = Entry<&Self::group_begin>::call;
     table.group_end = Entry<&Self::group_end>::call;
     table.heap_statement = Entry<&Self::statement<tdm_heap_statement>>::call;
-    table.memory_copy = Entry<&Self::opaque<ItemKind::memcopy, tdm_memory_copy_statement>>::call;
+    table.memory_copy = Entry<&Self::statement<tdm_memory_copy_statement>>::call;
     table.reserved_statement = Entry<&Self::statement<tdm_reserved_statement>>::call;
     table.section_layout_begin = Entry<&Self::layout_begin>::call;
     table.section_layout_end = Entry<&Self::layout_end>::call;
     table.selection = Entry<&Self::selection>::call;
     table.stack_statement = Entry<&Self::statement<tdm_stack_statement>>::call;
-    table.struct_statement =
-        Entry<&Self::opaque<ItemKind::struct_statement, tdm_struct_statement>>::call;
+    table.struct_statement = Entry<&Self::statement<tdm_struct_statement>>::call;
     table.table_statement = Entry<&Self::statement<tdm_table_statement>>::call;
     return table;
   }
@@ -216,9 +235,10 @@ const char *kind_name(ItemKind kind)
   return kind_names[static_cast<size_t>(kind)];
 }
 
-Outline read_outline(tdm_space *space, const Answers &answers, const AtSelection &at_selection)
+Outline read_outline(tdm_space *space, const Answers &answers, const ModelContext &context,
+                     const AtSelection &at_selection)
 {
-  return OutlineReader(answers, at_selection).read(space);
+  return OutlineReader(answers, context, tdm_space_get_mausize(space), at_selection).read(space);
 }
 
 } // namespace tool

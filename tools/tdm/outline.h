@@ -1,7 +1,8 @@
 // What a walk over a space meets, as a tree of facts: collected once, then written as text or as
 // JSON. An item is a definition of the space, a layout or a statement; a fact is what one getter
 // says of it, under the key that JSON has for it. The writers know kinds of values and no keys, so
-// a further getter is one more fact in ItemReader.
+// a further getter is one more fact in ItemReader. Beside the facts, which are evaluated, an item
+// has what the text says and the rules in force, in the form of JSON.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +14,9 @@
 #include <vector>
 
 #include <tdm_c/tdm.h>
+
+#include "json_values.h"
+#include "model_json.h"
 
 namespace tool {
 
@@ -44,8 +48,10 @@ enum class ItemKind {
 
 // ---- values; addresses and sizes count in units (MAUs) of the space
 
-/// The library couldn't tell.
-struct Unknown {};
+/// The library couldn't tell what the expression gives.
+struct Unknown {
+  std::string expression; ///< may be empty
+};
 /// In text left out if it is 0, which stands for none, too.
 struct Size {
   int64_t units;
@@ -63,9 +69,12 @@ struct Range {
 struct Vectors {
   int64_t number;
 };
-/// On attributes, of a select. In text left out if there are none.
-struct Conditions {
+struct Count {
   int64_t number;
+};
+/// A phrase for text alone, without the key. "" is left out.
+struct Phrase {
+  std::string text;
 };
 /// What a condition wanted to know.
 struct Question {
@@ -75,19 +84,24 @@ struct Question {
 };
 /// A flag that is false is left out in text.
 using Value = std::variant<Unknown, bool, std::string, Size, Alignment, Address, Range, Vectors,
-                           Conditions, std::vector<Range>, std::vector<Question>>;
+                           Count, Phrase, std::vector<Range>, std::vector<Question>>;
 
 struct Fact {
-  const char *key;
+  const char *key; ///< of a phrase: ""
   Value value;
+  bool in_text = true;
 };
 
 struct Item {
   ItemKind kind;
-  std::optional<std::string> name;
-  const tdm_source_location *location; ///< of the spec; null if it isn't known
-  std::vector<Fact> facts;
-  std::vector<Item> children;
+  std::optional<std::string> name{};
+  std::optional<tdm_srcpos> place{};
+  std::vector<Fact> facts{};
+  std::string head{};               ///< in text behind kind and name
+  std::vector<std::string> lines{}; ///< in text below it
+  Json written{};                   ///< as `show` has it; null for what says nothing
+  Json rules{};                     ///< in force at a statement, or in a group; null elsewhere
+  std::vector<Item> children{};
   size_t selection = 0; ///< of a select: its number in the walk, from 0
 };
 
@@ -111,6 +125,7 @@ using AtSelection = std::function<void(tdm_selection_statement *, tdm_statement_
 
 /// Walks the space.
 [[nodiscard]] Outline read_outline(tdm_space *space, const Answers &answers,
+                                   const ModelContext &context,
                                    const AtSelection &at_selection = {});
 
 } // namespace tool

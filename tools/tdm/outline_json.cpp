@@ -9,7 +9,8 @@ namespace tool {
 namespace {
 
 struct FactJson {
-  Json operator()(Unknown) const { return nullptr; }
+  Json operator()(const Unknown &) const { return nullptr; }
+  Json operator()(const Phrase &) const { return nullptr; }
   Json operator()(bool flag) const { return flag; }
   Json operator()(const std::string &text) const { return text; }
   Json operator()(Size size) const { return size.units; }
@@ -17,7 +18,7 @@ struct FactJson {
   Json operator()(Address address) const { return address.value; }
   Json operator()(const Range &range) const { return {{"low", range.low}, {"high", range.high}}; }
   Json operator()(Vectors vectors) const { return vectors.number; }
-  Json operator()(Conditions conditions) const { return conditions.number; }
+  Json operator()(Count count) const { return count.number; }
   Json operator()(const std::vector<Range> &ranges) const
   {
     Json list = Json::array();
@@ -42,12 +43,23 @@ bool holds_others(ItemKind kind)
 
 } // namespace
 
+Json json_value(const Value &value)
+{
+  return std::visit(FactJson(), value);
+}
+
 Json json_item(const Item &item, const FileNames &names)
 {
   Json json{{"kind", kind_name(item.kind)}};
   if (item.name.has_value()) json["name"] = *item.name;
-  json["location"] = json_location(names, item.location);
-  for (const auto &[key, value] : item.facts) json[key] = std::visit(FactJson(), value);
+  json["location"] = item.place ? Json{{"file", names.shown(item.place->file)},
+                                       {"line", item.place->line},
+                                       {"column", item.place->column}}
+                                : Json(nullptr);
+  for (const Fact &fact : item.facts)
+    if (!std::holds_alternative<Phrase>(fact.value)) json[fact.key] = json_value(fact.value);
+  if (!item.written.is_null()) json["written"] = item.written;
+  if (!item.rules.is_null()) json["rules"] = item.rules;
   return json;
 }
 

@@ -7,6 +7,8 @@
 
 namespace tool {
 
+[[nodiscard]] Json json_value(const Value &value);
+
 /// Kind, name, location and facts, without what it holds.
 [[nodiscard]] Json json_item(const Item &item, const FileNames &names);
 

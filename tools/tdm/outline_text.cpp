@@ -26,7 +26,10 @@ class FactText {
 public:
   FactText(const char *key, int mau) : key_(words_of(key)), mau_(mau) {}
 
-  std::string operator()(Unknown) const { return key_ + " ?"; }
+  std::string operator()(const Unknown &unknown) const
+  {
+    return key_ + " ?" + (unknown.expression.empty() ? "" : " (" + unknown.expression + ")");
+  }
   std::string operator()(bool flag) const { return flag ? key_ : ""; }
   std::string operator()(const std::string &text) const
   {
@@ -44,10 +47,7 @@ public:
   std::string operator()(Address address) const { return key_ + " " + hex(address.value); }
   std::string operator()(const Range &range) const { return text_of(range); }
   std::string operator()(Vectors vectors) const { return quantity(vectors.number, "vector"); }
-  std::string operator()(Conditions conditions) const
-  {
-    return conditions.number == 0 ? "" : quantity(conditions.number, "attribute condition");
-  }
+  std::string operator()(Count count) const { return key_ + " " + std::to_string(count.number); }
   std::string operator()(const std::vector<Range> &ranges) const
   {
     std::string text = key_;
@@ -55,6 +55,7 @@ public:
       text += (&range == &ranges.front() ? " " : " | ") + text_of(range);
     return text;
   }
+  std::string operator()(const Phrase &phrase) const { return phrase.text; }
   std::string operator()(const std::vector<Question> &questions) const
   {
     std::string text;
@@ -96,11 +97,19 @@ private:
   {
     Node node;
     Facts facts;
-    for (const auto &[key, value] : item.facts) facts.add(std::visit(FactText(key, mau_), value));
+    for (const Fact &fact : item.facts)
+      if (fact.in_text) facts.add(std::visit(FactText(fact.key, mau_), fact.value));
+    node.details = item.lines;
     if (annotate_) annotate_(item, facts, node);
-    facts.add(place_text(names_, item.location));
+    if (item.place)
+      facts.add(names_.shown(item.place->file) + ":" + std::to_string(item.place->line));
     node.text = words_of(kind_name(item.kind));
-    if (item.name.has_value()) node.text += " \"" + *item.name + "\"";
+    if (item.name.has_value()) {
+      // Groups have names, all others texts.
+      const char *quote = item.kind == ItemKind::group ? "" : "\"";
+      node.text += std::string(" ") + quote + *item.name + quote;
+    }
+    node.text += item.head;
     if (!facts.text().empty()) node.text += "  " + facts.text();
     node.children = of(children_of(item));
     return node;

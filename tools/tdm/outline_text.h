@@ -4,8 +4,8 @@
 //   space cpu1:cor1:lin  8-bit MAUs
 //   ├─ stack definition "s1"  min size 0x10 (16 B), align 8, fixed, layout.tdm:11
 //   └─ layout  layout.tdm:16
-//      └─ group  ranges 0x200..0x300 | 0x400..0x500, layout.tdm:25
-//         └─ select ".data"  1 attribute condition, layout.tdm:25
+//      └─ group g  run_addr 0x400..0x500 (mem:ram), layout.tdm:25
+//         └─ select ".data*"  attributes +w, layout.tdm:25
 #pragma once
 
 #include <functional>

@@ -48,9 +48,8 @@ def spelled(option):
 
 
 def synopsis(verb):
-    free = positional(verb)
     words = ["*tdm*", f"*{verb['name']}*", "[options]"]
-    if free:
+    for free in (option for option in verb["options"] if not option["names"]):
         text = escaped(free["value"]) + ("..." if free["repeated"] else "")
         words.append(text if free["required"] else f"[{text}]")
     return " ".join(words)

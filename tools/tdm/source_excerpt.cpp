@@ -75,10 +75,22 @@ const SourceFiles::File &SourceFiles::read(const std::string &name)
   std::ifstream in(name, std::ios::binary);
   file.text.assign(std::istreambuf_iterator<char>(in), {});
   std::erase_if(file.text, [](char c) { return c == '\r' || c == '\x1A'; });
-  if (!file.text.empty()) file.starts.push_back(0);
+  find_lines(file);
+  return file;
+}
+
+void SourceFiles::keep(const std::string &name, std::string text)
+{
+  File &file = files_[name];
+  file = {std::move(text), {0}};
+  find_lines(file);
+}
+
+void SourceFiles::find_lines(File &file)
+{
+  if (!file.text.empty() && file.starts.empty()) file.starts.push_back(0);
   for (size_t i = 0; i + 1 < file.text.size(); ++i)
     if (file.text[i] == '\n') file.starts.push_back(i + 1);
-  return file;
 }
 
 std::optional<std::string_view> SourceFiles::line(const std::string &name, int number)

@@ -18,12 +18,16 @@ public:
   /// object.
   [[nodiscard]] std::optional<std::string_view> line(const std::string &file, int number);
 
+  /// A text that is no file, under the name by which places in it are told.
+  void keep(const std::string &name, std::string text);
+
 private:
   struct File {
     std::string text;
     std::vector<size_t> starts; ///< of the lines
   };
   const File &read(const std::string &name);
+  static void find_lines(File &file);
 
   std::map<std::string, File> files_;
 };

@@ -173,4 +173,24 @@ void add_definitions(const ModelContext &context, const tdm_space *space, Json &
   json["layouts"] = list_of<tdm_section_layout>(context, tdm_inspect_space_section_layouts(space));
 }
 
+Json written(const ModelContext &context, const tdm_stack_def *stack)
+{
+  return of(context, stack);
+}
+
+Json written(const ModelContext &context, const tdm_heap_def *heap)
+{
+  return of(context, heap);
+}
+
+Json written(const ModelContext &context, const tdm_copy_table *table)
+{
+  return of(context, table);
+}
+
+Json written(const ModelContext &context, const tdm_direct_init *init)
+{
+  return of(context, init);
+}
+
 } // namespace tool

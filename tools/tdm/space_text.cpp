@@ -118,6 +118,13 @@ std::string names_of(tdm_arr *spaces)
   return names;
 }
 
+void add_destinations(Facts &facts, const tdm_space *by_default, tdm_arr *destinations)
+{
+  facts.add(with_word("dest", name_of(by_default)));
+  for (const auto &pair : take_elements<tdm_inspect_copy_destination>(destinations))
+    facts.add("dest " + name_of(pair.source) + " = " + name_of(pair.destination));
+}
+
 class SpaceText {
 public:
   SpaceText(const TextContext &context, const tdm_space *space)
@@ -242,40 +249,14 @@ private:
     facts.add(grows_text(direction));
   }
 
-  static void add_destinations(Facts &facts, const tdm_space *by_default, tdm_arr *destinations)
-  {
-    facts.add(with_word("dest", name_of(by_default)));
-    for (const auto &pair : take_elements<tdm_inspect_copy_destination>(destinations))
-      facts.add("dest " + name_of(pair.source) + " = " + name_of(pair.destination));
-  }
-
   void add_tables(Node &node) const
   {
-    tdm_inspect_copy_table table;
-    const tdm_copy_table *copies = tdm_inspect_space_copy_table(space_);
-    if (copies != nullptr && tdm_inspect_get_copy_table(copies, &table) != 0) {
-      Facts facts;
-      if (table.alignment > 1) facts.add("align " + std::to_string(table.alignment));
-      if (table.copy_unit > 0) facts.add("copy_unit " + std::to_string(table.copy_unit));
-      facts.add_if(table.page_restrict_rom_copies != 0, "page");
-      add_destinations(facts, table.default_destination,
-                       tdm_inspect_copy_table_destinations(copies));
-      for (const auto *part :
-           take_elements<tdm_copy_sub_table *>(tdm_inspect_copy_table_sub_tables(copies)))
-        facts.add("table " + quoted(tdm_inspect_copy_sub_table_symbol(part)) + " of " +
-                  names_of(tdm_inspect_copy_sub_table_spaces(part)));
-      node.children.push_back(context_.node("copytable", "", facts, TDM_OBJECT_COPY_TABLE, copies));
-    }
-    tdm_inspect_direct_init init;
-    const tdm_direct_init *direct = tdm_inspect_space_direct_init(space_);
-    if (direct != nullptr && tdm_inspect_get_direct_init(direct, &init) != 0) {
-      Facts facts;
-      if (init.alignment > 1) facts.add("align " + std::to_string(init.alignment));
-      add_destinations(facts, init.default_destination,
-                       tdm_inspect_direct_init_destinations(direct));
+    if (const tdm_copy_table *copies = tdm_inspect_space_copy_table(space_))
       node.children.push_back(
-          context_.node("direct_init", "", facts, TDM_OBJECT_DIRECT_INIT, direct));
-    }
+          context_.node("copytable", "", facts_of(copies), TDM_OBJECT_COPY_TABLE, copies));
+    if (const tdm_direct_init *direct = tdm_inspect_space_direct_init(space_))
+      node.children.push_back(
+          context_.node("direct_init", "", facts_of(direct), TDM_OBJECT_DIRECT_INIT, direct));
   }
 
   [[nodiscard]] Node of_vector_table(tdm_vector_table *table) const
@@ -355,6 +336,32 @@ private:
 };
 
 } // namespace
+
+Facts facts_of(const tdm_copy_table *copies)
+{
+  Facts facts;
+  tdm_inspect_copy_table table;
+  if (tdm_inspect_get_copy_table(copies, &table) == 0) return facts;
+  if (table.alignment > 1) facts.add("align " + std::to_string(table.alignment));
+  if (table.copy_unit > 0) facts.add("copy_unit " + std::to_string(table.copy_unit));
+  facts.add_if(table.page_restrict_rom_copies != 0, "page");
+  add_destinations(facts, table.default_destination, tdm_inspect_copy_table_destinations(copies));
+  for (const auto *part :
+       take_elements<tdm_copy_sub_table *>(tdm_inspect_copy_table_sub_tables(copies)))
+    facts.add("table " + quoted(tdm_inspect_copy_sub_table_symbol(part)) + " of " +
+              names_of(tdm_inspect_copy_sub_table_spaces(part)));
+  return facts;
+}
+
+Facts facts_of(const tdm_direct_init *direct)
+{
+  Facts facts;
+  tdm_inspect_direct_init init;
+  if (tdm_inspect_get_direct_init(direct, &init) == 0) return facts;
+  if (init.alignment > 1) facts.add("align " + std::to_string(init.alignment));
+  add_destinations(facts, init.default_destination, tdm_inspect_direct_init_destinations(direct));
+  return facts;
+}
 
 Node space_node(const TextContext &context, const tdm_space *space,
                 const std::vector<Region> &regions)

@@ -30,4 +30,8 @@ struct TextContext {
 [[nodiscard]] Node space_node(const TextContext &context, const tdm_space *space,
                               const std::vector<Region> &regions);
 
+/// What the tables of a space say.
+[[nodiscard]] Facts facts_of(const tdm_copy_table *copies);
+[[nodiscard]] Facts facts_of(const tdm_direct_init *direct);
+
 } // namespace tool

@@ -31,8 +31,11 @@ int layout(const Options &options, const Session &session, Diagnostics &diagnost
            std::ostream &out);
 int select(const Options &options, const Session &session, Diagnostics &diagnostics,
            std::ostream &out);
+/// The same for the expression.
+int eval(const Options &options, const Session &session, Diagnostics &diagnostics,
+         std::ostream &out);
 
-// What the two have in common.
+// What these have in common.
 [[nodiscard]] Answers answers_of(const Options &options);
 /// What the process ends with.
 int report_failures(const Outline &outline, Diagnostics &diagnostics);
