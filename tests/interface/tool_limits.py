@@ -140,7 +140,7 @@ def signal_faults(tdm, directory, sanitized):
             continue
         waiting = Waiting(tdm, directory)
         if number == signal.SIGKILL:
-            time.sleep(0.6)  # it notes where it is twice a second
+            time.sleep(1)  # it notes where it is twice a second
         os.kill(waiting.child, number)
         ended = waiting.ended()
         if ended != expected:
@@ -156,18 +156,19 @@ def signal_faults(tdm, directory, sanitized):
 
 def waiting_faults(tdm, directory):
     """Neither a reader nor a writer of its pipes costs the tool its time."""
-    slow = subprocess.Popen([tdm, "show", "--json", "--timeout", "0.8", "good.tdm"], cwd=directory,
-                            stdout=subprocess.PIPE)
-    time.sleep(1.2)
-    text, _ = slow.communicate(timeout=PATIENCE)
-    if slow.returncode != 0 or not text.endswith(b"}\n"):
-        yield f"a slow reader of its output ends it with {slow.returncode}"
-    slow = subprocess.Popen([tdm, "select", "--timeout", "0.8", "--space", "lin", "good.tdm"],
-                            cwd=directory, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-    time.sleep(1.2)
-    text, _ = slow.communicate(b".text.main rx\n", timeout=PATIENCE)
-    if slow.returncode != 0 or b"takes 1 section" not in text:
-        yield f"a slow writer of its input ends it with {slow.returncode}"
+    cases = (("show --json good.tdm", b"", b"}\n"),
+             ("select --space lin good.tdm", b".text.main rx\n", b"takes 1 section"))
+    for arguments, given, expected in cases:
+        command = [tdm, *arguments.split(), "--timeout"]
+        begin = time.monotonic()
+        subprocess.run([*command, "0"], cwd=directory, input=given, stdout=subprocess.DEVNULL, check=True)
+        limit = max(0.6, 4 * (time.monotonic() - begin))
+        slow = subprocess.Popen([*command, str(limit)], cwd=directory, stdin=subprocess.PIPE,
+                                stdout=subprocess.PIPE)
+        time.sleep(1.6 * limit)
+        text, _ = slow.communicate(given, timeout=PATIENCE)
+        if slow.returncode != 0 or expected not in text:
+            yield f"{arguments} with slow neighbours ends with {slow.returncode}"
 
 
 def main():
