@@ -21,7 +21,7 @@ struct Node final : TDMMapSource, TDMMapDestination {
   const std::vector<TDMMapping *> &outgoing_mappings() const override { return outgoing; }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming.push_back(mapping); }
   const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming; }
-  tdm::MapEnd end() const { return {tdm::NodeKind::bus, width}; }
+  tdm::MapEnd end() { return {tdm::NodeKind::bus, width, this, this}; }
 
   int mau, width;
   std::vector<TDMMapping *> outgoing, incoming;

@@ -1,5 +1,5 @@
-// Small blocks of memory that come and go by the thousand: records of the parse, and lists of
-// source locations.
+// Small blocks of memory that come and go by the thousand: records of the parse, objects of the
+// model, and lists of source locations.
 //
 // Freed blocks are kept by size and handed out again; large ones are the general allocator's. The
 // memory goes back when the last block has been freed and the library ends (pool_trim). Under a
@@ -8,16 +8,78 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define TDM_PLAIN_BLOCKS 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TDM_PLAIN_BLOCKS 1
+#endif
+#endif
 
 namespace tdm {
 
-[[nodiscard]] void *pool_allocate(std::size_t size);
-
-/// The size must be the one that was asked for; null is no block.
-void pool_free(void *block, std::size_t size) noexcept;
-
 /// Gives all memory back if no block is in use.
 void pool_trim() noexcept;
+
+#ifdef TDM_PLAIN_BLOCKS
+
+[[nodiscard]] inline void *pool_allocate(std::size_t size)
+{
+  return ::operator new(size);
+}
+
+inline void pool_free(void *block, std::size_t) noexcept
+{
+  ::operator delete(block);
+}
+
+#else
+
+/// Free lists by size over slabs.
+struct BlockPool {
+  static constexpr std::size_t grain = 16;
+  static constexpr std::size_t largest = 1024;
+
+  struct FreeBlock {
+    FreeBlock *next;
+  };
+  struct Slab;
+
+  FreeBlock *free[largest / grain + 1];
+  char *cursor; ///< the rest of the newest slab
+  char *end;
+  Slab *slabs;
+  std::size_t in_use;
+};
+[[gnu::visibility("hidden")]] extern BlockPool block_pool;
+
+/// A new block of so many grains.
+[[nodiscard]] void *pool_cut(std::size_t grains);
+
+[[nodiscard]] inline void *pool_allocate(std::size_t size)
+{
+  if (size > BlockPool::largest) return ::operator new(size);
+  const std::size_t grains = (size + BlockPool::grain - 1) / BlockPool::grain;
+  BlockPool::FreeBlock *const block = block_pool.free[grains];
+  if (block == nullptr) return pool_cut(grains);
+  block_pool.free[grains] = block->next;
+  ++block_pool.in_use;
+  return block;
+}
+
+/// The size must be the one that was asked for; null is no block.
+inline void pool_free(void *block, std::size_t size) noexcept
+{
+  if (block == nullptr) return;
+  if (size > BlockPool::largest) return ::operator delete(block);
+  --block_pool.in_use;
+  const std::size_t grains = (size + BlockPool::grain - 1) / BlockPool::grain;
+  block_pool.free[grains] = new (block) BlockPool::FreeBlock{block_pool.free[grains]};
+}
+
+#endif
 
 /// A base that makes objects live in the pool. What derives from it needs a virtual destructor, or
 /// must be deleted as what it is.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "common/block_pool.h"
 
@@ -11,24 +12,28 @@ namespace {
 // Numbers and names in expressions have one key, most other records a few, and some ten.
 constexpr std::uint32_t capacity_above(std::uint32_t count)
 {
-  for (const std::uint32_t capacity : {1U, 4U, 8U})
-    if (count < capacity) return capacity;
-  return count * 2;
+  if (count < 4) return 4;
+  return count < 8 ? 8 : count * 2;
 }
 
 } // namespace
 
-// Makes room for one more entry, in a list of this object's own.
+void SourceLocations::reserve(std::uint32_t capacity)
+{
+  if (list_ != nullptr) return;
+  void *memory = tdm::pool_allocate(sizeof(List) + capacity * sizeof(Entry));
+  list_ = new (memory) List{1, 0, capacity, 0, 0, nullptr};
+}
+
+// Makes room for one more entry behind those that there are, in a list of this object's own.
 void SourceLocations::renew()
 {
-  const std::uint32_t count = list_ == nullptr ? 0 : list_->count;
-  const std::uint32_t capacity = capacity_above(count);
-  void *memory = tdm::pool_allocate(sizeof(List) + capacity * sizeof(Entry));
-  List *const list = new (memory) List{1, count, capacity, 0, 0, nullptr};
-  if (count > 0)
-    std::memcpy(static_cast<void *>(list->entries()), list_->entries(), count * sizeof(Entry));
-  if (list_ != nullptr && --list_->users == 0) free(list_);
-  list_ = list;
+  SourceLocations next;
+  next.reserve(capacity_above(list_->count));
+  next.list_->count = list_->count;
+  std::memcpy(static_cast<void *>(next.list_->entries()), list_->entries(),
+              list_->count * sizeof(Entry));
+  std::swap(list_, next.list_); // what was shared or too small loses this user
 }
 
 void SourceLocations::free(List *list)

@@ -94,10 +94,17 @@ public:
   /// Keeps the location under the key; the first one stored under a key wins.
   void store(LocationKey key, const TDMSourceLocation &location)
   {
-    if (find(key) != nullptr) return;
-    if (list_ == nullptr || list_->count == list_->capacity || list_->users > 1) renew();
+    if (list_ == nullptr) {
+      reserve(1);
+    } else {
+      if (find(key) != nullptr) return;
+      if (list_->count == list_->capacity || list_->users > 1) renew();
+    }
     list_->entries()[list_->count++] = {key, location};
   }
+
+  /// Makes room for so many entries where there are none yet.
+  void reserve(std::uint32_t capacity);
 
   /// The location under the key, or null. The pointer stays valid until the next store.
   [[nodiscard]] const TDMSourceLocation *find(LocationKey key) const

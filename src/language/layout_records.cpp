@@ -5,7 +5,7 @@
 
 namespace tdm {
 
-AttributeSet attribute_set(const std::string &word)
+AttributeSet attribute_set(std::string_view word)
 {
   AttributeSet set;
   for (const char letter : word) {

@@ -58,7 +58,7 @@ struct AttributeSet {
 
 /// The set that the letters of the word make up. Throws TDMFileSyntaxException for a letter that
 /// is no attribute.
-[[nodiscard]] AttributeSet attribute_set(const std::string &word);
+[[nodiscard]] AttributeSet attribute_set(std::string_view word);
 
 } // namespace tdm
 

@@ -103,24 +103,10 @@ TDMLexer::TDMLexer(antlr::InputBuffer &buffer) : TDMLexerBase(buffer)
   setTokenObjectFactory(&TDMToken::factory);
 }
 
-void TDMLexer::scan(tdm::Lexeme &next)
+template <typename Rule> int TDMLexer::with_failures_of_stream(Rule rule)
 {
   try {
-    int type = 0;
-    do {
-      if (has_whole_tokens()) {
-        type = quick_token(next);
-        if (type != 0) continue;
-        text.clear();
-        settle();
-      } else {
-        resetText();
-      }
-      type = any_token();
-      if (type != antlr::Token::SKIP) keep_text(type, next);
-    } while (type == antlr::Token::SKIP);
-    next.type = type;
-    next.location = place_;
+    return rule();
   } catch (antlr::RecognitionException &failure) {
     throw antlr::TokenStreamRecognitionException(failure);
   } catch (antlr::CharStreamIOException &failure) {
@@ -130,10 +116,30 @@ void TDMLexer::scan(tdm::Lexeme &next)
   }
 }
 
+void TDMLexer::scan_by_rules(tdm::Lexeme &next)
+{
+  for (;;) {
+    if (next.type == 0) {
+      if (has_whole_tokens()) {
+        text.clear();
+        settle(next.location);
+      } else {
+        resetText();
+        next.location = place_;
+      }
+      next.type = with_failures_of_stream([this] { return any_token(); });
+      if (next.type != antlr::Token::SKIP) return keep_text(next.type, next);
+    }
+    next.type = has_whole_tokens() ? quick_token(next) : 0;
+    if (next.type > 0) return;
+  }
+}
+
 antlr::RefToken TDMLexer::nextToken()
 {
   tdm::Lexeme next;
   scan(next);
+  place_ = next.location;
   _returnToken = makeToken(next.type);
   _returnToken->setText(std::string(next.characters()));
   return _returnToken;
@@ -147,6 +153,25 @@ void TDMLexer::keep_text(int type, tdm::Lexeme &next) const
     next.set_text(tdm::single_text(text[0]));
   else
     next.set_text({tdm::intern(text), text.size()});
+}
+
+// The rest of a token whose front has been taken from the preprocessor whole.
+int TDMLexer::rest_by_rule(int type)
+{
+  return with_failures_of_stream([this, type] {
+    switch (type) {
+    case antlr::Token::SKIP:
+      return single_line_comment();
+    case DECIMAL_NUMBER:
+      return decimal_tail();
+    case OCTAL_NUMBER:
+      return octal_tail();
+    case HEXADECIMAL_NUMBER:
+      return hexadecimal_tail();
+    default:
+      return word_tail();
+    }
+  });
 }
 
 // Chooses by one character; the rules of operators look at the second one themselves.

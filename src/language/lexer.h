@@ -48,6 +48,13 @@ protected:
   /// reported from there.
   void settle();
 
+  /// The same for a token whose place is known.
+  void settle(const TDMSourceLocation &place)
+  {
+    place_ = place;
+    settle();
+  }
+
   /// consume() for what makes no text.
   void pass()
   {
@@ -83,15 +90,18 @@ protected:
   int look_behind()
   {
     held_ = 1;
-    return ahead_[0] = fetch_of_token();
+    return ahead_[0] = tokens_->take_byte();
   }
 
   TDMSourceLocation place_; ///< of the token at hand
 
 private:
-  int fetch() { return tokens_ != nullptr ? fetch_of_token() : unsigned_byte(stream_.getChar()); }
-  int fetch_of_token() { return unsigned_byte(tokens_->TDMPreprocessedFileInputStream::getChar()); }
-  static int unsigned_byte(int c) { return c < EOF_CHAR ? c & 0xFF : c; }
+  int fetch()
+  {
+    if (tokens_ != nullptr) return tokens_->take_byte();
+    const int c = stream_.getChar();
+    return c < EOF_CHAR ? c & 0xFF : c;
+  }
 
   [[nodiscard]] TDMSourceLocation stream_place() const
   {
@@ -122,12 +132,23 @@ public:
 
   /// Reads the next token that counts; EOF again and again behind the last one. Failures are those
   /// of nextToken.
-  void scan(tdm::Lexeme &next);
+  void scan(tdm::Lexeme &next)
+  {
+    next.type = has_whole_tokens() ? quick_token(next) : 0;
+    if (next.type <= 0) scan_by_rules(next);
+  }
 
   /// The same as a token of the runtime.
   antlr::RefToken nextToken() override;
 
 private:
+  /// Goes on until there is a token, where the short road has come to its end (type 0) or has
+  /// left something out (SKIP).
+  void scan_by_rules(tdm::Lexeme &next);
+
+  /// Calls the rule; failures become those of nextToken.
+  template <typename Rule> int with_failures_of_stream(Rule rule);
+
   // Each rule reads one token and gives its type, or SKIP.
   int any_token();
   int white_space();
@@ -158,9 +179,10 @@ private:
   int quick_token(tdm::Lexeme &next);
   int whole_token(const tdm::PpToken &token, tdm::Lexeme &next);
   int whole_text(const tdm::PpToken &token, tdm::Lexeme &next);
-  int whole_comment(const tdm::PpToken &token);
+  int whole_comment(const tdm::PpToken &token, const TDMSourceLocation &place);
   int single_character(int c, tdm::Lexeme &next);
-  int merged(int type, std::string_view front, tdm::Lexeme &next);
+  int merged(int type, tdm::Lexeme &next);
+  int rest_by_rule(int type);
 
   /// Gives the token the text that the rules have read, in a place where it stays.
   void keep_text(int type, tdm::Lexeme &next) const;

@@ -7,7 +7,6 @@
 //
 // Both roads fetch from the stream in the same order and look at its place at the same moments, so
 // that nobody can tell afterwards which one a token took.
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -22,34 +21,50 @@ namespace {
 /// Kept in place of a type: the text is no whole token.
 constexpr int not_whole = 1;
 
-template <typename Test> bool all(std::string_view text, Test test)
+/// The tests that are made of whole texts, as bits of a table of bytes.
+enum Class : std::uint8_t { decimal = 1, octal = 2, hexadecimal = 4, of_word = 8, unescaped = 16 };
+
+constexpr std::array<std::uint8_t, 256> classes = [] {
+  std::array<std::uint8_t, 256> table = {};
+  for (int c = 0; c < 256; ++c) {
+    std::uint8_t &entry = table[static_cast<std::size_t>(c)];
+    if (tdm::is_digit(c)) entry |= decimal;
+    if (tdm::is_octal_digit(c)) entry |= octal;
+    if (tdm::is_hex_digit(c)) entry |= hexadecimal;
+    if (tdm::is_word_character(c) && c != '.') entry |= of_word;
+    if (tdm::is_unescaped(c)) entry |= unescaped;
+  }
+  return table;
+}();
+
+bool all(std::string_view text, Class wanted)
 {
-  return std::all_of(text.begin(), text.end(), test);
+  for (const char c : text)
+    if ((classes[static_cast<unsigned char>(c)] & wanted) == 0) return false;
+  return true;
 }
 
 int type_of_number(std::string_view text)
 {
-  if (text[0] != '0') return all(text, tdm::is_digit) ? TDMTokenTypes::DECIMAL_NUMBER : not_whole;
+  if (text[0] != '0') return all(text, decimal) ? TDMTokenTypes::DECIMAL_NUMBER : not_whole;
   if (text.size() > 2 && (text[1] == 'x' || text[1] == 'X'))
-    return all(text.substr(2), tdm::is_hex_digit) ? TDMTokenTypes::HEXADECIMAL_NUMBER : not_whole;
-  return all(text, tdm::is_octal_digit) ? TDMTokenTypes::OCTAL_NUMBER : not_whole;
+    return all(text.substr(2), hexadecimal) ? TDMTokenTypes::HEXADECIMAL_NUMBER : not_whole;
+  return all(text, octal) ? TDMTokenTypes::OCTAL_NUMBER : not_whole;
 }
 
 // Strings with escapes take the long road.
 int type_of_string(std::string_view text)
 {
   const std::string_view inside = text.substr(1, text.size() - 2);
-  return text.size() >= 2 && text.back() == '"' && all(inside, tdm::is_unescaped)
-             ? TDMTokenTypes::STRING
-             : not_whole;
+  return text.size() >= 2 && text.back() == '"' && all(inside, unescaped) ? TDMTokenTypes::STRING
+                                                                          : not_whole;
 }
 
 int type_of(std::string_view text)
 {
   if (tdm::is_digit(text[0])) return type_of_number(text);
   if (text[0] == '"') return type_of_string(text);
-  const bool word = tdm::is_word_start(text[0]) && all(text, tdm::is_word_character) &&
-                    text.find('.') == std::string_view::npos;
+  const bool word = tdm::is_word_start(text[0]) && all(text, of_word);
   return word ? tdm::keyword_type(text, TDMTokenTypes::IDENTIFIER) : not_whole;
 }
 
@@ -136,7 +151,7 @@ int TDMLexer::quick_token(tdm::Lexeme &next)
     const int c = LA(1);
     const bool begun = characters_held() == 1 && stream.characters_taken() == 1;
     if (characters_held() == 2 || !is_blank(c)) {
-      place_ = stream.place();
+      next.location = stream.place();
       if (begun) return whole_token(*token, next);
       return characters_held() == 1 ? single_character(c, next) : 0;
     }
@@ -145,10 +160,10 @@ int TDMLexer::quick_token(tdm::Lexeme &next)
     behind_blanks = true;
   }
   for (; is_blank(*token); behind_blanks = true) token = &stream.skip_blanks();
-  place_ = {token->position.file, token->position.line, token->position.column};
+  next.location = {token->position.file, token->position.line, token->position.column};
   if (token->length > 1) return whole_token(*token, next);
   const int c = look_behind();
-  if (behind_blanks) place_ = stream.place();
+  if (behind_blanks) next.location = stream.place();
   return single_character(c, next);
 }
 
@@ -157,7 +172,7 @@ int TDMLexer::whole_token(const tdm::PpToken &token, tdm::Lexeme &next)
 {
   if (token.number == tIDENT || token.number == tICON || token.number == tSTRING)
     return whole_text(token, next);
-  return token.number == tCOMMENT ? whole_comment(token) : 0;
+  return token.number == tCOMMENT ? whole_comment(token, next.location) : 0;
 }
 
 // A character that has been a token of the preprocessor, in the most frequent forms.
@@ -174,8 +189,7 @@ int TDMLexer::single_character(int c, tdm::Lexeme &next)
     next.set_text(tdm::operator_texts[known.followed_by_equals]);
     return known.followed_by_equals;
   }
-  if (known.type == DECIMAL_NUMBER && tdm::is_digit(look_behind()))
-    return merged(known.type, next.characters(), next);
+  if (known.type == DECIMAL_NUMBER && tdm::is_digit(look_behind())) return merged(known.type, next);
   return known.type;
 }
 
@@ -187,39 +201,30 @@ int TDMLexer::whole_text(const tdm::PpToken &token, tdm::Lexeme &next)
   leave_out_token();
   if (type == STRING) return type;
   const int c = look_behind();
-  const bool goes_on = type == DECIMAL_NUMBER       ? tdm::is_digit(c)
-                       : type == OCTAL_NUMBER       ? tdm::is_octal_digit(c)
-                       : type == HEXADECIMAL_NUMBER ? tdm::is_hex_digit(c)
-                                                    : tdm::is_word_character(c);
-  return goes_on ? merged(type, next.characters(), next) : type;
+  bool goes_on = false;
+  if (type < OCTAL_NUMBER || type > HEXADECIMAL_NUMBER)
+    goes_on = tdm::is_word_character(c);
+  else if (type == DECIMAL_NUMBER)
+    goes_on = tdm::is_digit(c);
+  else
+    goes_on = type == OCTAL_NUMBER ? tdm::is_octal_digit(c) : tdm::is_hex_digit(c);
+  return goes_on ? merged(type, next) : type;
 }
 
 // The token goes on in the next one of the preprocessor.
-int TDMLexer::merged(int type, std::string_view front, tdm::Lexeme &next)
+int TDMLexer::merged(int type, tdm::Lexeme &next)
 {
-  settle();
-  text.assign(front);
-  state().column += static_cast<int>(front.size());
-  switch (type) {
-  case DECIMAL_NUMBER:
-    type = decimal_tail();
-    break;
-  case OCTAL_NUMBER:
-    type = octal_tail();
-    break;
-  case HEXADECIMAL_NUMBER:
-    type = hexadecimal_tail();
-    break;
-  default:
-    type = word_tail();
-  }
+  settle(next.location);
+  text.assign(next.characters());
+  state().column += static_cast<int>(next.length);
+  type = rest_by_rule(type);
   keep_text(type, next);
   return type;
 }
 
 // The preprocessor has found the end of the comment, unless the input ended first; only characters
 // that are refused here, and a CR, which ends a line comment, need a look.
-int TDMLexer::whole_comment(const tdm::PpToken &token)
+int TDMLexer::whole_comment(const tdm::PpToken &token, const TDMSourceLocation &place)
 {
   const std::string_view characters = token.view();
   if (characters[1] == '*') {
@@ -229,11 +234,11 @@ int TDMLexer::whole_comment(const tdm::PpToken &token)
     return antlr::Token::SKIP;
   }
   if (characters.find('\r') != characters.npos) return 0;
-  settle();
+  settle(place);
   if (characters.find('\t') == characters.npos)
     state().column += static_cast<int>(characters.size());
   else
     for (const char c : characters) advance(c);
   leave_out_token();
-  return single_line_comment();
+  return rest_by_rule(antlr::Token::SKIP);
 }

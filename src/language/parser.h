@@ -53,12 +53,22 @@ public:
   // they are looked at, not when the one before is consumed; `i` is 1 or 2.
   int LA(unsigned int i) override
   {
-    if (held_ < i) fetch(i);
+    while (held_ < i) fetch();
     return window_[first_ ^ (i - 1)].type;
   }
   antlr::RefToken LT(unsigned int i) override; ///< only failures need tokens of the runtime
-  void consume() override;
-  void match(int type) override;
+  void consume() override
+  {
+    if (held_ == 0) fetch();
+    first_ ^= 1;
+    --held_;
+  }
+  void match(int type) override
+  {
+    if (LA(1) != type) mismatch(type);
+    first_ ^= 1;
+    --held_;
+  }
 
   antlr::RefAST getAST() override { return antlr::nullAST; } // there are no trees
   const char *getTokenName(int type) const override { return tdm::token_names()[type]; }
@@ -92,17 +102,27 @@ private:
   };
 
   // The next tokens.
-  void fetch(unsigned int count);
+  void fetch(); ///< one more
   [[nodiscard]] bool at(int type) { return LA(1) == type; }
   [[nodiscard]] bool at(const tdm::TokenSet &types) { return types.contains(LA(1)); }
-  bool accept(int type);
+  bool accept(int type)
+  {
+    if (!at(type)) return false;
+    consume();
+    return true;
+  }
+  [[noreturn]] void mismatch(int type);
   [[noreturn]] void no_viable_alternative();
   /// An optional item isn't there: what is there must be something that may follow it.
   void require_next(const tdm::TokenSet &following)
   {
     if (!at(following)) no_viable_alternative();
   }
-  [[nodiscard]] const tdm::Lexeme &next_token();
+  [[nodiscard]] const tdm::Lexeme &next_token()
+  {
+    if (held_ == 0) fetch();
+    return window_[first_];
+  }
   [[nodiscard]] const TDMSourceLocation &here() { return next_token().location; }
   [[nodiscard]] bool at_tag_list();
 

@@ -1,5 +1,7 @@
-// The rules of expressions, from operands to conditions.
+// The rules of numbers and expressions, from operands to conditions.
 #include "language/parser.h"
+
+#include <limits>
 
 #include "common/failures.h"
 
@@ -58,6 +60,29 @@ std::int32_t unary_operator(int token)
   }
 }
 
+constexpr std::uint64_t value_of_digit(char digit)
+{
+  if (digit <= '9') return static_cast<std::uint64_t>(digit - '0');
+  return static_cast<std::uint64_t>((digit | 0x20) - 'a' + 10);
+}
+
+// A value that doesn't fit is the greatest one, and no failure.
+std::int64_t value_of_digits(std::string_view digits, std::uint64_t base)
+{
+  constexpr std::uint64_t greatest = std::numeric_limits<std::int64_t>::max();
+  constexpr std::size_t always_fit = 15; // digits of base 16, and of any below it
+  std::uint64_t value = 0;
+  if (digits.size() <= always_fit) {
+    for (const char digit : digits) value = value * base + value_of_digit(digit);
+    return static_cast<std::int64_t>(value);
+  }
+  for (const char digit : digits) {
+    if (value > greatest / base) return static_cast<std::int64_t>(greatest);
+    value = value * base + value_of_digit(digit); // at most greatest + base - 1: no wrap
+  }
+  return static_cast<std::int64_t>(value < greatest ? value : greatest);
+}
+
 } // namespace
 
 // expression: logical_or ["?" expression ":" expression]
@@ -102,7 +127,7 @@ tdm::ExpressionPtr TDMParser::logical_or()
 {
   const std::size_t base = pending_.size();
   for (;;) {
-    tdm::ExpressionPtr operand = unary();
+    tdm::ExpressionPtr operand = at(tdm::TokenSets::number_start) ? number_literal() : unary();
     const BinaryRow &row = binary_table[static_cast<std::size_t>(LA(1))];
     while (pending_.size() > base && pending_.back().level >= row.level) {
       operand = std::make_unique<TDMExprBinaryApplication>(
@@ -185,6 +210,59 @@ tdm::ExpressionPtr TDMParser::variable_reference()
   auto record = std::make_unique<TDMExprVarRef>(identifier());
   record->store_location("name", place);
   return record;
+}
+
+// number: plain_number [size_suffix]
+std::int64_t TDMParser::number()
+{
+  const std::int64_t value = plain_number();
+  if (!at(tdm::TokenSet{KIBI, MEBI, GIBI})) {
+    require_next(tdm::TokenSets::operand_end);
+    return value;
+  }
+  // The product wraps.
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(value) *
+                                   static_cast<std::uint64_t>(size_suffix()));
+}
+
+// plain_number: DECIMAL_NUMBER | HEXADECIMAL_NUMBER | OCTAL_NUMBER
+std::int64_t TDMParser::plain_number()
+{
+  const std::string_view text = next_token().characters();
+  std::int64_t value = 0;
+  switch (LA(1)) {
+  case DECIMAL_NUMBER:
+    value = value_of_digits(text, 10);
+    break;
+  case HEXADECIMAL_NUMBER:
+    value = value_of_digits(text.substr(2), 16);
+    break;
+  case OCTAL_NUMBER:
+    value = value_of_digits(text, 8);
+    break;
+  default:
+    no_viable_alternative();
+  }
+  consume();
+  return value;
+}
+
+// size_suffix: KIBI | MEBI | GIBI
+std::int64_t TDMParser::size_suffix()
+{
+  switch (LA(1)) {
+  case KIBI:
+    consume();
+    return 0x400;
+  case MEBI:
+    consume();
+    return 0x100000;
+  case GIBI:
+    consume();
+    return 0x40000000;
+  default:
+    no_viable_alternative();
+  }
 }
 
 // expression_list: expression ("," expression)*

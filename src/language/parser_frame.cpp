@@ -4,34 +4,13 @@
 
 #include <antlr/NoViableAltException.hpp>
 
-#include <limits>
 #include <string_view>
 
 #include "common/failures.h"
 #include "language/token.h"
 
 namespace {
-
 constexpr int nesting_limit = 256;
-
-constexpr std::uint64_t value_of_digit(char digit)
-{
-  if (digit <= '9') return static_cast<std::uint64_t>(digit - '0');
-  return static_cast<std::uint64_t>((digit | 0x20) - 'a' + 10);
-}
-
-// A value that doesn't fit is the greatest one, and no failure.
-std::int64_t value_of_digits(std::string_view digits, std::uint64_t base)
-{
-  constexpr std::uint64_t greatest = std::numeric_limits<std::int64_t>::max();
-  std::uint64_t value = 0;
-  for (const char digit : digits) {
-    if (value > greatest / base) return static_cast<std::int64_t>(greatest);
-    value = value * base + value_of_digit(digit); // at most greatest + base - 1: no wrap
-  }
-  return static_cast<std::int64_t>(value < greatest ? value : greatest);
-}
-
 } // namespace
 
 antlr::ParserSharedInputState TDMParser::shared_state(TDMLexer &lexer)
@@ -51,48 +30,27 @@ void TDMParser::NestingGuard::enter()
   ++depth_;
 }
 
-void TDMParser::fetch(unsigned int count)
+void TDMParser::fetch()
 {
-  for (; held_ < count; ++held_) lexer_.scan(window_[first_ ^ held_]);
+  lexer_.scan(window_[first_ ^ held_]);
+  ++held_;
 }
 
 antlr::RefToken TDMParser::LT(unsigned int i)
 {
-  if (held_ < i) fetch(i);
+  while (held_ < i) fetch();
   return TDMToken::make(window_[first_ ^ (i - 1)]);
 }
 
-void TDMParser::consume()
+void TDMParser::mismatch(int type)
 {
-  if (held_ == 0) fetch(1);
-  first_ ^= 1;
-  --held_;
-}
-
-void TDMParser::match(int type)
-{
-  if (LA(1) != type)
-    throw antlr::MismatchedTokenException(getTokenNames(), getNumTokens(), LT(1), type, false,
-                                          getFilename());
-  consume();
-}
-
-bool TDMParser::accept(int type)
-{
-  if (!at(type)) return false;
-  consume();
-  return true;
+  throw antlr::MismatchedTokenException(getTokenNames(), getNumTokens(), LT(1), type, false,
+                                        getFilename());
 }
 
 void TDMParser::no_viable_alternative()
 {
   throw antlr::NoViableAltException(LT(1), getFilename());
-}
-
-const tdm::Lexeme &TDMParser::next_token()
-{
-  if (held_ == 0) fetch(1);
-  return window_[first_];
 }
 
 // One token does not do: a reserved range may begin with a parenthesised expression.
@@ -175,66 +133,9 @@ std::string TDMParser::identifier()
 // string_value: STRING, without its quotes
 std::string TDMParser::string_value()
 {
-  std::string text;
-  if (at(STRING)) {
-    const std::string_view quoted = next_token().characters();
-    text.assign(quoted.substr(1, quoted.size() - 2));
-  }
+  const std::string_view quoted = next_token().characters(); // stays, as all texts of tokens do
   match(STRING);
-  return text;
-}
-
-// number: plain_number [size_suffix]
-std::int64_t TDMParser::number()
-{
-  const std::int64_t value = plain_number();
-  if (!at(tdm::TokenSet{KIBI, MEBI, GIBI})) {
-    require_next(tdm::TokenSets::operand_end);
-    return value;
-  }
-  // The product wraps.
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(value) *
-                                   static_cast<std::uint64_t>(size_suffix()));
-}
-
-// plain_number: DECIMAL_NUMBER | HEXADECIMAL_NUMBER | OCTAL_NUMBER
-std::int64_t TDMParser::plain_number()
-{
-  const std::string_view text = next_token().characters();
-  std::int64_t value = 0;
-  switch (LA(1)) {
-  case DECIMAL_NUMBER:
-    value = value_of_digits(text, 10);
-    break;
-  case HEXADECIMAL_NUMBER:
-    value = value_of_digits(text.substr(2), 16);
-    break;
-  case OCTAL_NUMBER:
-    value = value_of_digits(text, 8);
-    break;
-  default:
-    no_viable_alternative();
-  }
-  consume();
-  return value;
-}
-
-// size_suffix: KIBI | MEBI | GIBI
-std::int64_t TDMParser::size_suffix()
-{
-  switch (LA(1)) {
-  case KIBI:
-    consume();
-    return 0x400;
-  case MEBI:
-    consume();
-    return 0x100000;
-  case GIBI:
-    consume();
-    return 0x40000000;
-  default:
-    no_viable_alternative();
-  }
+  return std::string(quoted.substr(1, quoted.size() - 2));
 }
 
 // tag_property: "tag" "=" STRING

@@ -45,6 +45,7 @@ void TDMParser::layout_attribute(TDMFileSectionLayout &layout, const std::string
 std::unique_ptr<TDMFileBlock> TDMParser::statement_block()
 {
   auto block = std::make_unique<TDMFileBlock>();
+  block->statements.reserve(4);
   match(LCURLY);
   while (at(TokenSets::statement_start)) block->statements.push_back(statement());
   match(RCURLY);
@@ -279,8 +280,7 @@ tdm::AttributeSet TDMParser::attributes_value()
 // IDENTIFIER, read letter by letter
 tdm::AttributeSet TDMParser::attribute_word()
 {
-  std::string word;
-  if (at(IDENTIFIER)) word = next_token().characters();
+  const std::string_view word = next_token().characters(); // stays, as all texts of tokens do
   match(IDENTIFIER);
   return tdm::attribute_set(word);
 }
@@ -353,6 +353,7 @@ TDMFileStructStatement::Member TDMParser::struct_member()
 std::unique_ptr<TDMFileSelectSectionStatement> TDMParser::select_statement()
 {
   auto record = std::make_unique<TDMFileSelectSectionStatement>();
+  record->sourceLocations.reserve(4);
   keep(*record, "select");
   match(KEY_select);
   if (at(KEY_ref_tree)) {

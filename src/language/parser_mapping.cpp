@@ -8,6 +8,7 @@ using tdm::TokenSets;
 // map_definition: "map" [identifier] "(" map_property ("," map_property)* ")"
 void TDMParser::map_definition(TDMFileMapping &mapping)
 {
+  mapping.sourceLocations.reserve(4);
   keep(mapping, "map");
   match(KEY_map);
   if (at(TokenSets::identifier_start))

@@ -14,6 +14,7 @@ void TDMParser::memory_definition(TDMFileMemory &memory)
       KEY_cycles,    KEY_area,          KEY_write_mode,  KEY_read_ports,
       KEY_map,       KEY_fill,          KEY_write_ports, KEY_readwrite_ports,
       KEY_write_unit};
+  memory.sourceLocations.reserve(8); // what most of them need
   match(KEY_memory);
   memory.name = identifier(memory, "name");
   tag_list();

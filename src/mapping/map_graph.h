@@ -42,7 +42,9 @@ enum class NodeKind : uint8_t { space, bus, memory };
 /// What the mapping engine has to know of the object at an end of a mapping.
 struct MapEnd {
   NodeKind kind;
-  int32_t width; ///< number of data lines: the width of a bus, else the MAU size
+  int32_t width;                  ///< number of data lines: the width of a bus, else the MAU size
+  TDMMapSource *source;           ///< the object as what mappings leave, or null
+  TDMMapDestination *destination; ///< the object as what mappings reach, or null
 };
 
 } // namespace tdm

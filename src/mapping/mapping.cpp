@@ -73,14 +73,12 @@ void TDMMapping::store_source(TDMMapSource &object, const tdm::MapEnd &end)
 {
   source_ = &object;
   source_end_ = end;
-  source_onward_ = dynamic_cast<TDMMapDestination *>(&object);
 }
 
 void TDMMapping::store_destination(TDMMapDestination &object, const tdm::MapEnd &end)
 {
   destination_ = &object;
   destination_end_ = end;
-  destination_onward_ = dynamic_cast<TDMMapSource *>(&object);
 }
 
 void TDMMapping::set_destination(TDMMapDestination &object, const tdm::MapEnd &end)

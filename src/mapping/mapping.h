@@ -75,8 +75,8 @@ struct TDMMapping : TDMObject {
   [[nodiscard]] int32_t destination_width() const { return destination_end_.width; }
   /// The source as what mappings reach, and the destination as what mappings leave: the next node
   /// of a walk, or null where it ends.
-  [[nodiscard]] TDMMapDestination *source_as_destination() const { return source_onward_; }
-  [[nodiscard]] TDMMapSource *destination_as_source() const { return destination_onward_; }
+  [[nodiscard]] TDMMapDestination *source_as_destination() const { return source_end_.destination; }
+  [[nodiscard]] TDMMapSource *destination_as_source() const { return destination_end_.source; }
 
   [[nodiscard]] const Interval &source_interval() const { return source_interval_; }
   [[nodiscard]] const Interval &destination_interval() const { return destination_interval_; }
@@ -105,8 +105,6 @@ private:
 
   TDMMapSource *source_ = nullptr;
   TDMMapDestination *destination_ = nullptr;
-  TDMMapDestination *source_onward_ = nullptr;
-  TDMMapSource *destination_onward_ = nullptr;
   tdm::MapEnd source_end_{};
   tdm::MapEnd destination_end_{};
   bool complete_ = false;

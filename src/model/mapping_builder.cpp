@@ -70,19 +70,19 @@ std::string name_of(const TDMMapDestination &destination)
 
 } // namespace
 
-MapEnd map_end(const TDMBus &bus)
+MapEnd map_end(TDMBus &bus)
 {
-  return {NodeKind::bus, bus.width};
+  return {NodeKind::bus, bus.width, &bus, &bus};
 }
 
-MapEnd map_end(const TDMMemory &memory)
+MapEnd map_end(TDMMemory &memory)
 {
-  return {NodeKind::memory, memory.mau_size};
+  return {NodeKind::memory, memory.mau_size, nullptr, &memory};
 }
 
-MapEnd map_end(const TDMSpace &space)
+MapEnd map_end(TDMSpace &space)
 {
-  return {NodeKind::space, space.mau_size};
+  return {NodeKind::space, space.mau_size, &space, &space};
 }
 
 std::unique_ptr<TDMMapping> make_forward_mapping(const TDMFileMapping &record,

@@ -17,9 +17,9 @@ namespace tdm {
 class ArgumentScope;
 
 /// What an object is as an end of a mapping, and how many data lines it has.
-[[nodiscard]] MapEnd map_end(const TDMBus &bus);
-[[nodiscard]] MapEnd map_end(const TDMMemory &memory);
-[[nodiscard]] MapEnd map_end(const TDMSpace &space);
+[[nodiscard]] MapEnd map_end(TDMBus &bus);
+[[nodiscard]] MapEnd map_end(TDMMemory &memory);
+[[nodiscard]] MapEnd map_end(TDMSpace &space);
 
 /// The defining object is the source; the destination is found later.
 [[nodiscard]] std::unique_ptr<TDMMapping> make_forward_mapping(const TDMFileMapping &record,

@@ -339,18 +339,27 @@ void input_skip_to_line(std::uint32_t physical_line)
 {
   TDMInputRecord &record = *input_stack.top;
   while (record.physical_line + 1 < physical_line && have(record, 1) != 0) {
-    const auto length = static_cast<std::size_t>(record.end - record.cursor);
-    const void *newline = std::memchr(record.cursor, '\n', length);
-    if (newline == nullptr) {
-      record.cursor = record.end;
-      record.at_line_start = false;
-      continue;
+    // One line of the block after the other, with the counts brought up to date at its end.
+    const char *cursor = record.cursor;
+    std::uint32_t lines = physical_line - record.physical_line - 1;
+    const std::uint32_t wanted = lines;
+    for (; lines > 0; --lines) {
+      const auto left = static_cast<std::size_t>(record.end - cursor);
+      const auto *newline = static_cast<const char *>(std::memchr(cursor, '\n', left));
+      if (newline == nullptr) break;
+      cursor = newline + 1;
     }
-    record.cursor = static_cast<const char *>(newline) + 1;
-    ++record.physical_line;
-    ++record.presumed_line;
-    record.at_line_start = true;
-    input_note_line(record);
+    if (lines < wanted) {
+      record.physical_line += wanted - lines;
+      record.presumed_line += wanted - lines;
+      record.at_line_start = true;
+      input_note_line(record);
+    }
+    if (lines > 0 && cursor != record.end) {
+      cursor = record.end;
+      record.at_line_start = false;
+    }
+    record.cursor = cursor;
   }
 }
 

@@ -40,6 +40,14 @@ const char *end_of_quoted(const char *cursor)
   }
 }
 
+// The end of a file name in quotes, behind its closing one, or null.
+const char *end_of_file_name(const char *cursor)
+{
+  do ++cursor;
+  while (!has_part(static_cast<unsigned char>(*cursor), stops_string) || *cursor == '\'');
+  return *cursor == '"' ? cursor + 1 : nullptr;
+}
+
 // The end of a comment, behind its closer, or null. Counts the lines that it passes.
 const char *end_of_comment(const char *cursor, std::uint32_t &lines, const char *&line_start)
 {
@@ -131,11 +139,14 @@ const PpToken &punctuator_in_block(TDMInputRecord &record)
 const PpToken &quoted_in_block(TDMInputRecord &record, std::size_t prefix)
 {
   const char *begin = record.cursor;
-  const char *end = end_of_quoted(begin + prefix);
+  const bool is_string = begin[prefix] == '"';
+  const bool is_file_name = scanner.header_mode && is_string && prefix == 0;
+  const char *end = is_file_name ? end_of_file_name(begin) : end_of_quoted(begin + prefix);
   if (end == nullptr) return by_character();
   place_at_next(record);
-  const bool is_string = begin[prefix] == '"';
-  if (prefix == 0)
+  if (is_file_name)
+    scanner.token.number = tFILE;
+  else if (prefix == 0)
     scanner.token.number = is_string ? tSTRING : tCHAR;
   else
     scanner.token.number = is_string ? tWSTRING : tWCHAR;

@@ -381,7 +381,10 @@ const PpToken &pass_on(const PpToken &token, bool expand)
 [[gnu::noinline]] const PpToken &next_name(TDMInputRecord &record, bool expand)
 {
   scanner.want_text = true;
-  return pass_on(name_in_block(record), expand);
+  const PpToken &name = name_in_block(record);
+  if (name.number != tIDENT || (expand && may_expand(name))) return pass_on(name, expand);
+  state.at_line_start = false;
+  return name;
 }
 
 [[gnu::noinline]] const PpToken &next_number(TDMInputRecord &record)
@@ -393,7 +396,10 @@ const PpToken &pass_on(const PpToken &token, bool expand)
 [[gnu::noinline]] const PpToken &next_punctuator(TDMInputRecord &record, bool expand)
 {
   const PpToken *const token = short_punctuator_in_block(record);
-  return pass_on(token != nullptr ? *token : scanner_next_token(), expand);
+  if (token == nullptr) return pass_on(scanner_next_token(), expand);
+  if (token->number == tHASH) return pass_on(*token, expand);
+  state.at_line_start = false;
+  return *token;
 }
 
 [[gnu::noinline]] const PpToken &next_other(bool expand)

@@ -29,10 +29,17 @@ public:
   /// so that it isn't taken for the end.
   int getChar() override
   {
+    const int c = take_byte();
+    return c == 255 ? c : static_cast<signed char>(c);
+  }
+
+  /// The next character as an unsigned value, or -1 at the end of input.
+  int take_byte()
+  {
     if (text_ == text_end_) return -1;
-    const char c = *text_++;
+    const auto c = static_cast<unsigned char>(*text_++);
     if (text_ == text_end_) fetch_token();
-    return c == '\xff' ? 255 : static_cast<signed char>(c);
+    return c;
   }
 
   int getLine() const override { return token_->position.line; }

@@ -67,7 +67,7 @@ struct TestMemory final : TDMMapDestination {
   void get_full_name(std::string &out) const override { out = "memory"; }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming.push_back(mapping); }
   const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming; }
-  tdm::MapEnd end() const { return {tdm::NodeKind::memory, mau}; }
+  tdm::MapEnd end() { return {tdm::NodeKind::memory, mau, nullptr, this}; }
 
   int mau;
   std::vector<TDMMapping *> incoming;
@@ -86,7 +86,7 @@ struct TestNode final : TDMMapSource, TDMMapDestination {
   const std::vector<TDMMapping *> &outgoing_mappings() const override { return outgoing; }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming.push_back(mapping); }
   const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming; }
-  tdm::MapEnd end() const { return {kind, width}; }
+  tdm::MapEnd end() { return {kind, width, this, this}; }
 
   int mau;
   int width;
