@@ -17,7 +17,8 @@ import sys
 import tempfile
 from pathlib import Path
 
-from show_json import innermost, variants
+sys.dont_write_bytecode = True
+from show_json import innermost, variants  # pylint: disable=wrong-import-position
 
 # What a group, a selection or a route doesn't always have.
 OPTIONAL = {"name", "address", "ranges", "align", "also"}

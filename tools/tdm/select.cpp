@@ -40,13 +40,15 @@ constexpr tdm_section_functions section_functions = {
 /// What one selection does with the sections.
 struct Selected {
   Sections taken;  ///< in the order in which it takes them
-  Sections before; ///< it would take them, too, if no earlier one had
+  Sections before; ///< it would take them, too, if no earlier one had; where that was asked for
 };
 
 /// The sections, and who has them.
 class SectionPool {
 public:
-  explicit SectionPool(std::vector<Section> &sections)
+  /// Asked for anyway is what a selection that takes nothing would have taken; of others it is
+  /// asked with `looks_back`.
+  SectionPool(std::vector<Section> &sections, bool looks_back) : looks_back_(looks_back)
   {
     for (Section &section : sections) {
       Handle handle(tdm_section_create(&section, &section_functions), tdm_section_delete);
@@ -57,7 +59,8 @@ public:
 
   Selected take(tdm_selection_statement *statement, tdm_statement_env *env)
   {
-    Selected selected{ask(statement, env, free_), ask(statement, env, gone_)};
+    Selected selected{ask(statement, env, free_), {}};
+    if (selected.taken.empty() || looks_back_) selected.before = ask(statement, env, gone_);
     move_away(selected.taken);
     for (const Section *section : selected.taken) owners_[section] = selections_;
     ++selections_;
@@ -112,6 +115,7 @@ private:
     free_.erase(first, free_.end());
   }
 
+  bool looks_back_;
   std::vector<One> free_;
   std::vector<One> gone_;
   std::unordered_map<const Section *, size_t> owners_;
@@ -132,7 +136,7 @@ Answer answer_of(const Options &options, tdm_space *space, const ModelContext &c
 {
   Answers answers = answers_of(options);
   for (const Section &section : sections) answers.sections.insert(section.name);
-  SectionPool pool(sections);
+  SectionPool pool(sections, options.json);
   Answer answer;
   answer.outline = read_outline(space, answers, context,
                                 [&](tdm_selection_statement *statement, tdm_statement_env *env) {
