@@ -376,7 +376,7 @@ std::string ItemReader::location_text(const tdm_group_location *location, const 
   return says_more ? text + " (" + as_written + ")" : text;
 }
 
-/// "inherited: ordered, run_addr 0x100", with a semicolon before it in a row of facts.
+/// "inherited (run_addr 0x100, ordered)"
 std::string ItemReader::inherited_text(const tdm_group *group, const tdm_statement_env *outer)
 {
   tdm_inspect_statement_env record;
