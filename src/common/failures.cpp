@@ -23,6 +23,8 @@ std::string positioned(const TDMSourceLocation &at, const std::string &rest)
 
 } // namespace
 
+MauLibException::~MauLibException() = default;
+
 TDMFileSyntaxError::TDMFileSyntaxError(const std::string &file, int line, int column,
                                        const std::string &text)
     : TDMFileException(positioned(file, line, column, "syntax error: " + text))

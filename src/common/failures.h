@@ -115,5 +115,9 @@ public:
   TDMTooFewArgumentsException() : TDMArgumentsException("too few arguments") {}
 };
 
-/// The root of the failures of address arithmetic; carries nothing.
-class TDM_CLIENT_API MauLibException {};
+/// The root of the failures of address arithmetic. It carries nothing, but what derives from it
+/// may, and can be deleted as what it was caught as.
+class TDM_CLIENT_API MauLibException {
+public:
+  virtual ~MauLibException();
+};

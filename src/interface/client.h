@@ -20,9 +20,9 @@
 ///          delete failure;
 ///        }
 ///
-///    The classes below a family's root add nothing to it, so the root serves them all. Nothing
-///    else is thrown by pointer; std::bad_alloc and what the client's own functions throw come as
-///    values.
+///    Each root serves all of its family: the classes below the first add nothing to it, and the
+///    second has a virtual destructor. Nothing else is thrown by pointer; std::bad_alloc and what
+///    the client's own functions throw come as values.
 /// 5. One thread at a time, as in C; compiled as C++20 with the C++ library that this was built
 /// with.
 #ifndef TDM_C_CLIENT_H
