@@ -233,7 +233,7 @@ private:
       for (std::size_t i = at; i < tokens_.size(); ++i)
         if (tokens_[i].front() == ')') {
           std::string item = Generator(random_).make(kinds[random_.below(std::size(kinds))]);
-          if (item.front() != ',') item = ", " + item;
+          if (item.front() != ',') item.insert(0, ", ");
           insert_text(i, item);
           break;
         }

@@ -14,7 +14,7 @@ int main()
   for (int type = TDMTokenTypes::KEY_memory; type < TDMTokenTypes::NUMBER_OF_TYPES; ++type)
     std::cout << tdm::token_names()[type] << '\n';
   for (const tdm::TokenRow &row : tdm::token_table)
-    if (!row.pattern.empty() && row.pattern.front() > ' ' && row.pattern.find('[') != 0)
+    if (!row.pattern.empty() && row.pattern.front() > ' ' && !row.pattern.starts_with('['))
       entry(row.pattern);
   for (const char *text : {"#define ", "#undef ",   "#include ",   "#if ",    "#ifdef ",
                            "#ifndef ", "#elif ",    "#else",       "#endif",  "#line ",

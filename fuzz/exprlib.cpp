@@ -28,7 +28,7 @@ public:
   void run()
   {
     while (!bytes_.empty() && stack_.size() < 200) step();
-    for (int i = 0; i < variables; ++i) exprlib_release(rows_[i].value);
+    for (const auto &row : rows_) exprlib_release(row.value);
     for (ExprlibNode *node : stack_) exprlib_release(node);
     fuzz::require(context_->live_nodes == 0, "nothing is left");
     exprlib_end_context(context_);
@@ -82,13 +82,13 @@ private:
                   node);
     if (form == 1) return push(exprlib_make_int64(context_, &node, bytes_.number()), node);
     if (form == 2) {
-      const auto owner = bytes_.flag() ? &table_ : nullptr;
+      auto *const owner = bytes_.flag() ? &table_ : nullptr;
       const auto index = static_cast<std::uint32_t>(bytes_.pick(0, variables));
       return push(exprlib_make_variable(context_, &node, type, owner, index), node);
     }
     for (std::size_t i = 0; i < count; ++i) raw[i] = bytes_.byte();
     if (type == EXPRLIB_DOUBLE) {
-      double value;
+      double value = 0;
       static_assert(sizeof value <= sizeof raw);
       __builtin_memcpy(&value, raw, sizeof value);
       return push(exprlib_make_double(context_, &node,

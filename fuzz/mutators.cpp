@@ -12,7 +12,7 @@ namespace {
 std::size_t store(const std::string &text, std::uint8_t *out, std::size_t max_size)
 {
   const std::size_t size = std::min(text.size(), max_size);
-  std::memcpy(out, text.data(), size);
+  text.copy(reinterpret_cast<char *>(out), size);
   return size;
 }
 

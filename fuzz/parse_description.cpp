@@ -46,6 +46,7 @@ tdm_spec *parse(std::string_view text)
     text.remove_prefix(std::min(line + 1, text.size()));
   }
   std::vector<const char *> pointers;
+  pointers.reserve(names.size());
   for (const std::string &file : names) pointers.push_back(file.c_str());
   const char *dir = directory().path().c_str();
   const auto count = static_cast<std::uint32_t>(pointers.size());

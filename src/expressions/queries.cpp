@@ -47,7 +47,7 @@ bool TDMSymbolRef::refers_to_defined(TDMExpressionEnv *env)
 
 bool TDMSymbolRef::refers_to_any(const std::set<std::string> &names)
 {
-  return names.count(name_) != 0;
+  return names.contains(name_);
 }
 
 std::unique_ptr<TDMExpression> TDMSymbolRef::clone() const

@@ -13,6 +13,8 @@ template <typename T, std::size_t InPlace = 32> class WorkStack {
   static_assert(std::is_trivially_copyable_v<T>);
 
 public:
+  // Entries are written before they are read; clearing them all would cost every use.
+  // cppcheck-suppress uninitMemberVar
   WorkStack() = default;
   WorkStack(const WorkStack &) = delete;
   WorkStack &operator=(const WorkStack &) = delete;

@@ -49,7 +49,7 @@ antlr::LexerSharedInputState shared_state(antlr::InputBuffer &buffer)
 {
   auto state = std::make_unique<antlr::LexerInputState>(buffer);
   antlr::LexerSharedInputState shared(state.get());
-  state.release();
+  (void)state.release();
   return shared;
 }
 

@@ -55,9 +55,8 @@ int type_of_number(std::string_view text)
 // Strings with escapes take the long road.
 int type_of_string(std::string_view text)
 {
-  const std::string_view inside = text.substr(1, text.size() - 2);
-  return text.size() >= 2 && text.back() == '"' && all(inside, unescaped) ? TDMTokenTypes::STRING
-                                                                          : not_whole;
+  if (text.size() < 2 || text.back() != '"') return not_whole;
+  return all(text.substr(1, text.size() - 2), unescaped) ? TDMTokenTypes::STRING : not_whole;
 }
 
 int type_of(std::string_view text)

@@ -63,7 +63,7 @@ std::int32_t unary_operator(int token)
 constexpr std::uint64_t value_of_digit(char digit)
 {
   if (digit <= '9') return static_cast<std::uint64_t>(digit - '0');
-  return static_cast<std::uint64_t>((digit | 0x20) - 'a' + 10);
+  return static_cast<std::uint64_t>(digit | 0x20) - 'a' + 10;
 }
 
 // A value that doesn't fit is the greatest one, and no failure.

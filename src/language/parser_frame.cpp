@@ -17,9 +17,9 @@ antlr::ParserSharedInputState TDMParser::shared_state(TDMLexer &lexer)
 {
   auto buffer = std::make_unique<antlr::TokenBuffer>(lexer);
   auto state = std::make_unique<antlr::ParserInputState>(buffer.get());
-  buffer.release(); // the state's now
+  (void)buffer.release(); // the state's now
   antlr::ParserSharedInputState shared(state.get());
-  state.release();
+  (void)state.release();
   return shared;
 }
 

@@ -2,7 +2,6 @@
 #include "common/failures.h"
 #include "language/parser.h"
 
-using tdm::TokenSet;
 using tdm::TokenSets;
 
 // map_definition: "map" [identifier] "(" map_property ("," map_property)* ")"

@@ -3,7 +3,6 @@
 #include "language/parser.h"
 
 using tdm::TokenSet;
-using tdm::TokenSets;
 
 // space_definition: "space" identifier tag_list "{" space_item* "}"
 void TDMParser::space_definition(TDMFileSpace &space)

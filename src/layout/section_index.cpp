@@ -29,9 +29,9 @@ void put_in_order(std::vector<NamedSection> &sections)
 {
   std::stable_sort(sections.begin(), sections.end(),
                    [](const NamedSection &a, const NamedSection &b) { return a.name < b.name; });
-  Iterator kept = sections.begin();
-  for (Iterator begin = kept; begin != sections.end();) {
-    const Iterator end = std::find_if(begin, sections.end(), [begin](const NamedSection &entry) {
+  auto kept = sections.begin();
+  for (auto begin = kept; begin != sections.end();) {
+    const auto end = std::find_if(begin, sections.end(), [begin](const NamedSection &entry) {
       return entry.name != begin->name;
     });
     kept = std::move(begin, without_repetition(begin, end), kept);

@@ -27,7 +27,7 @@ Interval::Pattern Interval::Pattern::slice(int64_t from, int64_t to) const
 {
   const int32_t count = checked_width(tdm::wrap_add(tdm::wrap_sub(to, from), int64_t{1}));
   if (bits == mask(width)) return {count, mask(count)};
-  int32_t position = static_cast<int32_t>(from % width);
+  auto position = static_cast<int32_t>(from % width);
   if (position < 0) position += width;
   uint64_t result = 0;
   for (int32_t filled = 0; filled < count;) {

@@ -60,7 +60,7 @@ private:
 
   static uint64_t mix(uint64_t hash, uint64_t word)
   {
-    hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+    hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
     return hash ^ (hash >> 29);
   }
   static uint64_t mix(uint64_t hash, const AddressValue &address)

@@ -273,6 +273,7 @@ std::vector<RouteHop<Value>> routes_back_to(NodeKind kind, const TDMMapDestinati
   return hops;
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): of types
 #define TDM_INSTANTIATE(Value)                                                                     \
   template std::vector<ForwardRoute<Value>> map_forward(const TDMMapSource &, const Value &);      \
   template std::vector<BackwardRoute<Value>> map_backward(const TDMMapDestination &,               \
@@ -285,6 +286,7 @@ std::vector<RouteHop<Value>> routes_back_to(NodeKind kind, const TDMMapDestinati
                                                        const Value &);                             \
   template std::vector<BackwardRoute<Value>> map_back_to_object(                                   \
       const TDMMapSource &, const TDMMapDestination &, const Value &);
+// NOLINTEND(bugprone-macro-parentheses)
 
 TDM_INSTANTIATE(AddressValue)
 TDM_INSTANTIATE(Interval)

@@ -18,7 +18,7 @@ class ArgumentScope;
 class BusesInReach;
 } // namespace tdm
 
-struct TDMBus : TDMMapSource, TDMMapDestination, TDMObject {
+struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   /// Which side of a mapping the entries of a definition describe: a global bus is written as the
   /// destination, every other bus as the source.
   enum class Form { forward, reversed };

@@ -113,10 +113,11 @@ void append_connections(const TDMMapDestination &memory, const Interval &interva
 
 } // namespace
 
-TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, const std::string &core,
-                             const std::string &processor, int32_t space_id,
+TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, std::string core,
+                             std::string processor, int32_t space_id,
                              const TDMSourceLocation &place)
-    : members(std::move(spaces)), owned_core_name_(core), owned_processor_name_(processor)
+    : members(std::move(spaces)), owned_core_name_(std::move(core)),
+      owned_processor_name_(std::move(processor))
 {
   core_name = &owned_core_name_;
   processor_name = &owned_processor_name_;

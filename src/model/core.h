@@ -30,7 +30,7 @@ struct TDMCore : TDMObject {
   [[nodiscard]] std::string full_name() const;
 
   /// The first space whose full name or plain name is this one, or null.
-  [[nodiscard]] TDMSpace *find_space(const std::string &name) const;
+  [[nodiscard]] TDMSpace *find_space(const std::string &wanted) const;
   [[nodiscard]] TDMSpace *find_space_by_id(int64_t id) const;
   /// The first space of exactly this full name, or of exactly this plain name, or null.
   [[nodiscard]] TDMSpace *find_space_by_full_name(const std::string &full_name) const;

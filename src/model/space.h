@@ -154,8 +154,8 @@ struct TDMVoidSpace final : TDMSpace {
 
 /// A space that stands for several at once, reaching each memory through one of them.
 struct TDMCloneSpace final : TDMSpace {
-  TDMCloneSpace(std::vector<TDMSpace *> spaces, const std::string &core,
-                const std::string &processor, int32_t space_id, const TDMSourceLocation &place);
+  TDMCloneSpace(std::vector<TDMSpace *> spaces, std::string core, std::string processor,
+                int32_t space_id, const TDMSourceLocation &place);
 
   void check_mappings() const override {}
   void resolve_mappings(TDMCore &, const tdm::BusesInReach &, const TDMFileSpace &) override {}

@@ -104,7 +104,7 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
   for (const auto &record : records.architectures)
     if (record->base && *record->base != *record->name) bases.insert(*record->base);
   for (const auto &record : records.architectures) {
-    if (bases.count(*record->name) != 0) continue;
+    if (bases.contains(*record->name)) continue;
     const auto derivative = tdm::make_default_derivative(*record, templates);
     processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates, *this));
   }

@@ -18,7 +18,7 @@ TextBuffer::TextBuffer(std::size_t size) : first_size_(size == 0 ? default_size 
 void TextBuffer::append(std::string_view text)
 {
   if (text.empty()) return;
-  const std::less<const char *> before;
+  const std::less<> before; // of any two pointers
   internal_check(begin_ == nullptr || before(text.data(), begin_) ||
                  !before(text.data(), begin_ + size_));
   if (static_cast<std::size_t>(begin_ + size_ - cursor_) < text.size()) grow(text.size());

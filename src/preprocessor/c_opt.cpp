@@ -18,7 +18,7 @@ constexpr int attribute_count = 11;
 
 // Four characters a name; the place of a name is its slot.
 constexpr std::string_view attribute_names = "OPT HID ABB MUL DEF SEPSSEPLNOCCNOCLNOCSFUNC";
-static_assert(attribute_names.size() == 4 * attribute_count);
+static_assert(attribute_names.size() == std::size_t{4} * attribute_count);
 
 struct OptionRow {
   int parent;

@@ -169,7 +169,7 @@ void scanner_start()
 {
   for (const TokenRow &row : token_table)
     scanner.texts[row.number] =
-        intern(row.pattern.size() > 0 && row.number > tFCON && row.number != tWHITE
+        intern(!row.pattern.empty() && row.number > tFCON && row.number != tWHITE
                    ? row.pattern
                    : std::string_view(row.display));
   scanner.no_text = intern("");

@@ -41,7 +41,7 @@ bool memo_enabled = true;
 std::uint32_t hash_of_memo(const void *key)
 {
   const auto *memo = static_cast<const SkipMemo *>(key);
-  return pooled(memo->file).hash + static_cast<std::uint32_t>(memo->line) * 0x9E3779B1u;
+  return pooled(memo->file).hash + static_cast<std::uint32_t>(memo->line) * 0x9E3779B1U;
 }
 
 SkipMemo *find_memo(const char *file, std::uint32_t line)

@@ -58,6 +58,7 @@ const PpToken *skip_white(const PpToken *begin, const PpToken *end)
 void push_argument(const PpToken *begin, const PpToken *end)
 {
   begin = skip_white(begin, end);
+  // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): both are null, or none
   while (begin != end && passed_over(end[-1])) --end;
   MacroArgument argument = {};
   argument.begin = begin;

@@ -53,7 +53,7 @@ void go_up(std::string &path)
 
 std::string path_join(std::string_view directory, std::string_view name)
 {
-  const std::string wanted = with_slashes(name);
+  std::string wanted = with_slashes(name); // not const: it may be the answer
   if (stands_for_itself(wanted)) return wanted;
   std::string path = with_slashes(directory);
   cut_slashes(path);

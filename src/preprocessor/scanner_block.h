@@ -113,7 +113,7 @@ inline const PpToken &blanks_in_block(TDMInputRecord &record)
 
 inline const PpToken &single_in_block(TDMInputRecord &record)
 {
-  const auto c = static_cast<std::size_t>(*record.cursor);
+  const auto c = static_cast<unsigned char>(*record.cursor);
   const int number = recogniser.token[recogniser.next[0][c]];
   place_at_next(record);
   scanner.token.number = number;

@@ -126,7 +126,7 @@ template <class Source> int read_number(Source &source, bool leading_zero, bool 
     last = c;
     source.take();
   }
-  const int exponent = hex ? 'p' : 'e';
+  const char exponent = hex ? 'p' : 'e';
   const int number = seen_dot || (c >= 0 && (c | 0x20) == exponent) ? tFCON : tICON;
   for (; has_part(c, in_name) || c == '.' || ((c == '+' || c == '-') && (last | 0x20) == exponent);
        c = source.peek()) {

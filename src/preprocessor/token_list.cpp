@@ -10,7 +10,7 @@
 namespace tdm {
 
 namespace {
-constexpr std::size_t usual_chunk = 64 * 1024;
+constexpr std::size_t usual_chunk = std::size_t{64} * 1024;
 constexpr std::size_t alignment = alignof(std::max_align_t);
 } // namespace
 

@@ -121,7 +121,7 @@ std::vector<std::string> row_of(const SpaceRow &row, const Units &units, int dig
   const tdm_interval span = units.of(row.span);
   std::vector<std::string> cells{span_text(span, digits), size_text(span, true)};
   if (row.memory == nullptr) {
-    cells.push_back("<unused>");
+    cells.emplace_back("<unused>");
     return cells;
   }
   constexpr int32_t one = 0x10000;

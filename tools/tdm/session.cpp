@@ -32,6 +32,7 @@ std::vector<std::string> names_for_library(const FileNames &names,
                                            const std::vector<std::string> &given)
 {
   std::vector<std::string> result;
+  result.reserve(given.size());
   for (const std::string &name : given) result.push_back(names.absolute(name));
   return result;
 }

@@ -16,7 +16,7 @@ public:
   /// The line, from 1, without its end; nothing if there is no such line or file. Bytes that the
   /// preprocessor drops are left out, so that columns count as it counts them. Good as long as the
   /// object.
-  [[nodiscard]] std::optional<std::string_view> line(const std::string &file, int number);
+  [[nodiscard]] std::optional<std::string_view> line(const std::string &name, int number);
 
   /// A text that is no file, under the name by which places in it are told.
   void keep(const std::string &name, std::string text);

@@ -67,7 +67,7 @@ int exprlib_make_context(ExprlibContext **context, uint32_t value_size, uint32_t
   *context = nullptr;
   if (value_size == 0 || value_size > largest_value_size) return 1;
   if (payload_size > largest_value_size) return 1;
-  uint32_t payload = static_cast<uint32_t>(sizeof(ExprlibPayload));
+  auto payload = static_cast<uint32_t>(sizeof(ExprlibPayload));
   if (payload < value_size) payload = value_size;
   if (payload < payload_size) payload = payload_size;
   if (!exprlib::add_pool(sizeof(ExprlibNode) + payload)) return 1;

@@ -260,7 +260,10 @@ int exprlib_make_operator(ExprlibContext *context, ExprlibNode **node, int32_t o
   if (operands == nullptr) return fail_in(context, EXPRLIB_OUT_OF_MEMORY);
   va_list arguments;
   va_start(arguments, count);
-  for (uint32_t i = 0; i < count; ++i) operands[i] = va_arg(arguments, ExprlibNode *);
+  for (uint32_t i = 0; i < count; ++i) {
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyzer misses va_start
+    operands[i] = va_arg(arguments, ExprlibNode *);
+  }
   va_end(arguments);
   const int result = exprlib_make_operator_of(context, node, op, count, operands);
   if (operands != in_place) std::free(operands);

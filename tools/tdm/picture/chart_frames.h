@@ -29,6 +29,7 @@ struct Span {
   {
     return static_cast<uint64_t>(high) - static_cast<uint64_t>(low);
   }
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check meets the 0 of what the compiler writes
   friend auto operator<=>(const Span &, const Span &) = default;
 };
 

@@ -379,6 +379,7 @@ void FramePicture::paint_folds(const Place &place, std::vector<Item> &out) const
     Path path;
     path.style = "fold";
     bool up = true;
+    // NOLINTNEXTLINE(clang-analyzer-security.FloatLoopCounter): whole numbers of pixels
     for (double x = place.left; x <= place.right; x += 8, up = !up)
       path.points.emplace_back(x, middle + (up ? -2.0 : 2.0));
     Item item;

@@ -62,7 +62,7 @@ std::string number(double value)
   const auto hundredths = static_cast<long long>(std::llround(value * 100));
   std::array<char, 40> text{};
   std::snprintf(text.data(), text.size(), "%s%lld.%02lld", hundredths < 0 ? "-" : "",
-                std::abs(hundredths) / 100, std::abs(hundredths) % 100);
+                std::llabs(hundredths) / 100, std::llabs(hundredths) % 100);
   std::string result = text.data();
   while (result.ends_with('0')) result.pop_back();
   if (result.ends_with('.')) result.pop_back();
@@ -176,7 +176,7 @@ constexpr double least_scale = 0.85;
 void write_svg(std::ostream &out, const Picture &picture)
 {
   pugi::xml_document document;
-  add_svg(document, picture);
+  add_svg(document.root(), picture);
   document.save(out, "", pugi::format_indent | pugi::format_no_declaration, pugi::encoding_utf8);
 }
 
