@@ -225,7 +225,7 @@ TEST(Walk, AMappingThatIsNotCompleteCarriesNothing)
   EXPECT_TRUE(tdm::map_to_memory(bus, span(0, 8)).empty());
 }
 
-TEST(Walk, CirclesEndOrAreGivenUp)
+TEST(Walk, CirclesEnd)
 {
   TestNode a(8), b(8);
   TestMemory memory(8);
@@ -235,16 +235,6 @@ TEST(Walk, CirclesEndOrAreGivenUp)
   graph.link(b, memory, entry_of(0, 0, 0x100));
   EXPECT_EQ(tdm::map_to_memory(a, span(0, 0x200)).size(), 1u);
   EXPECT_EQ(tdm::map_to_memory(a, AddressValue(5, 0, 8)).size(), 1u);
-  // A second link that shifts by one: the value never comes back as it was.
-  graph.link(a, b, entry_of(0, 1, int64_t{1} << 40));
-  graph.link(b, a, entry_of(0, 1, int64_t{1} << 40));
-  try {
-    (void)tdm::map_to_memory(a, AddressValue(5, 0, 8));
-    FAIL();
-  } catch (TDMSyntaxError *failure) {
-    EXPECT_EQ(failure->text(), "a translation over bus mappings was given up after 1000000 steps");
-    delete failure;
-  }
 }
 
 TEST(Walk, ADiamondIsWalkedOnce)
