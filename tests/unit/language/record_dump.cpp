@@ -90,228 +90,164 @@ std::string dump(const tdm::VectorIds &ids)
   return text;
 }
 
-/// Collects the fields of one record.
-class Fields {
-public:
-  explicit Fields(const char *word) : text_(std::string(word) + '(') {}
+/// A number that counts as left out if it is this one.
+std::optional<std::int64_t> unless(std::int64_t value, std::int64_t unset)
+{
+  return value != unset ? std::optional(value) : std::nullopt;
+}
 
-  template <typename T> Fields &field(const char *name, const std::unique_ptr<T> &value)
-  {
-    return value ? put(name, dump(*value)) : *this;
-  }
-  template <typename T> Fields &field(const char *name, const std::optional<T> &value)
-  {
-    return value ? put(name, dump(*value)) : *this;
-  }
-  Fields &field(const char *name, bool flag) { return flag ? put(name, "") : *this; }
-  Fields &number(const char *name, std::int64_t value, std::int64_t unset)
-  {
-    return value != unset ? put(name, std::to_string(value)) : *this;
-  }
-  template <typename T> Fields &list(const char *name, const std::vector<T> &values)
-  {
-    if (values.empty()) return *this;
-    std::string text;
-    for (const T &value : values) text += (text.empty() ? "" : ", ") + element(value);
-    return put(name, '[' + text + ']');
-  }
-  [[nodiscard]] std::string end(const SourceLocations &locations = {}) const
-  {
-    return text_ + ')' + places(locations);
-  }
-
-private:
-  template <typename T> static std::string element(const std::unique_ptr<T> &value)
-  {
+std::string element(const auto &value)
+{
+  if constexpr (requires { *value; })
     return dump(*value);
-  }
-  template <typename T> static std::string element(const T &value) { return dump(value); }
+  else
+    return dump(value);
+}
 
-  Fields &put(const char *name, const std::string &value)
-  {
-    if (text_.back() != '(') text_ += ' ';
-    text_ += name;
-    if (!value.empty()) text_ += '=' + value;
-    return *this;
-  }
+// Of one field: what stands behind its name, or nothing if the text left it out.
+template <typename T> std::optional<std::string> shown(const std::vector<T> &values)
+{
+  std::string text;
+  for (const T &value : values) text += (text.empty() ? "" : ", ") + element(value);
+  return values.empty() ? std::nullopt : std::optional("=[" + text + ']');
+}
+std::optional<std::string> shown(bool flag)
+{
+  return flag ? std::optional<std::string>("") : std::nullopt;
+}
+std::optional<std::string> shown(const std::string &text)
+{
+  return text.empty() ? text : '=' + text;
+}
+template <typename Pointer>
+requires requires(const Pointer &p)
+{
+  *p;
+}
+std::optional<std::string> shown(const Pointer &value)
+{
+  return value ? shown(dump(*value)) : std::nullopt;
+}
 
-  std::string text_;
-};
+/// The word of a record, its fields by name and value, and its places.
+template <typename... Fields>
+std::string line(const char *word, const SourceLocations &locations, const Fields &...fields)
+{
+  std::string text = std::string(word) + '(';
+  const auto put = [&](const auto &self, const char *name, const auto &value, const auto &...rest) {
+    if (const auto field = shown(value)) text += (text.back() == '(' ? "" : " ") + (name + *field);
+    if constexpr (sizeof...(rest) > 0) self(self, rest...);
+  };
+  if constexpr (sizeof...(fields) > 0) put(put, fields...);
+  return text + ')' + places(locations);
+}
 
 std::string dump(const TDMFileFillSpec &fill)
 {
-  return Fields("fill")
-      .list("values", fill.values)
-      .field("alignment", fill.alignment)
-      .end(fill.sourceLocations);
+  return line("fill", fill.sourceLocations, "values", fill.values, "alignment", fill.alignment);
 }
 
 std::string dump(const TDMFileMapping &mapping)
 {
-  return Fields("map")
-      .field("name", mapping.name)
-      .number("kind", mapping.destinationKind, 0)
-      .field("destination", mapping.destination)
-      .field("dest_dbits", mapping.connectedDestinationLines)
-      .field("dest_offset", mapping.destinationOffset)
-      .field("size", mapping.size)
-      .field("src_dbits", mapping.connectedSourceLines)
-      .field("src_offset", mapping.sourceOffset)
-      .number("bank", mapping.bankNum, -1)
-      .number("dest_bank", mapping.destinationBankNum, -1)
-      .field("reserved", mapping.reserved)
-      .number("priority", mapping.priority, 0)
-      .number("exec_priority", mapping.execPriority, -1)
-      .end(mapping.sourceLocations);
+  return line("map", mapping.sourceLocations, "name", mapping.name, "kind",
+              unless(mapping.destinationKind, 0), "destination", mapping.destination, "dest_dbits",
+              mapping.connectedDestinationLines, "dest_offset", mapping.destinationOffset, "size",
+              mapping.size, "src_dbits", mapping.connectedSourceLines, "src_offset",
+              mapping.sourceOffset, "bank", unless(mapping.bankNum, -1), "dest_bank",
+              unless(mapping.destinationBankNum, -1), "reserved", mapping.reserved, "priority",
+              unless(mapping.priority, 0), "exec_priority", unless(mapping.execPriority, -1));
 }
 
 std::string dump(const TDMFileBus &bus)
 {
-  return Fields("bus")
-      .field("name", bus.name)
-      .field("mau", bus.mauSize)
-      .field("width", bus.busWidth)
-      .field("address_width", bus.busAddressWidth)
-      .field("wishbone", bus.wishbone)
-      .list("mappings", bus.mappings)
-      .end(bus.sourceLocations);
+  return line("bus", bus.sourceLocations, "name", bus.name, "mau", bus.mauSize, "width",
+              bus.busWidth, "address_width", bus.busAddressWidth, "wishbone", bus.wishbone,
+              "mappings", bus.mappings);
 }
 
 std::string dump(const TDMFileMemory &memory)
 {
-  return Fields("memory")
-      .field("name", memory.name)
-      .number("type", memory.memtype, 0)
-      .field("reserved", memory.reserved)
-      .field("mau", memory.mauSize)
-      .field("size", memory.size)
-      .number("priority", memory.priority, -1)
-      .number("exec_priority", memory.execPriority, -1)
-      .field("fill", memory.fillSpec)
-      .field("write_unit", memory.writeUnit)
-      .field("write_mode", memory.writeMode)
-      .field("setuptime", memory.setupTime)
-      .field("holdtime", memory.holdTime)
-      .field("cycles", memory.cycles)
-      .field("area", memory.area)
-      .field("read_ports", memory.readPorts)
-      .field("write_ports", memory.writePorts)
-      .field("readwrite_ports", memory.readWritePorts)
-      .list("mappings", memory.mappings)
-      .end(memory.sourceLocations);
+  return line("memory", memory.sourceLocations, "name", memory.name, "type",
+              unless(memory.memtype, 0), "reserved", memory.reserved, "mau", memory.mauSize, "size",
+              memory.size, "priority", unless(memory.priority, -1), "exec_priority",
+              unless(memory.execPriority, -1), "fill", memory.fillSpec, "write_unit",
+              memory.writeUnit, "write_mode", memory.writeMode, "setuptime", memory.setupTime,
+              "holdtime", memory.holdTime, "cycles", memory.cycles, "area", memory.area,
+              "read_ports", memory.readPorts, "write_ports", memory.writePorts, "readwrite_ports",
+              memory.readWritePorts, "mappings", memory.mappings);
 }
 
 std::string dump(const TDMFileStartAddress &start)
 {
-  return Fields("start")
-      .field("symbol", start.symbolName)
-      .field("value", start.value)
-      .number("bank", start.bank, -1)
-      .end(start.sourceLocations);
+  return line("start", start.sourceLocations, "symbol", start.symbolName, "value", start.value,
+              "bank", unless(start.bank, -1));
 }
 
 std::string dump(const TDMFileCopySubTableSpace &space)
 {
-  return Fields("space")
-      .field("cpu", space.cpuName)
-      .field("core", space.coreName)
-      .field("name", space.spaceName)
-      .end(space.sourceLocations);
+  return line("space", space.sourceLocations, "cpu", space.cpuName, "core", space.coreName, "name",
+              space.spaceName);
 }
 
 std::string dump(const TDMFileStackOrHeapDef &definition)
 {
+  static const tdm::ExpressionPtr no_id;
   const auto *stack = dynamic_cast<const TDMFileStackDef *>(&definition);
-  Fields fields(stack ? "stack" : "heap");
-  fields.field("name", definition.name)
-      .field("min_size", definition.minimalSize)
-      .number("grows", definition.growDirection, 0)
-      .field("align", definition.alignment)
-      .field("fixed", definition.fixed);
-  if (stack) fields.field("id", stack->id);
-  return fields.end(definition.sourceLocations);
+  return line(stack ? "stack" : "heap", definition.sourceLocations, "name", definition.name,
+              "min_size", definition.minimalSize, "grows", unless(definition.growDirection, 0),
+              "align", definition.alignment, "fixed", definition.fixed, "id",
+              stack ? stack->id : no_id);
 }
 
 std::string dump(const TDMFileVectorValue &value)
 {
-  return Fields("value")
-      .number("type", value.type, 0)
-      .field("symbol", value.symbolName.empty() ? std::nullopt : std::optional(value.symbolName))
-      .list("values", value.values)
-      .field("offset", value.loopOffset)
-      .end(value.sourceLocations);
+  return line("value", value.sourceLocations, "type", unless(value.type, 0), "symbol",
+              value.symbolName.empty() ? std::nullopt : std::optional(value.symbolName), "values",
+              value.values, "offset", value.loopOffset);
 }
 
 std::string dump(const TDMFileVector &vector)
 {
-  return Fields("vector")
-      .field("ids", std::make_unique<std::string>(dump(vector.ids)))
-      .field("value", vector.value)
-      .field("optional", vector.optional)
-      .end(vector.sourceLocations);
+  return line("vector", vector.sourceLocations, "ids",
+              std::make_unique<std::string>(dump(vector.ids)), "value", vector.value, "optional",
+              vector.optional);
 }
 
 std::string dump(const TDMFileVectorTable &table)
 {
-  return Fields("vector_table")
-      .field("name", table.name)
-      .field("vector_size", table.vectorSize)
-      .field("size", table.size)
-      .field("id_symbol_prefix", table.idSymbolPrefix)
-      .field("address", table.address)
-      .field("memory", table.memoryName)
-      .field("template", table.templateName)
-      .field("template_symbol", table.templateSymbolName)
-      .field("vector_prefix", table.vectorNamePrefix)
-      .field("no_inline", !table.defaultInline)
-      .field("copy", table.copy)
-      .field("default", table.defaultValue)
-      .list("vectors", table.vectors)
-      .end(table.sourceLocations);
+  return line("vector_table", table.sourceLocations, "name", table.name, "vector_size",
+              table.vectorSize, "size", table.size, "id_symbol_prefix", table.idSymbolPrefix,
+              "address", table.address, "memory", table.memoryName, "template", table.templateName,
+              "template_symbol", table.templateSymbolName, "vector_prefix", table.vectorNamePrefix,
+              "no_inline", !table.defaultInline, "copy", table.copy, "default", table.defaultValue,
+              "vectors", table.vectors);
 }
 
 std::string dump(const TDMFileCopySubTable &table)
 {
-  return Fields("table")
-      .field("symbol", table.symbol)
-      .list("spaces", table.spaces)
-      .end(table.sourceLocations);
+  return line("table", table.sourceLocations, "symbol", table.symbol, "spaces", table.spaces);
 }
 
 std::string dump(const TDMFileCopyTable &table)
 {
-  return Fields("copytable")
-      .field("align", table.alignment)
-      .field("copy_unit", table.copyUnit)
-      .field("dest", table.defaultCopyDestination)
-      .list("dests", table.destinations)
-      .field("page", table.pageRestrictROMCopies)
-      .list("tables", table.subTables)
-      .end(table.sourceLocations);
+  return line("copytable", table.sourceLocations, "align", table.alignment, "copy_unit",
+              table.copyUnit, "dest", table.defaultCopyDestination, "dests", table.destinations,
+              "page", table.pageRestrictROMCopies, "tables", table.subTables);
 }
 
 std::string dump(const TDMFileDirectInit &init)
 {
-  return Fields("direct_init")
-      .field("align", init.alignment)
-      .field("dest", init.defaultDestination)
-      .list("dests", init.destinations)
-      .end(init.sourceLocations);
+  return line("direct_init", init.sourceLocations, "align", init.alignment, "dest",
+              init.defaultDestination, "dests", init.destinations);
 }
 
 std::string dump(const TDMFileBankDef &bank)
 {
-  return Fields("bank")
-      .field("stub_template", bank.stubTemplate)
-      .field("stub_bank", bank.stubArgBank)
-      .field("stub_address", bank.stubArgAddress)
-      .field("stub_switch", bank.stubArgSwitch)
-      .field("stub_prefix", bank.stubPrefix)
-      .field("switch_template", bank.switchTemplate)
-      .field("switch_bank", bank.switchArgBank)
-      .field("switch_prefix", bank.switchPrefix)
-      .field("space", bank.spaceName)
-      .end(bank.sourceLocations);
+  return line("bank", bank.sourceLocations, "stub_template", bank.stubTemplate, "stub_bank",
+              bank.stubArgBank, "stub_address", bank.stubArgAddress, "stub_switch",
+              bank.stubArgSwitch, "stub_prefix", bank.stubPrefix, "switch_template",
+              bank.switchTemplate, "switch_bank", bank.switchArgBank, "switch_prefix",
+              bank.switchPrefix, "space", bank.spaceName);
 }
 
 std::string dump(const TDMFileSelector &selector)
@@ -322,74 +258,41 @@ std::string dump(const TDMFileSelector &selector)
 
 std::string dump(const TDMFileGroupLocationRange &range)
 {
-  return Fields("range")
-      .field("memory", range.memoryName)
-      .field("mapping", range.mappingName)
-      .field("low", range.low)
-      .field("high", range.high)
-      .end();
+  return line("range", {}, "memory", range.memoryName, "mapping", range.mappingName, "low",
+              range.low, "high", range.high);
 }
 
 std::string dump(const TDMFileGroupLocation &location)
 {
-  return Fields("location")
-      .field("address", location.address)
-      .field("memory", location.memoryName)
-      .field("mapping", location.mappingName)
-      .list("ranges", location.ranges)
-      .end(location.sourceLocations);
+  return line("location", location.sourceLocations, "address", location.address, "memory",
+              location.memoryName, "mapping", location.mappingName, "ranges", location.ranges);
 }
 
 std::string dump_group(const TDMFileGroup &group)
 {
-  return Fields("group")
-      .field("name", group.name)
-      .field("contiguous", group.contiguous)
-      .field("clustered", group.clustered)
-      .field("ordered", group.ordered)
-      .field("overlay", group.overlay)
-      .field("copy", group.copy)
-      .field("nocopy", group.nocopy)
-      .field("align", group.alignment)
-      .field("attributes", group.attributes)
-      .field("load_addr", group.loadTimeGroup)
-      .field("load", group.loadAddress)
-      .field("fill", group.fillSpec)
-      .field("page", group.paged)
-      .field("page_num", group.pageNum)
-      .field("page_size", group.pageAlign)
-      .list("pages", group.pages)
-      .field("run", group.runAddress)
-      .field("cross", group.crossReferences)
-      .field("section", group.outputSectionName)
-      .number("priority", group.priority, 1)
-      .field("statement", group.statement)
-      .end(group.sourceLocations);
+  return line("group", group.sourceLocations, "name", group.name, "contiguous", group.contiguous,
+              "clustered", group.clustered, "ordered", group.ordered, "overlay", group.overlay,
+              "copy", group.copy, "nocopy", group.nocopy, "align", group.alignment, "attributes",
+              group.attributes, "load_addr", group.loadTimeGroup, "load", group.loadAddress, "fill",
+              group.fillSpec, "page", group.paged, "page_num", group.pageNum, "page_size",
+              group.pageAlign, "pages", group.pages, "run", group.runAddress, "cross",
+              group.crossReferences, "section", group.outputSectionName, "priority",
+              unless(group.priority, 1), "statement", group.statement);
 }
 
 std::string dump_section(const TDMFileSectionCreationStatement &section)
 {
-  return Fields("section")
-      .field("name", std::optional(section.sectionName))
-      .field("overflow", section.overflowSectionName)
-      .field("size", section.size)
-      .field("blocksize", section.blockSize)
-      .field("attributes", section.attributes)
-      .field("fill", section.fillSpec)
-      .field("statement", section.statement)
-      .end(section.sourceLocations);
+  return line("section", section.sourceLocations, "name", section.sectionName, "overflow",
+              section.overflowSectionName, "size", section.size, "blocksize", section.blockSize,
+              "attributes", section.attributes, "fill", section.fillSpec, "statement",
+              section.statement);
 }
 
 std::string dump_reserved(const TDMFileReservedStatement &reserved)
 {
-  return Fields("reserved")
-      .field("name", std::optional(reserved.sectionName))
-      .field("size", reserved.size)
-      .field("attributes", reserved.attributes)
-      .field("fill", reserved.fillSpec)
-      .field("absolute", reserved.allowAllocAbsolute)
-      .field("ranged", reserved.allowAllocRanged)
-      .end(reserved.sourceLocations);
+  return line("reserved", reserved.sourceLocations, "name", reserved.sectionName, "size",
+              reserved.size, "attributes", reserved.attributes, "fill", reserved.fillSpec,
+              "absolute", reserved.allowAllocAbsolute, "ranged", reserved.allowAllocRanged);
 }
 
 std::string dump(const TDMFileSectionStatement &statement)
@@ -397,44 +300,29 @@ std::string dump(const TDMFileSectionStatement &statement)
   switch (statement.kind()) {
   case tdm::kStatementAssignment: {
     const auto &record = static_cast<const TDMFileAssignment &>(statement);
-    return Fields("assign")
-        .field("symbol", std::optional(record.symbolName))
-        .number("op", record.op, 0)
-        .field("value", record.value)
-        .end(record.sourceLocations);
+    return line("assign", record.sourceLocations, "symbol", record.symbolName, "op",
+                unless(record.op, 0), "value", record.value);
   }
   case tdm::kStatementIf: {
     const auto &record = static_cast<const TDMFileIfStatement &>(statement);
-    return Fields("if")
-        .field("condition", record.condition)
-        .field("true", record.trueStatement)
-        .field("false", record.falseStatement)
-        .end(record.sourceLocations);
+    return line("if", record.sourceLocations, "condition", record.condition, "true",
+                record.trueStatement, "false", record.falseStatement);
   }
   case tdm::kStatementSelect: {
     const auto &record = static_cast<const TDMFileSelectSectionStatement &>(statement);
-    return Fields("select")
-        .field("name", record.sectionName)
-        .field("ref_tree", record.referenceTree)
-        .list("selectors", record.selectors)
-        .end(record.sourceLocations);
+    return line("select", record.sourceLocations, "name", record.sectionName, "ref_tree",
+                record.referenceTree, "selectors", record.selectors);
   }
   case tdm::kStatementHeap: {
     const auto &record = static_cast<const TDMFileHeapStatement &>(statement);
-    return Fields("heap")
-        .field("name", std::optional(record.sectionName))
-        .field("size", record.size)
-        .end(record.sourceLocations);
+    return line("heap", record.sourceLocations, "name", record.sectionName, "size", record.size);
   }
   case tdm::kStatementStack: {
     const auto &record = static_cast<const TDMFileStackStatement &>(statement);
-    return Fields("stack")
-        .field("name", std::optional(record.name))
-        .field("size", record.size)
-        .end(record.sourceLocations);
+    return line("stack", record.sourceLocations, "name", record.name, "size", record.size);
   }
   case tdm::kStatementTable:
-    return Fields("copytable").end(statement.sourceLocations);
+    return line("copytable", statement.sourceLocations);
   case tdm::kStatementReserved:
     return dump_reserved(static_cast<const TDMFileReservedStatement &>(statement));
   case tdm::kStatementSection:
@@ -442,139 +330,84 @@ std::string dump(const TDMFileSectionStatement &statement)
   case tdm::kStatementGroup:
     return dump_group(static_cast<const TDMFileGroup &>(statement));
   case tdm::kStatementBlock:
-    return Fields("block")
-        .list("of", static_cast<const TDMFileBlock &>(statement).statements)
-        .end(statement.sourceLocations);
+    return line("block", statement.sourceLocations, "of",
+                static_cast<const TDMFileBlock &>(statement).statements);
   case tdm::kStatementMemCopy: {
     const auto &record = static_cast<const TDMFileMemCopyStatement &>(statement);
-    return Fields("memcopy")
-        .field("name", std::optional(record.sectionName))
-        .field("memory", record.memName)
-        .field("fill", record.fillSpec)
-        .end(record.sourceLocations);
+    return line("memcopy", record.sourceLocations, "name", record.sectionName, "memory",
+                record.memName, "fill", record.fillSpec);
   }
   default: {
     const auto &record = static_cast<const TDMFileStructStatement &>(statement);
-    return Fields("struct")
-        .field("name", std::optional(record.sectionName))
-        .list("members", record.members)
-        .end(record.sourceLocations);
+    return line("struct", record.sourceLocations, "name", record.sectionName, "members",
+                record.members);
   }
   }
 }
 
 std::string dump(const TDMFileSectionLayout &layout)
 {
-  return Fields("layout")
-      .field("cpu", layout.cpuName)
-      .field("core", layout.coreName)
-      .field("space", layout.spaceName)
-      .number("direction", layout.locateDirection, 0)
-      .field("statement", layout.statement)
-      .end(layout.sourceLocations);
+  return line("layout", layout.sourceLocations, "cpu", layout.cpuName, "core", layout.coreName,
+              "space", layout.spaceName, "direction", unless(layout.locateDirection, 0),
+              "statement", layout.statement);
 }
 
 std::string dump(const TDMFileInputModification &modification)
 {
-  return Fields("modify")
-      .field("space", modification.space)
-      .field("selector", modification.selector)
-      .list("selects", modification.selects)
-      .end(modification.sourceLocations);
+  return line("modify", modification.sourceLocations, "space", modification.space, "selector",
+              modification.selector, "selects", modification.selects);
 }
 
 std::string dump(const TDMFileSectionSetup &setup)
 {
-  return Fields("setup")
-      .field("cpu", setup.cpuName)
-      .field("core", setup.coreName)
-      .field("space", setup.spaceName)
-      .list("vector_tables", setup.vectorTables)
-      .list("reserved", setup.reservedRanges)
-      .list("stacks", setup.stacks)
-      .list("heaps", setup.heaps)
-      .list("copytables", setup.copyTables)
-      .field("start", setup.startAddress)
-      .list("prohibited", setup.prohibitedSpaces)
-      .list("modifications", setup.inputModifications)
-      .end(setup.sourceLocations);
+  return line("setup", setup.sourceLocations, "cpu", setup.cpuName, "core", setup.coreName, "space",
+              setup.spaceName, "vector_tables", setup.vectorTables, "reserved",
+              setup.reservedRanges, "stacks", setup.stacks, "heaps", setup.heaps, "copytables",
+              setup.copyTables, "start", setup.startAddress, "prohibited", setup.prohibitedSpaces,
+              "modifications", setup.inputModifications);
 }
 
 std::string dump(const TDMFileSpace &space)
 {
-  return Fields("space")
-      .field("name", space.name)
-      .number("id", space.id, -1)
-      .field("mau", space.mauSize)
-      .field("align", space.alignment)
-      .field("page_size", space.pageSize)
-      .list("pages", space.pages)
-      .field("page", space.pageRestrictSections)
-      .number("direction", space.locateDirection, 1)
-      .field("literals", space.addressLiteralSpace)
-      .list("stacks", space.stacks)
-      .list("heaps", space.heaps)
-      .field("copytable", space.copyTable)
-      .field("direct_init", space.directInit)
-      .list("vector_tables", space.vectorTables)
-      .list("reserved", space.reservedRanges)
-      .field("start", space.startAddress)
-      .list("banks", space.banks)
-      .list("mappings", space.mappings)
-      .list("layouts", space.sectionLayouts)
-      .end(space.sourceLocations);
+  return line("space", space.sourceLocations, "name", space.name, "id", unless(space.id, -1), "mau",
+              space.mauSize, "align", space.alignment, "page_size", space.pageSize, "pages",
+              space.pages, "page", space.pageRestrictSections, "direction",
+              unless(space.locateDirection, 1), "literals", space.addressLiteralSpace, "stacks",
+              space.stacks, "heaps", space.heaps, "copytable", space.copyTable, "direct_init",
+              space.directInit, "vector_tables", space.vectorTables, "reserved",
+              space.reservedRanges, "start", space.startAddress, "banks", space.banks, "mappings",
+              space.mappings, "layouts", space.sectionLayouts);
 }
 
 std::string dump(const TDMFileArchitecture &architecture)
 {
-  return Fields("architecture")
-      .field("name", architecture.name)
-      .list("parameters", architecture.parameters)
-      .field("base", architecture.base)
-      .list("arguments", architecture.baseArguments)
-      .list("buses", architecture.buses)
-      .list("spaces", architecture.spaces)
-      .list("endianness", architecture.endianness)
-      .end(architecture.sourceLocations);
+  return line("architecture", architecture.sourceLocations, "name", architecture.name, "parameters",
+              architecture.parameters, "base", architecture.base, "arguments",
+              architecture.baseArguments, "buses", architecture.buses, "spaces",
+              architecture.spaces, "endianness", architecture.endianness);
 }
 
 std::string dump(const TDMFileCore &core)
 {
-  return Fields("core")
-      .field("name", core.name)
-      .field("architecture", core.archName)
-      .list("arguments", core.arguments)
-      .list("endianness", core.endianness)
-      .field("start", core.startAddress)
-      .field("copy_core", core.copyTableCoreName)
-      .field("copy_space", core.copyTableSpaceName)
-      .list("imports", core.imports)
-      .number("id_offset", core.spaceIdOffset, 0)
-      .end(core.sourceLocations);
+  return line("core", core.sourceLocations, "name", core.name, "architecture", core.archName,
+              "arguments", core.arguments, "endianness", core.endianness, "start",
+              core.startAddress, "copy_core", core.copyTableCoreName, "copy_space",
+              core.copyTableSpaceName, "imports", core.imports, "id_offset",
+              unless(core.spaceIdOffset, 0));
 }
 
 std::string dump(const TDMFileDerivative &derivative)
 {
-  return Fields("derivative")
-      .field("name", derivative.name)
-      .list("parameters", derivative.parameters)
-      .field("base", derivative.base)
-      .list("arguments", derivative.baseArguments)
-      .list("cores", derivative.cores)
-      .list("buses", derivative.buses)
-      .list("memories", derivative.memories)
-      .list("layouts", derivative.sectionLayouts)
-      .list("setups", derivative.sectionSetups)
-      .end(derivative.sourceLocations);
+  return line("derivative", derivative.sourceLocations, "name", derivative.name, "parameters",
+              derivative.parameters, "base", derivative.base, "arguments", derivative.baseArguments,
+              "cores", derivative.cores, "buses", derivative.buses, "memories", derivative.memories,
+              "layouts", derivative.sectionLayouts, "setups", derivative.sectionSetups);
 }
 
 std::string dump(const TDMFileCPU &processor)
 {
-  return Fields("processor")
-      .field("name", processor.name)
-      .field("derivative", processor.derivativeName)
-      .list("arguments", processor.arguments)
-      .end(processor.sourceLocations);
+  return line("processor", processor.sourceLocations, "name", processor.name, "derivative",
+              processor.derivativeName, "arguments", processor.arguments);
 }
 
 constexpr const char *operators[] = {"",  "*", "/",  "%",  "+", "-", ">>", "<<", "==", "!=",

@@ -18,6 +18,7 @@
 
 #include "language/lexer.h"
 #include "preprocessor/preprocessor.h"
+#include "unit/rows.h"
 
 namespace {
 
@@ -91,120 +92,17 @@ TEST(WholeTokens, AgreeWithCharactersOnRandomTexts)
   const unsigned seed = wanted != nullptr ? static_cast<unsigned>(std::strtoul(wanted, nullptr, 0))
                                           : std::random_device()();
   std::printf("seed %u\n", seed);
-  const char *const pieces[] = {"memory",
-                                "a",
-                                "k",
-                                "g",
-                                "b_1",
-                                "x9",
-                                "0",
-                                "00",
-                                "08",
-                                "7",
-                                "10",
-                                "16k",
-                                "0x1F",
-                                "0x",
-                                "0xg",
-                                "1.5",
-                                "0..7",
-                                "a.b",
-                                "a..b",
-                                ".",
-                                "..",
-                                "\"s\"",
-                                "\"\"",
-                                "\"a\\\"b\"",
-                                "\"\\n\"",
-                                "\"\t\"",
-                                "\"\xC3\"",
-                                "\"o",
-                                "'c'",
-                                " ",
-                                "  ",
-                                "\t\t ",
-                                "\n",
-                                "\n    ",
-                                "\r\n",
-                                "\v",
-                                "\f\f",
-                                "/* c */",
-                                "/**/",
-                                "/* \n\n */",
-                                "/*/*/",
-                                "/* \xE9*/",
-                                "// l\n",
-                                "// c\r d\n",
-                                "//\tt\tu",
-                                "// \\\n m\n",
-                                "//\xE9\n",
-                                "/",
-                                "/=",
-                                "=",
-                                "==",
-                                ":=",
-                                ":",
-                                "+",
-                                "+=",
-                                "-",
-                                "*",
-                                "*=",
-                                "!",
-                                "!=",
-                                "<",
-                                "<<",
-                                "<=",
-                                ">>",
-                                "|",
-                                "||",
-                                "&",
-                                "&&",
-                                "^",
-                                "%",
-                                "~",
-                                "?",
-                                "$",
-                                "(",
-                                ")",
-                                "{",
-                                "}",
-                                "[",
-                                "]",
-                                ",",
-                                ";",
-                                "O",
-                                "F(a)",
-                                "F(1)",
-                                "F()",
-                                "P(a,b)",
-                                "P(1,2)",
-                                "S(x y)",
-                                "E",
-                                "B(7)",
-                                "\\\n",
-                                "?"
-                                "?/\n",
-                                "?"
-                                "?(",
-                                "@",
-                                "L\"w\"",
-                                "#",
-                                "\xFF",
-                                "\n#define O 4 /* o */\n",
-                                "\n#define E\n",
-                                "\n#line 7 \"f\"\n",
-                                "\n#if 0\n a \n#endif\n",
-                                "\n#pragma p q\n"};
+  const tdm_test::Row pieces = tdm_test::rows("language/tokens.json", "Pieces").front();
   std::mt19937 random(seed);
-  const std::string file = testing::TempDir() + "whole_tokens_" + std::to_string(getpid()) + ".tdm";
-  const auto count = std::size(pieces);
+  const std::string file =
+      testing::TempDir() + "whole_tokens_" + std::to_string(::getpid()) + ".tdm";
   for (int round = 0; round < 1500 && !HasFailure(); ++round) {
     std::ofstream out(file, std::ios::binary);
     out << "#define O 12\n#define F(x) x x.x x/**/k\n#define P(x, y) x ## y x\n"
            "#define S(x) #x\n#define B(x) \"s\" 1 x\n";
     for (int length = static_cast<int>(random() % 30); length >= 0; --length) {
       // Mostly texts that can be read to their end.
-      const char *piece = pieces[random() % count];
+      const std::string &piece = pieces[random() % pieces.size()];
       out << piece << (random() % 3 == 0 ? "" : " ");
     }
     out.close();

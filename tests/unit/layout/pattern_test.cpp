@@ -10,39 +10,19 @@
 #include "common/failures.h"
 #include "layout/regular_expression.h"
 #include "layout/selection_pattern.h"
+#include "unit/rows.h"
 
 namespace {
 
+using tdm_test::Row;
+using tdm_test::rows;
+
 TEST(PatternTranslation, CharacterByCharacter)
 {
-  struct Row {
-    const char *pattern;
-    const char *expression;
-    const char *plain;
-  };
-  const Row rows[] = {
-      {"", "^$", ""},
-      {"abc", "^abc$", "abc"},
-      {"*", "^.*$", "*"},
-      {"a?c", "^a.c$", "a?c"},
-      {".text*", "^\\.text.*$", ".text*"},
-      {"$a^", "^\\$a\\^$", "$a^"},
-      {"[a-c]", "^[a-c]$", "[a-c]"},
-      {"[^a-c]x", "^[^a-c]x$", "[^a-c]x"},
-      {"[a^.*]", "^[a\\^\\..*]$", "[a^.*]"},
-      {"a\\*b", "^a\\*b$", "a*b"},
-      {"\\\\", "^\\\\$", "\\"},
-      {"\\[^\\]", "^\\[\\^\\]$", "[^]"},
-      {"[\\^a]", "^[\\^a]$", "[^a]"},
-      {"\\d\\x", "^\\d\\x$", "dx"},
-      {"a|b(c)+", "^a|b(c)+$", "a|b(c)+"},
-      {"a\\", "^a$", "a"},
-      {"a\\\\\\", "^a\\\\$", "a\\"},
-  };
-  for (const Row &row : rows) {
-    const tdm::TranslatedPattern translated = tdm::translate_pattern(row.pattern);
-    EXPECT_EQ(translated.expression, row.expression) << row.pattern;
-    EXPECT_EQ(translated.plain, row.plain) << row.pattern;
+  for (const Row &row : rows("layout/patterns.json", "CharacterByCharacter")) {
+    const tdm::TranslatedPattern translated = tdm::translate_pattern(row[0]);
+    EXPECT_EQ(translated.expression, row[1]) << row[0];
+    EXPECT_EQ(translated.plain, row[2]) << row[0];
   }
 }
 
@@ -89,72 +69,11 @@ std::string compiled(const std::string &text)
   }
 }
 
-TEST(RegularExpression, Graphs)
+TEST(RegularExpression, GraphsAndErrors)
 {
-  struct Row {
-    const char *expression;
-    const char *graph;
-  };
-  const Row rows[] = {
-      {"^a$", "0!>2; 1; 2^>3; 3'a'>4; 4$>1"},
-      {"a|.", "0!>2,3; 1; 2'a'>1; 3.>1"},
-      {"a*", "0!>3; 1; 2'a'>4,2; 3>2,4; 4>1"},
-      {"a+", "0!>3; 1; 2'a'>4,2; 3>2; 4>1"},
-      {"a?", "0!>3; 1; 2'a'>4; 3>2,4; 4>1"},
-      {"(a)b", "0!>2; 1; 2>4; 3>5; 4'a'>3; 5'b'>1"},
-      {"(a|b)+", "0!>6; 1; 2>4,5; 3>7,2; 4'a'>3; 5'b'>3; 6>2; 7>1"},
-      {"[a-cx]", "0!>2; 1; 2[a-cx]>1"},
-      {"[^^\\]]", "0!>2; 1; 2[^^]]>1"},
-      {"\\d", "0!>2; 1; 2[0-9]>1"},
-      {"\\S", "0!>2; 1; 2[^#12#10#13#9#32]>1"},
-      {"\\w", "0!>2; 1; 2[A-Za-z0-9_]>1"},
-      {"\\b\\F\\n\\R\\t", "0!>2; 1; 2'#8'>3; 3'#12'>4; 4'#10'>5; 5'#13'>6; 6'#9'>1"},
-      {"\\u0041\\U1f7A\\x", "0!>2; 1; 2'A'>3; 3'z'>4; 4'x'>1"},
-      {"[\\d\\t-\\u0020]", "0!>2; 1; 2[d#9-#32]>1"},
-  };
-  for (const Row &row : rows) EXPECT_EQ(compiled(row.expression), row.graph) << row.expression;
-}
-
-TEST(RegularExpression, Errors)
-{
-  const char *end = "unexpected end of input";
-  struct Row {
-    const char *expression;
-    std::string error;
-  };
-  const Row rows[] = {
-      {"", "syntax error at 0"},
-      {"^a)$", "syntax error at 2"},
-      {"^.*)$", "syntax error at 3"},
-      {"^(a$", "syntax error at 4"},
-      {"(", end},
-      {"a()", "syntax error at 2"},
-      {"(a|)", "syntax error at 3"},
-      {"a||b", "syntax error at 2"},
-      {"|a", "syntax error at 0"},
-      {"a|", "syntax error at 2"},
-      {"^+", "syntax error at 1"},
-      {"a**", "syntax error at 2"},
-      {"a]", "syntax error at 1"},
-      {"?", "syntax error at 0"},
-      {"[]", "syntax error at 1"},
-      {"[^]", "syntax error at 2"},
-      {"[-a]", "syntax error at 1"},
-      {"[a-]", "syntax error at 3"},
-      {"[a-c-]", "syntax error at 4"},
-      {"[z-a]", "syntax error at 3"},
-      {"[z-\\u0061]", "syntax error at 3"},
-      {"[a-\\u00ff]", "syntax error at 3"}, // the character 255 is negative
-      {"[a", end},
-      {"[a-", end},
-      {"[a\\", end},
-      {"[", end},
-      {"[^", end},
-      {"\\", end},
-      {"\\u123", end},
-      {"\\u12g4", "syntax error at 4"},
-  };
-  for (const Row &row : rows) EXPECT_EQ(compiled(row.expression), row.error) << row.expression;
+  for (const char *table : {"Graphs", "Errors"})
+    for (const Row &row : rows("layout/patterns.json", table))
+      EXPECT_EQ(compiled(row[0]), row[1]) << row[0];
 }
 
 TEST(RegularExpression, CaseAndStart)
@@ -173,89 +92,31 @@ TEST(RegularExpression, CaseAndStart)
 
 TEST(SelectionPattern, Matches)
 {
-  struct Row {
-    const char *pattern;
-    const char *name;
-    bool yes;
-  };
-  const Row rows[] = {
-      {"*", "", true},
-      {"*", ".text.main", true},
-      {"a?c", "abc", true},
-      {"a?c", "ac", false},
-      {".text*", ".text", true},
-      {".text*", ".text.a", true},
-      {".text*", "xtext", false},
-      {"[a-c]x", "bx", true},
-      {"[^a-c]x", "bx", false},
-      {"[^a-c]x", "dx", true},
-      {"a\\*b", "a*b", true},
-      {"a\\*b", "ab", false},
-      {"a|b", "a|b", true},
-      {"a|b", "a", false},
-      {"a*|b", "axx", true},
-      {"a*|b", "xxb", true},
-      {"a*|b", "xxc", false},
-      {"\\d", "7", true},
-      {"\\d", "d", false},
-      {"", "", true},
-      {"", "a", false},
-      {"a+b", "a+b", true},
-      {"a+b*", "aabx", true},
-      {"a+b*", "a+bx", false},
-      {"(a*)*b", "axab", true},
-      {"(a*)*b", "xab", false},
-      {"(*)+", "", true},
-      {"[\\^a]*", "^", true},
-      {"?", "\xff", true},
-      {"[^a]", "\xff", true},
-  };
-  for (const Row &row : rows)
-    EXPECT_EQ(TDMSelectionPattern(row.pattern, {}).matches(row.name), row.yes)
-        << row.pattern << " on " << row.name;
+  for (const Row &row : rows("layout/patterns.json", "Matches"))
+    EXPECT_EQ(TDMSelectionPattern(row[0], {}).matches(row[1]), row[2] == "true")
+        << row[0] << " on " << row[1];
 }
 
 TEST(SelectionPattern, PlainNames)
 {
-  struct Row {
-    const char *pattern;
-    const char *name; ///< null for a pattern with wildcards
-  };
-  const Row rows[] = {
-      {".text", ".text"}, {"", ""},         {"a\\*b", "a*b"}, {"a|b", "a|b"},
-      {"a+(b)", "a+(b)"}, {"x\\n", "xn"},   {"a*", nullptr},  {"a?", nullptr},
-      {"[a]", nullptr},   {"\\w", nullptr}, {"a\\", "a"},     {"a-$^b", "a-$^b"},
-  };
-  for (const Row &row : rows) {
-    const TDMSelectionPattern pattern(row.pattern, {});
+  for (const Row &row : rows("layout/patterns.json", "PlainNames")) {
+    const TDMSelectionPattern pattern(row[0], {});
     const std::string *name = pattern.literal_name();
-    EXPECT_EQ(name != nullptr ? *name : "<none>", row.name != nullptr ? row.name : "<none>")
-        << row.pattern;
+    EXPECT_EQ(name != nullptr ? *name : "<none>", row[1]) << row[0];
   }
 }
 
 TEST(SelectionPattern, ErrorsHaveThePlaceAndThePositionInTheExpression)
 {
-  struct Row {
-    const char *pattern;
-    const char *text;
-  };
-  const Row rows[] = {
-      {"[z-a]", "syntax error at 4"}, {"[-a]", "syntax error at 2"},
-      {"[a-]", "syntax error at 4"},  {"[]", "syntax error at 2"},
-      {"a)", "syntax error at 2"},    {"*)", "syntax error at 3"},
-      {"(a", "syntax error at 4"},    {"(", "syntax error at 3"},
-      {".)", "syntax error at 3"},    {"[a", "unexpected end of input"},
-      {"a]", "syntax error at 2"},    {"\\u00", "syntax error at 5"},
-  };
   const TDMSourceLocation place{"f.tdm", 3, 7};
-  for (const Row &row : rows) {
+  for (const Row &row :
+       rows("layout/patterns.json", "ErrorsHaveThePlaceAndThePositionInTheExpression")) {
     try {
-      const TDMSelectionPattern pattern(row.pattern, place);
-      ADD_FAILURE() << row.pattern << " is accepted";
+      const TDMSelectionPattern pattern(row[0], place);
+      ADD_FAILURE() << row[0] << " is accepted";
     } catch (TDMSyntaxException *failure) {
       EXPECT_EQ(failure->text(),
-                "[\"f.tdm\" 3/7] syntax error: selection pattern error: " + std::string(row.text));
+                "[\"f.tdm\" 3/7] syntax error: selection pattern error: " + row[1]);
       delete failure;
     }
   }

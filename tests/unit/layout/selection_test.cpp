@@ -302,28 +302,6 @@ TEST(Selection, FollowsReferences)
   EXPECT_EQ(env.log, "");
 }
 
-TEST(Selection, LiteralNames)
-{
-  EXPECT_EQ(*TDMSelectionStatement({}, "a").literal_section_name(), "a");
-  EXPECT_EQ(TDMSelectionStatement({}, "a*").literal_section_name(), nullptr);
-  EXPECT_EQ(TDMSelectionStatement({}, std::nullopt).literal_section_name(), nullptr);
-}
-
-TEST(Selection, RefusesAWrongPatternAtItsPlace)
-{
-  SourceLocations places;
-  places.store("select", {"f", 1, 2});
-  places.store("sectionName", {"f", 1, 9});
-  try {
-    const TDMSelectionStatement statement(places, "(a");
-    ADD_FAILURE();
-  } catch (TDMSyntaxException *failure) {
-    EXPECT_EQ(failure->text(),
-              "[\"f\" 1/9] syntax error: selection pattern error: syntax error at 4");
-    delete failure;
-  }
-}
-
 /// Counts who is asked for all sections, or for the name of one.
 struct CountingMap final : TDMSectionMap {
   struct CountedSection final : public TDMSection {

@@ -14,6 +14,7 @@
 #include "preprocessor/path_join.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/preprocessor.h"
+#include "unit/rows.h"
 
 namespace {
 
@@ -25,39 +26,8 @@ using tdm_test::squeezed;
 
 TEST(PathJoin, FollowsItsRules)
 {
-  const struct {
-    const char *directory, *name, *path;
-  } rows[] = {
-      {"", "a", "a"},
-      {"d", "a", "d/a"},
-      {"d/", "a", "d/a"},
-      {"d//", "a", "d/a"},
-      {"/", "a", "/a"},
-      {"d", "/a", "/a"},
-      {"d", "//a/../b", "//a/../b"},
-      {"d", "c:a", "c:a"},
-      {"d", "\\a", "/a"},
-      {"d\\e", "f\\a", "d/e/f/a"},
-      {"d/e", "../a", "d/a"},
-      {"d/e", "../../a", "a"},
-      {"d/e", "../../../a", "../a"},
-      {"", "../a", "../a"},
-      {"..", "../a", "../../a"},
-      {"d", "./a", "d/a"},
-      {"d", "x/./../a", "d/a"},
-      {"d/.", "../a", "a"},
-      {".", "a", "./a"},
-      {".", "../a", "../a"},
-      {"d/f", "../", "d/"},
-      {"f", "../", ""},
-      {"/f", "../", "/"},
-      {"", "../include/", "../include/"},
-      {"../include/", "a", "../include/a"},
-      {"d", "", "d/"},
-      {"", "", ""},
-  };
-  for (const auto &row : rows)
-    EXPECT_EQ(path_join(row.directory, row.name), row.path) << row.directory << " + " << row.name;
+  for (const tdm_test::Row &row : tdm_test::rows("preprocessor/paths.json", "FollowsItsRules"))
+    EXPECT_EQ(path_join(row[0], row[1]), row[2]) << row[0] << " + " << row[1];
 }
 
 TEST(Stream, ReadsFilesInOrderAsOneInput)
