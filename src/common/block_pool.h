@@ -81,6 +81,25 @@ inline void pool_free(void *block, std::size_t size) noexcept
 
 #endif
 
+/// Makes containers keep their elements in the pool.
+template <typename T> struct PoolAllocator {
+  using value_type = T;
+
+  PoolAllocator() = default;
+  template <typename Other> PoolAllocator(const PoolAllocator<Other> &) noexcept {}
+
+  [[nodiscard]] T *allocate(std::size_t count)
+  {
+    return static_cast<T *>(pool_allocate(count * sizeof(T)));
+  }
+  void deallocate(T *elements, std::size_t count) noexcept
+  {
+    pool_free(elements, count * sizeof(T));
+  }
+
+  friend bool operator==(PoolAllocator, PoolAllocator) { return true; }
+};
+
 /// A base that makes objects live in the pool. What derives from it needs a virtual destructor, or
 /// must be deleted as what it is.
 struct Pooled {

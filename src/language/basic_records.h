@@ -32,7 +32,7 @@ struct FileParameter {
   ExpressionPtr defaultValue; ///< null if the text gives none
 };
 
-using FileParameters = std::vector<FileParameter>;
+using FileParameters = tdm::RecordList<FileParameter>;
 
 /// `dest source = destination` of a copy table or direct init.
 struct FileDestination {
@@ -69,7 +69,7 @@ public:
   std::optional<std::string> name;
 };
 
-using TDMFileMappings = std::vector<std::unique_ptr<TDMFileMapping>>;
+using TDMFileMappings = tdm::RecordList<std::unique_ptr<TDMFileMapping>>;
 
 /// `memory`. Keys "name", "reserved", "memtype", "mauSize", "size", "speed" (also for `priority`),
 /// "exec_priority", "map", "fillSpec".

@@ -77,33 +77,12 @@ ExpressionOperands expression_operands(TDMFileExpression &expression)
   }
 }
 
-namespace {
-
-// Most operands have none themselves. Whether that was true of all.
-bool destroy_leaves(TDMFileExpression &expression)
-{
-  const ExpressionOperands fields = expression_operands(expression);
-  bool all = true;
-  for (std::size_t i = 0; i < fields.count; ++i) {
-    ExpressionPtr &operand = *fields.slots[i];
-    if (operand == nullptr) continue;
-    if (expression_operands(*operand).count == 0)
-      operand.reset();
-    else
-      all = false;
-  }
-  return all;
-}
-
-} // namespace
-
 // The way back up is kept in the tree itself: when the walk goes down into an operand, the slot
 // that held it takes the node above instead. So neither stack nor heap grows with the tree, and a
 // destructor can't fail. Slots are emptied from the first to the last; the first full slot of a
 // node that the walk comes back to is therefore the one that holds the node above.
 void destroy_operands(TDMFileExpression &expression)
 {
-  if (destroy_leaves(expression)) return;
   TDMFileExpression *const root = &expression;
   TDMFileExpression *current = root;
   TDMFileExpression *above = nullptr;

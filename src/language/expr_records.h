@@ -79,16 +79,22 @@ public:
   ~TDMFileExpression() override = default;
 
   /// A number of tdm::ExpressionKind.
-  [[nodiscard]] virtual int kind() const = 0;
+  [[nodiscard]] int kind() const { return kind_; }
 
   /// A deep copy of the fields, without locations.
   [[nodiscard]] virtual std::unique_ptr<TDMFileExpression> clone() const = 0;
+
+protected:
+  explicit TDMFileExpression(std::int32_t kind) : kind_(kind) {}
+
+private:
+  std::int32_t kind_;
 };
 
 namespace tdm {
 
 using ExpressionPtr = std::unique_ptr<TDMFileExpression>;
-using ExpressionList = std::vector<ExpressionPtr>;
+using ExpressionList = tdm::RecordList<ExpressionPtr>;
 
 /// The fields of an expression that hold its operands, in the order of the text.
 struct ExpressionOperands {
@@ -98,7 +104,17 @@ struct ExpressionOperands {
 
 [[nodiscard]] ExpressionOperands expression_operands(TDMFileExpression &expression);
 
-/// Destroys all that hangs below the expression, for the destructors of composite ones.
+/// Whether destroying what the pointer holds, if anything, leads no further down.
+[[nodiscard]] inline bool is_leaf(const ExpressionPtr &expression)
+{
+  constexpr std::uint32_t composite = 1U << kExprUnary | 1U << kExprBinary |
+                                      1U << kExprConditional | 1U << kExprAbsolute |
+                                      1U << kExprMax | 1U << kExprMin | 1U << kExprChecksum;
+  return expression == nullptr || (composite >> expression->kind() & 1U) == 0;
+}
+
+/// Destroys all that hangs below the expression, for the destructors of composite ones whose
+/// operands have operands in turn.
 void destroy_operands(TDMFileExpression &expression);
 
 /// What clone() of composite expressions does.
@@ -119,8 +135,9 @@ struct FileRange {
 /// A number literal. Key "number".
 class TDMExprNumber final : public TDMFileExpression {
 public:
-  explicit TDMExprNumber(std::int64_t number) : value(number) {}
-  [[nodiscard]] int kind() const override { return tdm::kExprNumber; }
+  explicit TDMExprNumber(std::int64_t number) : TDMFileExpression(tdm::kExprNumber), value(number)
+  {
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::int64_t value;
@@ -129,8 +146,10 @@ public:
 /// A variable, that is a parameter of the enclosing definition. Key "name".
 class TDMExprVarRef final : public TDMFileExpression {
 public:
-  explicit TDMExprVarRef(std::string variable) : name(std::move(variable)) {}
-  [[nodiscard]] int kind() const override { return tdm::kExprVarRef; }
+  explicit TDMExprVarRef(std::string variable)
+      : TDMFileExpression(tdm::kExprVarRef), name(std::move(variable))
+  {
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::string name;
@@ -139,8 +158,10 @@ public:
 /// A linker symbol. Key "name".
 class TDMExprSymbolRef final : public TDMFileExpression {
 public:
-  explicit TDMExprSymbolRef(std::string symbol) : name(std::move(symbol)) {}
-  [[nodiscard]] int kind() const override { return tdm::kExprSymbolRef; }
+  explicit TDMExprSymbolRef(std::string symbol)
+      : TDMFileExpression(tdm::kExprSymbolRef), name(std::move(symbol))
+  {
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::string name;
@@ -150,11 +171,13 @@ public:
 class TDMExprUnaryApplication final : public TDMFileExpression {
 public:
   TDMExprUnaryApplication(std::int32_t number, tdm::ExpressionPtr expression)
-      : op(number), operand(std::move(expression))
+      : TDMFileExpression(tdm::kExprUnary), op(number), operand(std::move(expression))
   {
   }
-  ~TDMExprUnaryApplication() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprUnary; }
+  ~TDMExprUnaryApplication() override
+  {
+    if (!(tdm::is_leaf(operand))) tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   std::int32_t op; ///< tdm::UnaryOperator
@@ -165,11 +188,14 @@ public:
 class TDMExprBinaryApplication final : public TDMFileExpression {
 public:
   TDMExprBinaryApplication(std::int32_t number, tdm::ExpressionPtr first, tdm::ExpressionPtr second)
-      : op(number), left(std::move(first)), right(std::move(second))
+      : TDMFileExpression(tdm::kExprBinary), op(number), left(std::move(first)),
+        right(std::move(second))
   {
   }
-  ~TDMExprBinaryApplication() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprBinary; }
+  ~TDMExprBinaryApplication() override
+  {
+    if (!(tdm::is_leaf(left) && tdm::is_leaf(right))) tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   std::int32_t op; ///< tdm::BinaryOperator
@@ -181,11 +207,15 @@ public:
 class TDMExprConditional final : public TDMFileExpression {
 public:
   TDMExprConditional(tdm::ExpressionPtr test, tdm::ExpressionPtr first, tdm::ExpressionPtr second)
-      : condition(std::move(test)), trueValue(std::move(first)), falseValue(std::move(second))
+      : TDMFileExpression(tdm::kExprConditional), condition(std::move(test)),
+        trueValue(std::move(first)), falseValue(std::move(second))
   {
   }
-  ~TDMExprConditional() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprConditional; }
+  ~TDMExprConditional() override
+  {
+    if (!(tdm::is_leaf(condition) && tdm::is_leaf(trueValue) && tdm::is_leaf(falseValue)))
+      tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   tdm::ExpressionPtr condition;
@@ -196,9 +226,14 @@ public:
 /// No keys.
 class TDMExprAbsolute final : public TDMFileExpression {
 public:
-  explicit TDMExprAbsolute(tdm::ExpressionPtr expression) : operand(std::move(expression)) {}
-  ~TDMExprAbsolute() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprAbsolute; }
+  explicit TDMExprAbsolute(tdm::ExpressionPtr expression)
+      : TDMFileExpression(tdm::kExprAbsolute), operand(std::move(expression))
+  {
+  }
+  ~TDMExprAbsolute() override
+  {
+    if (!(tdm::is_leaf(operand))) tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   tdm::ExpressionPtr operand;
@@ -207,7 +242,7 @@ public:
 /// `addressof`. Keys "addressof", "objType", "objName".
 class TDMExprAddress final : public TDMFileExpression {
 public:
-  [[nodiscard]] int kind() const override { return tdm::kExprAddress; }
+  TDMExprAddress() : TDMFileExpression(tdm::kExprAddress) {}
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::int32_t objType = 0; ///< tdm::AddressObject
@@ -217,8 +252,10 @@ public:
 /// No keys.
 class TDMExprDefined final : public TDMFileExpression {
 public:
-  explicit TDMExprDefined(std::string symbol) : symbolName(std::move(symbol)) {}
-  [[nodiscard]] int kind() const override { return tdm::kExprDefined; }
+  explicit TDMExprDefined(std::string symbol)
+      : TDMFileExpression(tdm::kExprDefined), symbolName(std::move(symbol))
+  {
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::string symbolName;
@@ -228,11 +265,13 @@ public:
 class TDMExprMax final : public TDMFileExpression {
 public:
   TDMExprMax(tdm::ExpressionPtr first, tdm::ExpressionPtr second)
-      : left(std::move(first)), right(std::move(second))
+      : TDMFileExpression(tdm::kExprMax), left(std::move(first)), right(std::move(second))
   {
   }
-  ~TDMExprMax() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprMax; }
+  ~TDMExprMax() override
+  {
+    if (!(tdm::is_leaf(left) && tdm::is_leaf(right))) tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   tdm::ExpressionPtr left;
@@ -243,11 +282,13 @@ public:
 class TDMExprMin final : public TDMFileExpression {
 public:
   TDMExprMin(tdm::ExpressionPtr first, tdm::ExpressionPtr second)
-      : left(std::move(first)), right(std::move(second))
+      : TDMFileExpression(tdm::kExprMin), left(std::move(first)), right(std::move(second))
   {
   }
-  ~TDMExprMin() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprMin; }
+  ~TDMExprMin() override
+  {
+    if (!(tdm::is_leaf(left) && tdm::is_leaf(right))) tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   tdm::ExpressionPtr left;
@@ -257,7 +298,7 @@ public:
 /// `sizeof`. Keys "sizeof", "objType", "objName".
 class TDMExprSizeOf final : public TDMFileExpression {
 public:
-  [[nodiscard]] int kind() const override { return tdm::kExprSizeOf; }
+  TDMExprSizeOf() : TDMFileExpression(tdm::kExprSizeOf) {}
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::int32_t objType = 0; ///< tdm::SizeObject
@@ -267,8 +308,10 @@ public:
 /// No keys.
 class TDMExprExists final : public TDMFileExpression {
 public:
-  explicit TDMExprExists(std::string section) : sectionName(std::move(section)) {}
-  [[nodiscard]] int kind() const override { return tdm::kExprExists; }
+  explicit TDMExprExists(std::string section)
+      : TDMFileExpression(tdm::kExprExists), sectionName(std::move(section))
+  {
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::string sectionName;
@@ -277,8 +320,11 @@ public:
 /// Keys "checksum", "algo", "start", "end".
 class TDMExprChecksum final : public TDMFileExpression {
 public:
-  ~TDMExprChecksum() override { tdm::destroy_operands(*this); }
-  [[nodiscard]] int kind() const override { return tdm::kExprChecksum; }
+  TDMExprChecksum() : TDMFileExpression(tdm::kExprChecksum) {}
+  ~TDMExprChecksum() override
+  {
+    if (!(tdm::is_leaf(start) && tdm::is_leaf(end))) tdm::destroy_operands(*this);
+  }
   [[nodiscard]] tdm::ExpressionPtr clone() const override { return tdm::clone_expression(*this); }
 
   std::int32_t algo = 0; ///< 0 is crc32w, the only one

@@ -2,8 +2,17 @@
 // each of which knows where in the user's files its parts were written.
 #pragma once
 
+#include <vector>
+
 #include "common/block_pool.h"
 #include "common/source_location.h"
+
+namespace tdm {
+
+/// What records keep lists in.
+template <typename T> using RecordList = std::vector<T, PoolAllocator<T>>;
+
+} // namespace tdm
 
 /// A record of the parse. It says what was written and nothing more; the model is built from
 /// records and never refers to one.

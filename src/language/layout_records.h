@@ -89,7 +89,7 @@ class TDMFileBlock final : public TDMFileSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementBlock; }
 
-  std::vector<TDMFileStatementPtr> statements;
+  tdm::RecordList<TDMFileStatementPtr> statements;
 };
 
 /// `if`. Keys "condition", "trueStatement", "falseStatement".
@@ -125,7 +125,7 @@ public:
 
   std::optional<std::string> sectionName; ///< a selection pattern, as written
   bool referenceTree = false;
-  std::vector<std::unique_ptr<TDMFileSelector>> selectors;
+  tdm::RecordList<std::unique_ptr<TDMFileSelector>> selectors;
 };
 
 /// `heap` of a layout. Keys "sectionName", "size".
@@ -198,7 +198,7 @@ public:
   tdm::ExpressionPtr address;
   std::optional<std::string> memoryName;
   std::optional<std::string> mappingName;
-  std::vector<std::unique_ptr<TDMFileGroupLocationRange>> ranges;
+  tdm::RecordList<std::unique_ptr<TDMFileGroupLocationRange>> ranges;
 };
 
 /// `group`. Keys "group", "contiguous", "clustered", "ordered", "overlay", "copy", "nocopy",
@@ -222,7 +222,7 @@ public:
   bool paged = false;
   tdm::ExpressionPtr pageNum;
   tdm::ExpressionPtr pageAlign;
-  std::vector<tdm::FileRange> pages;
+  tdm::RecordList<tdm::FileRange> pages;
   std::unique_ptr<TDMFileGroupLocation> runAddress;
   bool crossReferences = false;
   std::optional<std::string> outputSectionName;
@@ -252,7 +252,7 @@ public:
   [[nodiscard]] int kind() const override { return tdm::kStatementStruct; }
 
   std::string sectionName;
-  std::vector<Member> members;
+  tdm::RecordList<Member> members;
 };
 
 /// `section_layout`. Keys "section_layout", "cpuName", "coreName", "spaceName", "locateDirection",

@@ -19,7 +19,7 @@
 namespace tdm {
 
 /// Puts a new record at the end of a list.
-template <typename Record> Record &append_new(std::vector<std::unique_ptr<Record>> &list)
+template <typename Record> Record &append_new(tdm::RecordList<std::unique_ptr<Record>> &list)
 {
   list.push_back(std::make_unique<Record>());
   return *list.back();
@@ -246,7 +246,7 @@ private:
   void space_id(TDMFileSpace &space);
   void space_alignment(TDMFileSpace &space);
   void space_page_size(TDMFileSpace &space);
-  void optional_page_ranges(std::vector<tdm::FileRange> &pages, const tdm::TokenSet &following);
+  void optional_page_ranges(tdm::RecordList<tdm::FileRange> &pages, const tdm::TokenSet &following);
   void space_literal_space(TDMFileSpace &space);
   void space_copy_table(TDMFileSpace &space);
   void space_direct_init(TDMFileSpace &space);
@@ -277,7 +277,7 @@ private:
   void direct_init_definition(TDMFileDirectInit &init);
   void direct_init_property(TDMFileDirectInit &init);
   void destination(TDMFileObject &record, LocationKey key, std::optional<std::string> &single,
-                   std::vector<tdm::FileDestination> &pairs);
+                   tdm::RecordList<tdm::FileDestination> &pairs);
   void bank_definition(TDMFileBankDef &bank);
   void bank_property(TDMFileBankDef &bank);
   void stub_property(TDMFileBankDef &bank);

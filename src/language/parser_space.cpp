@@ -156,7 +156,8 @@ void TDMParser::space_page_size(TDMFileSpace &space)
   optional_page_ranges(space.pages, {SEMICOLON});
 }
 
-void TDMParser::optional_page_ranges(std::vector<tdm::FileRange> &pages, const TokenSet &following)
+void TDMParser::optional_page_ranges(tdm::RecordList<tdm::FileRange> &pages,
+                                     const TokenSet &following)
 {
   if (!at(LBRACK)) {
     require_next(following);

@@ -53,7 +53,7 @@ void TDMParser::copytable_property(TDMFileCopyTable &table)
 // that name.
 void TDMParser::destination(TDMFileObject &record, LocationKey key,
                             std::optional<std::string> &single,
-                            std::vector<tdm::FileDestination> &pairs)
+                            tdm::RecordList<tdm::FileDestination> &pairs)
 {
   match(KEY_dest);
   if (accept(EQUALS)) {

@@ -15,20 +15,20 @@ public:
   tdm::ExpressionPtr mauSize;
   tdm::ExpressionPtr alignment;
   tdm::ExpressionPtr pageSize;
-  std::vector<tdm::FileRange> pages;
+  tdm::RecordList<tdm::FileRange> pages;
   bool pageRestrictSections = false;
   int locateDirection = tdm::kLowToHigh;
   std::optional<std::string> addressLiteralSpace;
-  std::vector<std::unique_ptr<TDMFileStackDef>> stacks;
-  std::vector<std::unique_ptr<TDMFileHeapDef>> heaps;
+  tdm::RecordList<std::unique_ptr<TDMFileStackDef>> stacks;
+  tdm::RecordList<std::unique_ptr<TDMFileHeapDef>> heaps;
   std::unique_ptr<TDMFileCopyTable> copyTable;
   std::unique_ptr<TDMFileDirectInit> directInit;
-  std::vector<std::unique_ptr<TDMFileVectorTable>> vectorTables;
-  std::vector<tdm::FileRange> reservedRanges;
+  tdm::RecordList<std::unique_ptr<TDMFileVectorTable>> vectorTables;
+  tdm::RecordList<tdm::FileRange> reservedRanges;
   std::unique_ptr<TDMFileStartAddress> startAddress;
-  std::vector<std::unique_ptr<TDMFileBankDef>> banks;
+  tdm::RecordList<std::unique_ptr<TDMFileBankDef>> banks;
   TDMFileMappings mappings;
-  std::vector<std::unique_ptr<TDMFileSectionLayout>> sectionLayouts;
+  tdm::RecordList<std::unique_ptr<TDMFileSectionLayout>> sectionLayouts;
 };
 
 /// `architecture`. Keys "name", "base".
@@ -38,8 +38,8 @@ public:
   tdm::FileParameters parameters;
   std::optional<std::string> base;
   tdm::ExpressionList baseArguments;
-  std::vector<std::unique_ptr<TDMFileBus>> buses;
-  std::vector<std::unique_ptr<TDMFileSpace>> spaces;
+  tdm::RecordList<std::unique_ptr<TDMFileBus>> buses;
+  tdm::RecordList<std::unique_ptr<TDMFileSpace>> spaces;
   std::vector<std::int32_t> endianness; ///< tdm::FileEndianness, in the order of the text
 };
 
@@ -62,7 +62,7 @@ class TDMFileInputModification : public TDMFileObject {
 public:
   std::unique_ptr<TDMFileCopySubTableSpace> space;
   std::unique_ptr<TDMFileSelector> selector;
-  std::vector<std::unique_ptr<TDMFileSelectSectionStatement>> selects;
+  tdm::RecordList<std::unique_ptr<TDMFileSelectSectionStatement>> selects;
 };
 
 /// `section_setup`. Keys "section_setup", "cpuName", "coreName", "spaceName", "startAddress".
@@ -71,14 +71,14 @@ public:
   std::optional<std::string> cpuName;
   std::optional<std::string> coreName;
   std::optional<std::string> spaceName; ///< several names are joined by '|'
-  std::vector<std::unique_ptr<TDMFileVectorTable>> vectorTables;
-  std::vector<tdm::FileRange> reservedRanges;
-  std::vector<std::unique_ptr<TDMFileStackDef>> stacks;
-  std::vector<std::unique_ptr<TDMFileHeapDef>> heaps;
-  std::vector<std::unique_ptr<TDMFileCopyTable>> copyTables;
+  tdm::RecordList<std::unique_ptr<TDMFileVectorTable>> vectorTables;
+  tdm::RecordList<tdm::FileRange> reservedRanges;
+  tdm::RecordList<std::unique_ptr<TDMFileStackDef>> stacks;
+  tdm::RecordList<std::unique_ptr<TDMFileHeapDef>> heaps;
+  tdm::RecordList<std::unique_ptr<TDMFileCopyTable>> copyTables;
   std::unique_ptr<TDMFileStartAddress> startAddress;
-  std::vector<std::unique_ptr<TDMFileCopySubTableSpace>> prohibitedSpaces;
-  std::vector<std::unique_ptr<TDMFileInputModification>> inputModifications;
+  tdm::RecordList<std::unique_ptr<TDMFileCopySubTableSpace>> prohibitedSpaces;
+  tdm::RecordList<std::unique_ptr<TDMFileInputModification>> inputModifications;
 };
 
 /// `derivative`. Keys "name", "base".
@@ -88,11 +88,11 @@ public:
   tdm::FileParameters parameters;
   std::optional<std::string> base;
   tdm::ExpressionList baseArguments;
-  std::vector<std::unique_ptr<TDMFileCore>> cores;
-  std::vector<std::unique_ptr<TDMFileBus>> buses;
-  std::vector<std::unique_ptr<TDMFileMemory>> memories;
-  std::vector<std::unique_ptr<TDMFileSectionLayout>> sectionLayouts;
-  std::vector<std::unique_ptr<TDMFileSectionSetup>> sectionSetups;
+  tdm::RecordList<std::unique_ptr<TDMFileCore>> cores;
+  tdm::RecordList<std::unique_ptr<TDMFileBus>> buses;
+  tdm::RecordList<std::unique_ptr<TDMFileMemory>> memories;
+  tdm::RecordList<std::unique_ptr<TDMFileSectionLayout>> sectionLayouts;
+  tdm::RecordList<std::unique_ptr<TDMFileSectionSetup>> sectionSetups;
 };
 
 /// `processor`. Keys "name", "derivativeName".
@@ -106,11 +106,11 @@ public:
 /// The result of a parse; memories, buses, layouts and setups are those of the file level.
 class TDMFileInterface {
 public:
-  std::vector<std::unique_ptr<TDMFileArchitecture>> architectures;
-  std::vector<std::unique_ptr<TDMFileDerivative>> derivatives;
-  std::vector<std::unique_ptr<TDMFileCPU>> processors;
-  std::vector<std::unique_ptr<TDMFileMemory>> memories;
-  std::vector<std::unique_ptr<TDMFileBus>> buses;
-  std::vector<std::unique_ptr<TDMFileSectionLayout>> sectionLayouts;
-  std::vector<std::unique_ptr<TDMFileSectionSetup>> sectionSetups;
+  tdm::RecordList<std::unique_ptr<TDMFileArchitecture>> architectures;
+  tdm::RecordList<std::unique_ptr<TDMFileDerivative>> derivatives;
+  tdm::RecordList<std::unique_ptr<TDMFileCPU>> processors;
+  tdm::RecordList<std::unique_ptr<TDMFileMemory>> memories;
+  tdm::RecordList<std::unique_ptr<TDMFileBus>> buses;
+  tdm::RecordList<std::unique_ptr<TDMFileSectionLayout>> sectionLayouts;
+  tdm::RecordList<std::unique_ptr<TDMFileSectionSetup>> sectionSetups;
 };

@@ -64,14 +64,14 @@ public:
   bool defaultInline = true;
   bool copy = false;
   std::unique_ptr<TDMFileVectorValue> defaultValue;
-  std::vector<std::unique_ptr<TDMFileVector>> vectors;
+  tdm::RecordList<std::unique_ptr<TDMFileVector>> vectors;
 };
 
 /// `table` of a copy table. Key "table".
 class TDMFileCopySubTable : public TDMFileObject {
 public:
   std::optional<std::string> symbol;
-  std::vector<std::unique_ptr<TDMFileCopySubTableSpace>> spaces;
+  tdm::RecordList<std::unique_ptr<TDMFileCopySubTableSpace>> spaces;
 };
 
 /// `copytable` of a space or setup. Keys "alignment", "copyUnit", "pageRestrictROMCopies",
@@ -81,9 +81,9 @@ public:
   tdm::ExpressionPtr alignment;
   tdm::ExpressionPtr copyUnit;
   std::optional<std::string> defaultCopyDestination;
-  std::vector<tdm::FileDestination> destinations;
+  tdm::RecordList<tdm::FileDestination> destinations;
   bool pageRestrictROMCopies = false;
-  std::vector<std::unique_ptr<TDMFileCopySubTable>> subTables;
+  tdm::RecordList<std::unique_ptr<TDMFileCopySubTable>> subTables;
 };
 
 /// `direct_init`. Keys "alignment", "name" at a destination, and for each pair the name of the
@@ -92,7 +92,7 @@ class TDMFileDirectInit : public TDMFileObject {
 public:
   tdm::ExpressionPtr alignment;
   std::optional<std::string> defaultDestination;
-  std::vector<tdm::FileDestination> destinations;
+  tdm::RecordList<tdm::FileDestination> destinations;
 };
 
 /// `bank`. Keys "bank", and beside each field below.

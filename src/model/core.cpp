@@ -27,10 +27,10 @@ public:
   }
 
   void create(const TDMFileArchitecture &first,
-              const std::vector<std::unique_ptr<TDMFileExpression>> &arguments)
+              const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments)
   {
     const TDMFileArchitecture *record = &first;
-    std::vector<std::unique_ptr<TDMFileExpression>> passed_on;
+    tdm::RecordList<std::unique_ptr<TDMFileExpression>> passed_on;
     const auto *bound = &arguments;
     while (record != nullptr) {
       ArchitectureLevel level = bind(*record, *bound);
@@ -61,7 +61,7 @@ public:
 
 private:
   ArchitectureLevel bind(const TDMFileArchitecture &record,
-                         const std::vector<std::unique_ptr<TDMFileExpression>> &arguments)
+                         const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments)
   {
     if (!visited_.insert(*record.name).second)
       throw new TDMSyntaxException(place_of(record, "name"), "architecture " + *record.name +
@@ -107,7 +107,7 @@ private:
                                      "supported endiannesses not all declared for parent");
   }
 
-  static std::vector<std::unique_ptr<TDMFileExpression>>
+  static tdm::RecordList<std::unique_ptr<TDMFileExpression>>
   substitute_arguments(const TDMFileArchitecture &record, const ArgumentScope &scope)
   {
     return scope.substitute(record.baseArguments, place_of(record, "base"));

@@ -14,7 +14,7 @@ namespace tdm {
 
 namespace {
 
-using Arguments = std::vector<std::unique_ptr<TDMFileExpression>>;
+using Arguments = tdm::RecordList<std::unique_ptr<TDMFileExpression>>;
 using DerivativeLevel = ChainLevel<TDMFileDerivative>;
 
 /// Refuses reserved ranges of a space that overlap. They are taken in units of 8 bits, whatever
@@ -216,7 +216,7 @@ TDMProcessor::TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templ
 TDMProcessor::~TDMProcessor() = default;
 
 void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
-                               const std::vector<std::unique_ptr<TDMFileExpression>> &arguments,
+                               const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments,
                                const tdm::Templates &templates, TDMCloneSpaceRegistry &registry)
 {
   tdm::DerivativeInstance instance(*this, templates);

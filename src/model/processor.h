@@ -57,7 +57,7 @@ struct TDMProcessor : TDMObject {
 
 private:
   void instantiate(const TDMFileDerivative &derivative,
-                   const std::vector<std::unique_ptr<TDMFileExpression>> &arguments,
+                   const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments,
                    const tdm::Templates &templates, TDMCloneSpaceRegistry &registry);
 
   tdm::NameIndex<TDMCore> core_index_;

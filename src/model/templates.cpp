@@ -3,8 +3,8 @@
 
 namespace tdm {
 
-Templates::Templates(const std::vector<std::unique_ptr<TDMFileArchitecture>> &architectures,
-                     const std::vector<std::unique_ptr<TDMFileDerivative>> &derivatives)
+Templates::Templates(const tdm::RecordList<std::unique_ptr<TDMFileArchitecture>> &architectures,
+                     const tdm::RecordList<std::unique_ptr<TDMFileDerivative>> &derivatives)
 {
   for (const auto &record : architectures) architectures_.emplace(*record->name, record.get());
   for (const auto &record : derivatives) derivatives_.emplace(*record->name, record.get());

@@ -19,8 +19,8 @@ namespace tdm {
 /// The templates of one description. Views the records, which outlive it.
 class Templates {
 public:
-  Templates(const std::vector<std::unique_ptr<TDMFileArchitecture>> &architectures,
-            const std::vector<std::unique_ptr<TDMFileDerivative>> &derivatives);
+  Templates(const tdm::RecordList<std::unique_ptr<TDMFileArchitecture>> &architectures,
+            const tdm::RecordList<std::unique_ptr<TDMFileDerivative>> &derivatives);
 
   /// The first definition of exactly that name, or null.
   [[nodiscard]] const TDMFileArchitecture *architecture(const std::string &name) const;
