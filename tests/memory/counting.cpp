@@ -99,6 +99,19 @@ void *operator new(std::size_t size, const std::nothrow_t &) noexcept
   return is_refused() ? nullptr : counted(__real_malloc(size == 0 ? 1 : size));
 }
 
+void *operator new(std::size_t size, std::align_val_t alignment)
+{
+  if (!is_refused())
+    if (void *memory = counted(std::aligned_alloc(static_cast<std::size_t>(alignment), size)))
+      return memory;
+  throw std::bad_alloc();
+}
+
+void operator delete(void *memory, std::align_val_t) noexcept
+{
+  __wrap_free(memory);
+}
+
 void operator delete(void *memory) noexcept
 {
   __wrap_free(memory);
