@@ -105,7 +105,8 @@ std::string element(const auto &value)
 }
 
 // Of one field: what stands behind its name, or nothing if the text left it out.
-template <typename T> std::optional<std::string> shown(const std::vector<T> &values)
+template <typename T, typename Allocator>
+std::optional<std::string> shown(const std::vector<T, Allocator> &values)
 {
   std::string text;
   for (const T &value : values) text += (text.empty() ? "" : ", ") + element(value);
