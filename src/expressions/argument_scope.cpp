@@ -2,7 +2,7 @@
 #include "expressions/argument_scope.h"
 
 #include "common/failures.h"
-#include "expressions/work_stack.h"
+#include "common/work_stack.h"
 
 namespace tdm {
 

@@ -84,7 +84,8 @@ private:
       return std::hash<std::string_view>{}(text);
     }
   };
-  using Bindings = std::unordered_map<std::string, Binding, Hash, std::equal_to<>>;
+  using Bindings = std::unordered_map<std::string, Binding, Hash, std::equal_to<>,
+                                      PoolAllocator<std::pair<const std::string, Binding>>>;
 
   const Binding *find_memory(std::string_view name) const;
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "expressions/expression.h"
-#include "expressions/work_stack.h"
+#include "common/work_stack.h"
 
 namespace tdm {
 

@@ -2,7 +2,7 @@
 // that wait for their operator.
 #include "expressions/quantity.h"
 
-#include "expressions/work_stack.h"
+#include "common/work_stack.h"
 
 namespace tdm {
 

@@ -22,7 +22,7 @@ template <class Object> [[nodiscard]] tdm_arr *handle_list(const std::vector<Obj
       [&] { return array_of(objects, [](Object *object) { return object; }); });
 }
 
-[[nodiscard]] inline tdm_arr *text_list(const std::vector<std::string> &texts)
+template <typename Texts> [[nodiscard]] tdm_arr *text_list(const Texts &texts)
 {
   return guarded_array<const char *>(
       [&] { return array_of(texts, [](const std::string &text) { return text_result(text); }); });

@@ -1,6 +1,8 @@
 // Destroying and cloning of expression trees without recursion.
 #include "language/expr_records.h"
 
+#include "common/work_stack.h"
+
 namespace tdm {
 
 namespace {
@@ -116,10 +118,10 @@ ExpressionPtr clone_expression(const TDMFileExpression &expression)
     const TDMFileExpression *source;
     TDMFileExpression *copy;
   };
-  std::vector<Pending> pending = {{&expression, result.get()}};
+  tdm::WorkStack<Pending> pending;
+  pending.push({&expression, result.get()});
   while (!pending.empty()) {
-    const Pending next = pending.back();
-    pending.pop_back();
+    const Pending next = pending.pop();
     // Only read through; the slots of the source stay as they are.
     const ExpressionOperands from =
         expression_operands(const_cast<TDMFileExpression &>(*next.source));
@@ -128,7 +130,7 @@ ExpressionPtr clone_expression(const TDMFileExpression &expression)
       const TDMFileExpression *operand = from.slots[i]->get();
       if (operand == nullptr) continue;
       *to.slots[i] = clone_node(*operand);
-      pending.push_back({operand, to.slots[i]->get()});
+      pending.push({operand, to.slots[i]->get()});
     }
   }
   return result;

@@ -7,6 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "common/block_pool.h"
+
 namespace tdm {
 
 /// One symbol, or a run of numbered ones: a vector table may ask for millions of them, which are
@@ -16,11 +18,13 @@ struct RequiredSymbol {
   int64_t count = 0; ///< 0: one symbol without a number; else the numbers go from 0 to count - 1
 };
 
+using PooledNames = std::vector<std::string, PoolAllocator<std::string>>;
+
 struct SectionNames {
-  std::vector<std::string> assigned_symbols;
-  std::vector<std::string> optional_symbols;
-  std::vector<RequiredSymbol> required_symbols;
-  std::vector<std::string> referenced_names;
+  PooledNames assigned_symbols;
+  PooledNames optional_symbols;
+  std::vector<RequiredSymbol, PoolAllocator<RequiredSymbol>> required_symbols;
+  PooledNames referenced_names;
   std::unordered_set<std::string> group_names;
 };
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <set>
 
+#include "common/block_pool.h"
 #include "mapping/interval.h"
 
 namespace tdm {
@@ -33,7 +34,7 @@ public:
     Interval overlap_;
   };
 
-  using Members = std::set<Interval, tdm::IntervalBefore>;
+  using Members = std::set<Interval, tdm::IntervalBefore, tdm::PoolAllocator<Interval>>;
   using const_iterator = Members::const_iterator;
 
   /// Adds an interval, splitting members and it where their spans meet, and joins neighbours that

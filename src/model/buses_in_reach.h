@@ -25,7 +25,9 @@ public:
   }
 
 private:
-  std::unordered_map<std::string, TDMBus *> by_full_name_;
+  std::unordered_map<std::string, TDMBus *, std::hash<std::string>, std::equal_to<>,
+                     PoolAllocator<std::pair<const std::string, TDMBus *>>>
+      by_full_name_;
 };
 
 /// `<processor>:<core>:<name>`, each prefix and its colon left out where it is null.
@@ -33,6 +35,8 @@ private:
                                                const std::string *core, const std::string &name)
 {
   std::string text;
+  text.reserve((processor != nullptr ? processor->size() + 1 : 0) +
+               (core != nullptr ? core->size() + 1 : 0) + name.size());
   if (processor != nullptr) text.append(*processor).push_back(':');
   if (core != nullptr) text.append(*core).push_back(':');
   return text.append(name);

@@ -27,7 +27,9 @@ private:
   [[noreturn]] static void report(const TDMMemory &memory, const TDMMapSource &bus,
                                   const Interval &interval, const Occupied &occupied);
 
-  std::unordered_map<const TDMMapSource *, Occupied> buses_;
+  std::unordered_map<const TDMMapSource *, Occupied, std::hash<const TDMMapSource *>,
+                     std::equal_to<>, PoolAllocator<std::pair<const TDMMapSource *const, Occupied>>>
+      buses_;
 };
 
 } // namespace tdm

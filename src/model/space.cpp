@@ -25,7 +25,7 @@ TDMSpace::~TDMSpace() = default;
 
 std::string TDMSpace::full_name() const
 {
-  return *processor_name + ":" + *core_name + ":" + name;
+  return tdm::prefixed_name(processor_name, core_name, name);
 }
 
 void TDMSpace::get_full_name(std::string &out) const

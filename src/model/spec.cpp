@@ -151,7 +151,9 @@ void TDMSpec::keep_check_failure()
 
 void TDMSpec::check_names() const
 {
-  std::unordered_set<std::string> names;
+  std::unordered_set<std::string, std::hash<std::string>, std::equal_to<>,
+                     tdm::PoolAllocator<std::string>>
+      names;
   for (const auto &memory : memories)
     if (!names.insert(memory->full_name()).second)
       throw new TDMSyntaxException(memory->location_or("name"), "global memory " +

@@ -73,8 +73,8 @@ TEST_F(Building, LayoutsMentionSymbolsSectionsAndGroups)
   ASSERT_EQ(statements.size(), 6U);
   EXPECT_TRUE(dynamic_cast<TDMAssignment &>(*statements[0]).plain);
   EXPECT_FALSE(dynamic_cast<TDMAssignment &>(*statements[1]).plain);
-  EXPECT_EQ(names.assigned_symbols, (std::vector<std::string>{"x", "y"}));
-  EXPECT_EQ(names.referenced_names, (std::vector<std::string>{"a", "c*", "d"}));
+  EXPECT_EQ(names.assigned_symbols, (tdm::PooledNames{"x", "y"}));
+  EXPECT_EQ(names.referenced_names, (tdm::PooledNames{"a", "c*", "d"}));
   EXPECT_EQ(names.group_names.count("g"), 1U);
 
   EXPECT_EQ(failure_of([&] { static_cast<void>(tdm::build_section_layout(layout, context)); }),
@@ -118,8 +118,8 @@ TEST_F(Building, VectorTablesRequireSymbols)
   using Ids = std::vector<std::pair<int32_t, int32_t>>;
   EXPECT_EQ(built->vectors[0]->ids, (Ids{{1, 1}, {5, 7}}));
   EXPECT_TRUE(built->vectors[1]->optional);
-  EXPECT_EQ(names.referenced_names, (std::vector<std::string>{"t"}));
-  EXPECT_EQ(names.optional_symbols, (std::vector<std::string>{"may"}));
+  EXPECT_EQ(names.referenced_names, (tdm::PooledNames{"t"}));
+  EXPECT_EQ(names.optional_symbols, (tdm::PooledNames{"may"}));
   ASSERT_EQ(names.required_symbols.size(), 3U);
   EXPECT_EQ(names.required_symbols[0].name, "default");
   EXPECT_EQ(names.required_symbols[1].name, "must");
