@@ -48,6 +48,7 @@ enum DiagMessage : int {
   E_bad_define,
   E_expansion_limit,
   E_include_depth,
+  E_include_count,
   W_defined_macro,
   W_illegal_escape,
   W_macro_redefined,

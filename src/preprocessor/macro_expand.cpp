@@ -341,7 +341,8 @@ void expansion_start()
 {
   expansion_stop();
   word_function = intern("__FUNCTION__");
-  expansion_work = {0, expansion_limit};
+  expansion_work.done = 0;
+  expansion_work.allowed = expansion_work.limit;
 }
 
 void expansion_stop()
@@ -375,7 +376,7 @@ void pop_list()
 bool refuse_work(const tdm_srcpos &position)
 {
   if (expansion.exhausted) return true;
-  diag_at(E_expansion_limit, position, static_cast<int>(expansion_limit));
+  diag_at(E_expansion_limit, position, static_cast<int>(expansion_work.limit));
   expansion.exhausted = true;
   return false;
 }

@@ -39,13 +39,14 @@ bool list_next_plain(PpToken &token);
 /// Puts tokens in front of the input, as they stand.
 void list_push(const std::vector<PpToken> &tokens, bool forwarded);
 
-/// Macros can multiply without end; tokens that are read from the input allow for more of it.
+/// Macros can multiply without end; tokens that are read from the input allow for more of it. The
+/// limit is what an input begins with; only tests that want to be quick set a lower one.
 struct ExpansionWork {
-  std::uint64_t done;
-  std::uint64_t allowed;
+  std::uint64_t limit = 1 << 22;
+  std::uint64_t done = 0;
+  std::uint64_t allowed = limit;
 };
 [[gnu::visibility("hidden")]] extern ExpansionWork expansion_work;
-constexpr std::uint64_t expansion_limit = 1 << 22;
 constexpr std::uint64_t expansion_per_token = 64;
 
 } // namespace tdm

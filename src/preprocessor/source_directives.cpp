@@ -88,6 +88,16 @@ bool too_deep()
   return true;
 }
 
+// Whether no further file may be opened. The first one that is refused is reported.
+bool too_many()
+{
+  const std::size_t opened = source_files().size();
+  if (opened < source_files_limit) return false;
+  if (!source_files_refused())
+    diag_at(E_include_count, directive_position(), static_cast<int>(source_files_limit));
+  return true;
+}
+
 std::uint32_t line_number(const PpToken &number)
 {
   return static_cast<std::uint32_t>(std::strtoul(number.text, nullptr, 0));
@@ -115,7 +125,7 @@ void handle_include()
   }
   expect_line_end();
   while (!pp_line_ended()) pp_next_token(false);
-  if (too_deep()) return;
+  if (too_deep() || too_many()) return;
   source_files_include_at(directive_position());
   const std::string_view name = std::string_view(*text).substr(1, text->size() - 2);
   const bool only_standard = pragma_get(pragmas, optSTDINC);

@@ -1,6 +1,8 @@
 // The records, and the search for the one that a position belongs to.
 #include "preprocessor/source_files.h"
 
+#include <utility>
+
 namespace tdm {
 
 namespace {
@@ -16,6 +18,7 @@ struct {
   std::size_t main_files_left = 0;
   tdm_srcpos include = {};
   std::int32_t depth_limit = 0;
+  bool refused = false;
 } state;
 
 bool skipped(const SourceFile &file, std::uint32_t line)
@@ -37,12 +40,15 @@ std::int32_t better(std::int32_t found, std::int32_t index, std::uint32_t line)
 
 } // namespace
 
+std::size_t source_files_limit = 1 << 16;
+
 void source_files_start(std::size_t main_files)
 {
   state.files.assign(main_files, {});
   state.renamings.clear();
   state.main_files_left = main_files;
   state.include = {};
+  state.refused = false;
 }
 
 void source_files_end()
@@ -66,6 +72,11 @@ std::int32_t source_file_opened(const char *name, std::int32_t includer)
   }
   state.files.push_back(file);
   return static_cast<std::int32_t>(state.files.size() - 1);
+}
+
+bool source_files_refused()
+{
+  return std::exchange(state.refused, true);
 }
 
 void source_files_include_at(const tdm_srcpos &place)

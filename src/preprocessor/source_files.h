@@ -35,6 +35,9 @@ void source_files_end();
 /// if the includer is -1. Gives its index.
 std::int32_t source_file_opened(const char *name, std::int32_t includer);
 
+/// Notes that a file was refused because of the limit below; whether that had happened before.
+bool source_files_refused();
+
 /// The place of the #include that opens what is opened next.
 void source_files_include_at(const tdm_srcpos &place);
 
@@ -53,5 +56,9 @@ void source_file_skips(std::int32_t index, std::uint32_t line, bool skips);
 /// How deep #include may nest; 0 for as deep as files can be opened. Lives until source_files_end.
 void source_files_limit_depth(std::int32_t depth);
 [[nodiscard]] std::int32_t source_files_depth_limit();
+
+/// Files that include themselves twice would multiply for ever: so many may be opened for an input.
+/// Only tests that want to be quick set a lower number.
+extern std::size_t source_files_limit;
 
 } // namespace tdm

@@ -326,6 +326,53 @@ R"(#ifndef EXAMPLE
 #include "example.tdm"
 #endif
 )"},
+{957,
+R"(#include "a.tdm"
+#include "a.tdm"
+#include "a.tdm"
+#include "a.tdm"
+--- a.tdm
+#include "b.tdm"
+#include "b.tdm"
+#include "b.tdm"
+#include "b.tdm"
+--- b.tdm
+#include "c.tdm"
+#include "c.tdm"
+#include "c.tdm"
+#include "c.tdm"
+--- c.tdm
+#include "d.tdm"
+#include "d.tdm"
+#include "d.tdm"
+#include "d.tdm"
+--- d.tdm
+#include "e.tdm"
+#include "e.tdm"
+#include "e.tdm"
+#include "e.tdm"
+--- e.tdm
+#include "f.tdm"
+#include "f.tdm"
+#include "f.tdm"
+#include "f.tdm"
+--- f.tdm
+#include "g.tdm"
+#include "g.tdm"
+#include "g.tdm"
+#include "g.tdm"
+--- g.tdm
+#include "h.tdm"
+#include "h.tdm"
+#include "h.tdm"
+#include "h.tdm"
+--- h.tdm
+// 65,536 times
+)",
+R"(#include "a.tdm"
+--- a.tdm
+// once
+)"},
 {969,
 R"(#define IS_LARGE defined(LARGE)
 #if IS_LARGE

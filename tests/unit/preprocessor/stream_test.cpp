@@ -2,9 +2,11 @@
 // them, and that one input leaves nothing behind for the next.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "common/failures.h"
 #include "preprocess.h"
@@ -14,7 +16,11 @@
 #include "preprocessor/path_join.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/preprocessor.h"
+<<<<<<< Updated upstream
 #include "unit/rows.h"
+=======
+#include "preprocessor/source_files.h"
+>>>>>>> Stashed changes
 
 namespace {
 
@@ -76,6 +82,15 @@ TEST(Stream, ReadsAGuardedFileTenThousandTimes)
   tdm::skip_memo_enable(true);
   EXPECT_TRUE(with.tokens == without.tokens); // too long to be shown
   EXPECT_TRUE(with.tokens.ends_with(" 9@g:11:1<11> 7@main:20000:1<m> 9@main:20000:3<20000>"));
+}
+
+TEST(Stream, FilesThatMultiplyComeToAnEnd)
+{
+  const std::size_t limit = std::exchange(tdm::source_files_limit, 100);
+  const Outcome outcome = preprocess("#include \"main\"\nx\n#include \"main\"\n");
+  tdm::source_files_limit = limit;
+  EXPECT_EQ(outcome.messages, "1:1 E957 too many files included, the limit is 100\n");
+  EXPECT_EQ(std::count(outcome.text.begin(), outcome.text.end(), 'x'), 100);
 }
 
 // Reads one file to its end; all of its text.
