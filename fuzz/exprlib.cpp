@@ -1,6 +1,7 @@
 // Exprlib: the input is a program for a stack of trees. All kinds of nodes are made, shared,
 // folded, printed and given back, in contexts of several value sizes, with variables that get their
-// values late.
+// values late. What is open and shared is walked along all of its paths, by design: a tree that
+// would be too long when written out isn't built.
 #include "expressions/exprlib/exprlib.h"
 
 #include "target.h"
@@ -28,14 +29,26 @@ public:
   void run()
   {
     while (!bytes_.empty() && stack_.size() < 200) step();
+<<<<<<< Updated upstream
     for (const auto &row : rows_) exprlib_release(row.value);
     for (ExprlibNode *node : stack_) exprlib_release(node);
+=======
+    for (int i = 0; i < variables; ++i) exprlib_release(rows_[i].value);
+    for (const Tree &tree : stack_) exprlib_release(tree.node);
+>>>>>>> Stashed changes
     fuzz::require(context_->live_nodes == 0, "nothing is left");
     exprlib_end_context(context_);
   }
 
 private:
   static constexpr int variables = 4;
+  static constexpr std::size_t longest = 1000;
+
+  /// A node with the number of nodes in its tree, those that are shared counted each time.
+  struct Tree {
+    ExprlibNode *node;
+    std::size_t nodes;
+  };
 
   /// The caller's operator: the value of its first operand.
   static int first_operand(ExprlibNode *node, void *)
@@ -64,10 +77,10 @@ private:
   }
 
   /// The node is looked at after the call that gives `failed`.
-  void push(int failed, ExprlibNode *const &node)
+  void push(int failed, ExprlibNode *const &node, std::size_t nodes = 1)
   {
     fuzz::require(failed == 0 || exprlib_error(context_) != 0, "a failure has a code");
-    if (failed == 0) stack_.push_back(node);
+    if (failed == 0) stack_.push_back({node, nodes});
   }
 
   void constant()
@@ -120,21 +133,26 @@ private:
     std::size_t count = one ? 1 : three ? 3 : 2;
     if (bytes_.pick(0, 15) == 0) count = static_cast<std::size_t>(bytes_.pick(0, 4));
     if (stack_.size() < count) return;
-    const std::vector<ExprlibNode *> operands(stack_.end() - static_cast<std::ptrdiff_t>(count),
-                                              stack_.end());
+    std::vector<ExprlibNode *> operands;
+    std::size_t nodes = 1;
+    for (std::size_t i = stack_.size() - count; i < stack_.size(); ++i) {
+      operands.push_back(stack_[i].node);
+      nodes += stack_[i].nodes;
+    }
+    if (nodes > longest) return;
     ExprlibNode *node = nullptr;
     const int failed = exprlib_make_operator_of(context_, &node, op,
                                                 static_cast<std::uint32_t>(count), operands.data());
     for (ExprlibNode *operand : operands) exprlib_release(operand);
     stack_.resize(stack_.size() - count);
-    push(failed, node);
+    push(failed, node, nodes);
   }
 
   void cast()
   {
     if (stack_.empty()) return;
     ExprlibNode *node = nullptr;
-    ExprlibNode *child = stack_.back();
+    const auto [child, nodes] = stack_.back();
     const auto type = static_cast<ExprlibValueType>(bytes_.pick(0, 6));
     const int failed =
         bytes_.pick(0, 3) == 0
@@ -142,7 +160,7 @@ private:
             : exprlib_make_cast(context_, &node, type, child);
     stack_.pop_back();
     exprlib_release(child);
-    push(failed, node);
+    push(failed, node, nodes + 1);
   }
 
   /// Gives a variable a value that has no variables in it, so that none is its own value.
@@ -157,9 +175,9 @@ private:
   void share()
   {
     if (stack_.empty()) return;
-    ExprlibNode *node = stack_[static_cast<std::size_t>(bytes_.byte()) % stack_.size()];
-    exprlib_retain(node);
-    stack_.push_back(node);
+    const Tree tree = stack_[static_cast<std::size_t>(bytes_.byte()) % stack_.size()];
+    exprlib_retain(tree.node);
+    stack_.push_back(tree);
   }
 
   static std::string printed(ExprlibNode *node)
@@ -178,7 +196,7 @@ private:
   void evaluate()
   {
     if (stack_.empty()) return;
-    ExprlibNode *node = stack_.back();
+    ExprlibNode *node = stack_.back().node;
     const std::string before = printed(node);
     fuzz::require(printed(node) == before, "printing changes nothing");
     const int failed = exprlib_eval(node);
@@ -199,7 +217,7 @@ private:
   ExprlibUserOperator operators_[1] = {};
   ExprlibSymbolRow rows_[variables] = {};
   ExprlibSymbolTable table_ = {rows_, variables};
-  std::vector<ExprlibNode *> stack_;
+  std::vector<Tree> stack_;
 };
 
 } // namespace

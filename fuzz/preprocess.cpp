@@ -2,6 +2,7 @@
 #include "common/failures.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
+#include "preprocessor/macro_expand.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/preprocessor.h"
 #include "preprocessor/source_files.h"
@@ -12,8 +13,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   static fuzz::Directory directory;
   directory.write("main", fuzz::text_of(data, size));
   tdm::preprocessor_start();
-  // A file that includes itself goes on until no file may be opened any more, which is slow.
+  // Files that include themselves, and macros that multiply, are slow up to their limits.
   tdm::source_files_limit_depth(30);
+  tdm::source_files_limit = 100;
+  tdm::expansion_work.limit = 1 << 12;
   option_set_string(tdm::optINCDIR, directory.path());
   option_set_string(tdm::optDEFINE, "D(x,...)=#x x ## __VA_ARGS__");
   std::set<std::string> dependencies;
