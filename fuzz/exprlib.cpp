@@ -29,13 +29,8 @@ public:
   void run()
   {
     while (!bytes_.empty() && stack_.size() < 200) step();
-<<<<<<< Updated upstream
     for (const auto &row : rows_) exprlib_release(row.value);
-    for (ExprlibNode *node : stack_) exprlib_release(node);
-=======
-    for (int i = 0; i < variables; ++i) exprlib_release(rows_[i].value);
     for (const Tree &tree : stack_) exprlib_release(tree.node);
->>>>>>> Stashed changes
     fuzz::require(context_->live_nodes == 0, "nothing is left");
     exprlib_end_context(context_);
   }

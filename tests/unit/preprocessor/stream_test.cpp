@@ -16,11 +16,8 @@
 #include "preprocessor/path_join.h"
 #include "preprocessor/preprocessed_file_input_stream.h"
 #include "preprocessor/preprocessor.h"
-<<<<<<< Updated upstream
-#include "unit/rows.h"
-=======
 #include "preprocessor/source_files.h"
->>>>>>> Stashed changes
+#include "unit/rows.h"
 
 namespace {
 
