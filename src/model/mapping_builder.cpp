@@ -12,14 +12,17 @@ namespace tdm {
 
 namespace {
 
-/// Needed before all else; the name is that of the defining object as far as it is known.
-void require(const TDMFileMapping &record, const std::string &owner)
+/// Needed before all else. The owner is the defining object; its name is asked for in a failure
+/// only.
+template <typename Owner> void require(const TDMFileMapping &record, const Owner &owner)
 {
-  if (record.size == nullptr)
-    throw new TDMSyntaxException(place_of(record, "map"), "no size given for mapping in " + owner);
-  if (!record.destination)
-    throw new TDMSyntaxException(place_of(record, "map"),
-                                 "no destination given for mapping in " + owner);
+  if (record.size != nullptr && record.destination) return;
+  std::string name;
+  owner.get_full_name(name);
+  throw new TDMSyntaxException(place_of(record, "map"),
+                               (record.size == nullptr ? "no size given for mapping in "
+                                                       : "no destination given for mapping in ") +
+                                   name);
 }
 
 std::optional<DataLines> data_lines(const TDMFileMapping &record, LocationKey key,
@@ -54,20 +57,6 @@ MapEntry evaluate(const TDMFileMapping &record, const ArgumentScope &scope)
   return entry;
 }
 
-std::string name_of(const TDMMapSource &source)
-{
-  std::string name;
-  source.get_full_name(name);
-  return name;
-}
-
-std::string name_of(const TDMMapDestination &destination)
-{
-  std::string name;
-  destination.get_full_name(name);
-  return name;
-}
-
 } // namespace
 
 MapEnd map_end(TDMBus &bus)
@@ -89,7 +78,7 @@ std::unique_ptr<TDMMapping> make_forward_mapping(const TDMFileMapping &record,
                                                  const ArgumentScope &scope, TDMMapSource &source,
                                                  const MapEnd &end)
 {
-  require(record, name_of(source));
+  require(record, source);
   auto mapping = TDMMapping::forward(evaluate(record, scope), source, end);
   mapping->sourceLocations = record.sourceLocations;
   mapping->name = record.name;
@@ -100,7 +89,7 @@ std::unique_ptr<TDMMapping> make_reversed_mapping(const TDMFileMapping &record,
                                                   const ArgumentScope &scope,
                                                   TDMMapDestination &destination, const MapEnd &end)
 {
-  require(record, name_of(destination));
+  require(record, destination);
   auto mapping = TDMMapping::reversed(evaluate(record, scope), destination, end);
   mapping->sourceLocations = record.sourceLocations;
   mapping->name = record.name;

@@ -1,6 +1,7 @@
 // The road of a parse, from file names to a checked model.
 #include "model/spec.h"
 
+#include <string_view>
 #include <unordered_set>
 
 #include "common/failures.h"
@@ -151,17 +152,19 @@ void TDMSpec::keep_check_failure()
 
 void TDMSpec::check_names() const
 {
-  std::unordered_set<std::string, std::hash<std::string>, std::equal_to<>,
-                     tdm::PoolAllocator<std::string>>
-      names;
+  // The full name of what is global is its name.
+  using Names = std::unordered_set<std::string_view, std::hash<std::string_view>, std::equal_to<>,
+                                   tdm::PoolAllocator<std::string_view>>;
+  Names names;
+  names.reserve(memories.size());
   for (const auto &memory : memories)
-    if (!names.insert(memory->full_name()).second)
+    if (!names.insert(memory->name).second)
       throw new TDMSyntaxException(memory->location_or("name"), "global memory " +
                                                                     memory->full_name() +
                                                                     " defined more than once");
   names.clear();
   for (const auto &bus : buses)
-    if (!names.insert(bus->full_name()).second)
+    if (!names.insert(bus->name).second)
       throw new TDMSyntaxException(bus->location_or("name"),
                                    "global bus " + bus->full_name() + " defined more than once");
   names.clear();
