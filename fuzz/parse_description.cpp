@@ -4,6 +4,7 @@
 #include <tdm_c/tdm_inspect_source.h>
 
 #include "description.h"
+#include "mapping/walk.h"
 #include "preprocessor/macro_expand.h"
 #include "preprocessor/source_files.h"
 
@@ -55,10 +56,12 @@ tdm_spec *parse(std::string_view text)
   const tdm_arr files = {sizeof(char *), count, count, pointers.data()};
   const tdm_arr dirs = {sizeof(char *), 1, 1, &dir};
   tdm_init(nullptr);
-  // Files that include themselves, and macros that multiply, are slow up to their limits.
+  // Files that include themselves, macros that multiply and walks in a circle are slow up to their
+  // limits.
   tdm_limits_set(TDM_LIMIT_INCLUDE_DEPTH, 30);
   tdm::source_files_limit = 100;
   tdm::expansion_work.limit = 1 << 12;
+  tdm::max_walk_steps = 1 << 12;
   // A known text as last error, whatever went before.
   const tdm_arr nothing = {sizeof(char *), 0, 0, nullptr};
   (void)tdm_parse_file(&nothing, &dirs);

@@ -38,6 +38,8 @@ std::string arrival(const tdm_inspect_hop &hop, const tdm_map_interval_result &)
 template <class Result> void compare(const Hops &hops, tdm_arr *translated)
 {
   const std::vector<Result> results = take<Result>(translated);
+  // With so many hops that the routes are given up there are results alone.
+  if (hops.empty() && results.size() > 1) return;
   std::size_t route = 0;
   for (std::size_t i = 0; i < hops.size(); ++i) {
     fuzz::require(hops[i].route == static_cast<std::int32_t>(route), "routes are counted");

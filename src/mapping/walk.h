@@ -16,7 +16,7 @@ namespace tdm {
 
 /// Where a walk is given up. Buses that are mapped onto each other with different offsets can shift
 /// a value in a circle without an end in sight, and a few lines of text must not hang the process.
-inline constexpr size_t max_walk_steps = 1'000'000;
+[[gnu::visibility("hidden")]] inline size_t max_walk_steps = 1'000'000;
 
 /// What was reached by one route forward.
 template <class Value> struct ForwardRoute {
