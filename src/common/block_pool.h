@@ -103,7 +103,6 @@ template <typename T> struct PoolAllocator {
 /// A base that makes objects live in the pool. What derives from it needs a virtual destructor, or
 /// must be deleted as what it is.
 struct Pooled {
-  // NOLINTNEXTLINE(misc-new-delete-overloads): the check doesn't know the form with a size
   static void *operator new(std::size_t size) { return pool_allocate(size); }
   static void operator delete(void *block, std::size_t size) noexcept { pool_free(block, size); }
 };
