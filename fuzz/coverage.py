@@ -34,11 +34,10 @@ def reached(build):
     profile = build / "profiles" / "all.profdata"
     subprocess.run(["llvm-profdata", "merge", "-sparse", "-o", profile,
                     *(build / "profiles").glob("*.profraw")], check=True)
-    programs = [build / "bin" / f"fuzz_{target}" for target, _ in TEXTS + OTHERS]
-    objects = [word for program in programs for word in ("-object", program)]
-    report = subprocess.run(["llvm-cov", "export", "-format=lcov", f"-instr-profile={profile}", *objects,
-                             "-object", build / "lib" / "libtdm_c.so", ROOT / "src"],
-                            check=True, stdout=subprocess.PIPE).stdout.decode()
+    first, *others = [build / "bin" / f"fuzz_{target}" for target, _ in TEXTS + OTHERS]
+    objects = [f"-object={program}" for program in (*others, build / "lib" / "libtdm_c.so")]
+    report = subprocess.run(["llvm-cov", "export", "-format=lcov", f"-instr-profile={profile}", first, *objects,
+                             ROOT / "src"], check=True, stdout=subprocess.PIPE).stdout.decode()
     files = collections.defaultdict(lambda: ({}, {}))
     for record in report.splitlines():
         kind, _, rest = record.partition(":")
