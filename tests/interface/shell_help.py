@@ -23,6 +23,7 @@ COMPLETIONS = (
     (["tdm", "map", "--space", ""], []),
     (["tdm", "map", "tdm.b"], ["tdm.bash"]),
     (["tdm", "show", "-I", ""], ["inner"]),
+    (["tdm", "draw", "-o", "tdm.b"], ["tdm.bash"]),
 )
 
 

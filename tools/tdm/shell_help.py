@@ -24,7 +24,7 @@ def flat(text):
 
 
 def is_file(option):
-    return option["value"] in ("FILE", "LIST|-")
+    return option["value"] in ("FILE", "FILE|-", "LIST|-")
 
 
 def named(verb):
@@ -90,7 +90,7 @@ def manual(tool):
         lines += [synopsis(verb) + "++"]
     lines[-1] = lines[-1].removesuffix("++")
     lines += ["", "# DESCRIPTION", "", escaped(tool["does"]), ""]
-    examples, _, exit_codes = tool["footer"].partition("Exit codes:\n")
+    examples, _, exit_codes = tool["footer"].partition("\nExit codes:\n")
     lines += [*footer(examples), "# OPTIONS", "", *options_of(tool)]
     for verb in tool["verbs"]:
         lines += [f"# TDM {verb['name'].upper()}", "", synopsis(verb), "", escaped(verb["does"]) + ".",
