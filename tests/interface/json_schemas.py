@@ -100,9 +100,9 @@ def answers(tool, description, options):
         yield ask("select", *name, stdin=SECTIONS)
     name = ["--space", spaces[0]["full_name"]]
     yield ask("map", *name, "--at", "0..64k", "--unit", "8")
-    yield ask("layout", *name, "--exists", ".data", "--defined", "sym")
+    yield ask("layout", *name, "--exists", ".data")
     for expression in EXPRESSIONS:
-        yield ask("eval", *name, "--symbol", "sym=-1", expression)
+        yield ask("eval", *name, "--symbol", "sym=-1", "--defined", "other", expression)
 
 
 def all_answers(tdm, root):

@@ -23,7 +23,7 @@ int draw(const Options &options, const Session &session, std::ostream &out)
   std::ofstream file(options.output, std::ios::binary);
   if (file) write(file);
   file.close();
-  if (!file) throw std::runtime_error(options.output + ": cannot write the picture");
+  if (!file) throw std::runtime_error("cannot write \"" + options.output + "\"");
   return exit_ok;
 }
 

@@ -26,7 +26,8 @@ using Expression = std::unique_ptr<tdm_expression, void (*)(tdm_expression *)>;
 /// What the user says of a program, and what the expression asks beyond that.
 class Program {
 public:
-  explicit Program(const Options &options) : answers_(answers_of(options))
+  explicit Program(const Options &options)
+      : answers_(answers_of(options)), defined_(options.defined.begin(), options.defined.end())
   {
     for (const std::string &symbol : options.symbols) add_symbol(symbol);
     table_.section_exists = section_exists;
@@ -89,7 +90,7 @@ private:
   static int symbol_defined(const char *name, void *user)
   {
     const Program &program = self(user);
-    return program.symbols_.contains(name) || program.answers_.symbols.contains(name) ? 1 : 0;
+    return program.symbols_.contains(name) || program.defined_.contains(name) ? 1 : 0;
   }
 
   static int symbol_value(const char *name, int64_t *value, void *user)
@@ -111,6 +112,7 @@ private:
   }
 
   Answers answers_;
+  std::set<std::string, std::less<>> defined_;
   std::map<std::string, int64_t, std::less<>> symbols_;
   std::set<Unknown> unknowns_;
   tdm_inspect_environment table_{};
@@ -132,15 +134,16 @@ std::string hex_of(int64_t value)
   return text;
 }
 
-void write_text(const Result &result, const tdm_space *space, std::ostream &out)
+void write_text(const Result &result, bool tells_defined, const tdm_space *space, std::ostream &out)
 {
   out << result.value << "  " << hex_of(result.value);
   const tdm_inspect_quantity &quantity = result.quantity;
   if (quantity.kind == TDM_QUANTITY_ADDRESS)
     out << "  address of " << tdm_space_get_full_name(space) << ' ' << unit_text(quantity.mau_size);
-  else if (quantity.kind == TDM_QUANTITY_SIZE)
+  else if (quantity.kind == TDM_QUANTITY_SIZE && result.value >= 0)
     out << "  " << human_size(result.value, quantity.mau_size) << ' '
         << unit_text(quantity.mau_size);
+  if (tells_defined && result.refers_to_defined) out << "  names a symbol that is defined";
   out << '\n';
 }
 
@@ -197,7 +200,7 @@ int eval(const Options &options, const Session &session, Diagnostics &diagnostic
   if (options.json)
     write_answer(result, program, space, out);
   else
-    write_text(result, space, out);
+    write_text(result, !options.defined.empty(), space, out);
   return exit_ok;
 }
 

@@ -8,8 +8,7 @@ namespace tool {
 
 Answers answers_of(const Options &options)
 {
-  return {{options.exists.begin(), options.exists.end()},
-          {options.defined.begin(), options.defined.end()}};
+  return {{options.exists.begin(), options.exists.end()}};
 }
 
 int report_failures(const Outline &outline, Diagnostics &diagnostics)

@@ -51,18 +51,21 @@ int read_and_answer(const Options &options, std::ostream &out)
   return errors ? exit_code_of_errors() : result;
 }
 
+/// Whether all that was written could be.
+bool flushed()
+{
+  std::cout.flush();
+  if (!std::cout) std::cerr << "tdm: error: cannot write the output\n";
+  return static_cast<bool>(std::cout);
+}
+
 int run(const Options &options)
 try {
   const int result = options.verb == Verb::check        ? check(options, std::cout, std::cerr)
                      : options.verb == Verb::preprocess ? preprocess(options, std::cout, std::cerr)
                      : options.verb == Verb::explain    ? explain(options, std::cout)
                                                         : read_and_answer(options, std::cout);
-  std::cout.flush();
-  if (!std::cout) {
-    std::cerr << "tdm: error: cannot write the output\n";
-    return exit_errors;
-  }
-  return result;
+  return flushed() ? result : exit_errors;
 } catch (const UsageError &error) {
   std::cerr << "tdm: error: " << error.text << '\n';
   return exit_usage;
@@ -77,7 +80,7 @@ int main(int argc, char **argv)
 {
   std::ios::sync_with_stdio(false);
   const Command command = read_command_line(argc, argv);
-  if (!command.options.has_value()) return command.exit_code;
+  if (!command.options.has_value()) return flushed() ? command.exit_code : exit_errors;
   const Options &options = *command.options;
   return options.files.empty() ? run(options) : supervised(options, [&] { return run(options); });
 }

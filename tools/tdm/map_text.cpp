@@ -22,12 +22,6 @@ std::string place_text(const tdm_interval &at, bool is_span)
   return is_span ? span_text(at) : address_text(at.low);
 }
 
-/// Of the units that the interval counts in.
-std::string size_text(const tdm_interval &at, bool is_span)
-{
-  return is_span ? human_size(size_of(at), at.low.mau) : "";
-}
-
 class RouteText {
 public:
   RouteText(const Answer &answer, const Session &session, const Units &units)
@@ -42,7 +36,7 @@ public:
                   place_text(at, answer_.is_span),
               {},
               {}};
-    if (answer_.is_span) root.text += "  " + size_text(at, true);
+    if (answer_.is_span) root.text += "  " + human_size_of(at);
     root.text += "  " + units_.name(at.low.mau);
     for (const Route &route : answer_.routes) root.children.push_back(of(route));
     return root;
@@ -62,7 +56,7 @@ private:
     }
     std::string text = std::string(route.end.end.kind) + " " + route.end.end.name + "  " +
                        place_text(at, answer_.is_span);
-    if (answer_.is_span) text += "  " + size_text(at, true);
+    if (answer_.is_span) text += "  " + human_size_of(at);
     text += "  " + units_.name(at.low.mau);
     if (!facts.text().empty()) text += "  " + facts.text();
     return {std::move(text), details_of(route), {}};
@@ -119,7 +113,7 @@ int digits_of(const SpaceTable &table, const Units &units)
 std::vector<std::string> row_of(const SpaceRow &row, const Units &units, int digits)
 {
   const tdm_interval span = units.of(row.span);
-  std::vector<std::string> cells{span_text(span, digits), size_text(span, true)};
+  std::vector<std::string> cells{span_text(span, digits), human_size_of(span)};
   if (row.memory == nullptr) {
     cells.emplace_back("<unused>");
     return cells;

@@ -65,6 +65,18 @@ int64_t size_of(const tdm_interval &interval)
                               static_cast<uint64_t>(interval.low.value));
 }
 
+std::string human_size_of(const tdm_interval &interval)
+{
+  const int64_t units = size_of(interval);
+  const int32_t mau = interval.low.mau;
+  const int64_t rest = int64_t{interval.high.bits} - interval.low.bits;
+  int64_t bits = 0;
+  if (rest == 0 || !is_plain(interval) || __builtin_mul_overflow(units, int64_t{mau}, &bits) ||
+      __builtin_add_overflow(bits, rest, &bits))
+    return human_size(units, mau);
+  return human_size(bits, 1);
+}
+
 std::string mask_text(const tdm_interval &interval)
 {
   if (is_plain(interval)) return "";

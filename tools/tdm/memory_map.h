@@ -39,6 +39,10 @@ private:
 /// The number of whole units from low to high.
 [[nodiscard]] int64_t size_of(const tdm_interval &interval);
 
+/// "127 B", to the bit: ends that aren't whole units count, too. Of an interval with a mask, that
+/// of the units which it lies in.
+[[nodiscard]] std::string human_size_of(const tdm_interval &interval);
+
 /// Some data lines of each unit only: "bits 0xFF00 of 16"; "" for all.
 [[nodiscard]] std::string mask_text(const tdm_interval &interval);
 

@@ -184,6 +184,9 @@ void add_map(CLI::App &verb, Options &options)
   verb.callback([&options, &verb] {
     options.verb = Verb::map;
     const bool has_place = verb.count("--at") > 0;
+    for (const char *option : {"--space", "--memory"})
+      if (verb.count(option) > 0 && verb.get_option(option)->as<std::string>().empty())
+        throw UsageError{std::string("map: ") + option + " is without a name"};
     if (options.space.empty() && options.memory.empty() && has_place)
       throw UsageError{"map: --space or --memory is needed"};
     if (!options.space.empty() && !options.memory.empty())
@@ -207,9 +210,6 @@ void add_walk(CLI::App &verb, Options &options)
                   "such space")
       ->type_name("NAME");
   verb.add_option("--exists", options.exists, "There is a section of that name, for conditions")
-      ->type_name("NAME")
-      ->allow_extra_args(false);
-  verb.add_option("--defined", options.defined, "That symbol is defined, for conditions")
       ->type_name("NAME")
       ->allow_extra_args(false);
   verb.add_flag("--json", options.json, "Write JSON; its schema_version tells the form");
@@ -269,6 +269,12 @@ void add_eval(CLI::App &verb, Options &options)
   verb.add_option("--symbol", options.symbols,
                   "A symbol and its value, a number as a description has it or with - before it")
       ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+  verb.add_option(
+          "--defined", options.defined,
+          "That symbol is defined, though its value isn't known. defined() is 0 in arithmetic\n"
+          "all the same; whether the expression names such a symbol is told behind the value")
+      ->type_name("NAME")
       ->allow_extra_args(false);
   verb.callback([&options] { options.verb = Verb::eval; });
   verb.footer(
@@ -347,7 +353,7 @@ std::string general_footer()
 {
   std::string text = "Examples:\n";
   for (const VerbEntry &verb : verbs) text.append("  ").append(verb.example) += '\n';
-  return text + "Exit codes:\n"
+  return text + "\nExit codes:\n"
                 "  0  in order\n"
                 "  1  errors in the description\n"
                 "  2  wrong usage\n"
@@ -381,10 +387,11 @@ void set_up(CLI::App &app, Options &options, std::string_view only_verb)
   app.set_version_flag("--version", version_text, "Print the version and exit");
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.require_subcommand(1);
+  app.get_formatter()->label("SUBCOMMAND", "VERB");
   const bool is_run = is_verb(only_verb);
   for (const VerbEntry &entry : verbs)
     if (!is_run || only_verb == entry.name)
-      entry.add(*app.add_subcommand(entry.name, entry.does), options);
+      entry.add(*app.add_subcommand(entry.name, entry.does)->group("Verbs"), options);
   if (!is_run) app.footer(general_footer());
 }
 

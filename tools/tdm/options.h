@@ -36,7 +36,7 @@ struct Options {
   std::optional<Place> place;       ///< map: the same, read; none for a table
   int32_t unit = 0;                 ///< map: bits of the units to show; 0 for those of each object
   std::vector<std::string> exists;  ///< layout, select, eval: names that `exists` says yes to
-  std::vector<std::string> defined; ///< the same for symbols
+  std::vector<std::string> defined; ///< eval: symbols that are defined, beside `symbols`
   std::string expression;           ///< eval
   std::vector<std::string> symbols; ///< eval: NAME=VALUE
   std::string sections = "-";       ///< select: the list; "-" for the standard input

@@ -27,7 +27,7 @@ public:
   Outline read(tdm_space *space)
   {
     const tdm_walk_callbacks callbacks = all_callbacks();
-    const tdm_expression_callbacks questions = {section_exists, symbol_defined};
+    const tdm_expression_callbacks questions = {section_exists, nullptr};
     const int64_t failures_before = tdm_inspect_failure_count();
     tdm_space_walk(space, &callbacks, this, &questions, this);
     if (pending_ != nullptr) std::rethrow_exception(pending_);
@@ -131,27 +131,19 @@ private:
     return known.find(std::string_view(name)) != known.end() ? 1 : 0;
   }
 
-  bool answer(const char *about, const std::set<std::string, std::less<>> &known, const char *name)
+  bool answer(const char *name)
   {
-    const bool yes = known.find(std::string_view(name)) != known.end();
+    const bool yes = is_known_section(name, this) != 0;
     if (open_.empty() || open_.back()->kind != ItemKind::if_statement) return yes;
     const size_t asked = open_.back()->facts.size() - 2;
-    std::get<std::vector<Question>>(open_.back()->facts[asked].value).push_back({about, name, yes});
+    std::get<std::vector<Question>>(open_.back()->facts[asked].value)
+        .push_back({"exists", name, yes});
     return yes;
   }
 
   static int section_exists(const char *name, void *user)
   {
-    return ask_reader(user, [&](OutlineReader &reader) {
-      return reader.answer("exists", reader.answers_.sections, name);
-    });
-  }
-
-  static int symbol_defined(const char *name, void *user)
-  {
-    return ask_reader(user, [&](OutlineReader &reader) {
-      return reader.answer("defined", reader.answers_.symbols, name);
-    });
+    return ask_reader(user, [&](OutlineReader &reader) { return reader.answer(name); });
   }
 
   // ---- the way in

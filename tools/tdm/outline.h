@@ -78,7 +78,7 @@ struct Phrase {
 };
 /// What a condition wanted to know.
 struct Question {
-  const char *about; ///< "exists" or "defined"
+  const char *about; ///< "exists"; `defined` asks nobody, and counts 0 in a condition
   std::string name;
   bool answer;
 };
@@ -117,7 +117,6 @@ struct Outline {
 /// The names for which conditions get a yes.
 struct Answers {
   std::set<std::string, std::less<>> sections;
-  std::set<std::string, std::less<>> symbols;
 };
 
 /// Called at each select, while its environment lives.

@@ -201,7 +201,7 @@ private:
       Facts facts;
       facts.add_if(region.reserved, "reserved");
       facts.add(mask_text(region.span));
-      table.add({span_text(region.span, digits), human_size(size_of(region.span), mau_),
+      table.add({span_text(region.span, digits), human_size_of(region.span),
                  text_of(tdm_memory_get_full_name(region.memory)), facts.text()});
     }
     return table.lines();

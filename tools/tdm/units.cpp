@@ -1,8 +1,7 @@
 #include "units.h"
 
-#include <stdexcept>
-
 #include "object_text.h"
+#include "usage_error.h"
 
 namespace tool {
 
@@ -14,7 +13,8 @@ tdm_addressvalue Units::of(const tdm_addressvalue &address) const
   const int64_t rest = address.value % bits_ * address.mau + address.bits;
   if (__builtin_mul_overflow(address.value / bits_, int64_t{address.mau}, &value) ||
       __builtin_add_overflow(value, rest / bits_, &value))
-    throw std::runtime_error("an address is too large for units of that size");
+    throw UsageError{"--unit " + std::to_string(bits_) +
+                     ": an address is too large to be told in such units"};
   auto bit = static_cast<int32_t>(rest % bits_);
   if (bit < 0) {
     bit += bits_;

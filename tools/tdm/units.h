@@ -13,7 +13,7 @@ public:
   /// Of so many bits; 0 keeps the units of each object.
   explicit Units(int bits) : bits_(bits) {}
 
-  /// Throws std::runtime_error for an address that is too large to be told so.
+  /// Throws UsageError for an address that is too large to be told so.
   [[nodiscard]] tdm_addressvalue of(const tdm_addressvalue &address) const;
 
   /// What an object counts in, as it is told: "(16-bit MAUs)", or "(8-bit units)".

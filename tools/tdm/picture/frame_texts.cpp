@@ -12,8 +12,8 @@ namespace {
 
 std::string sized(const tdm_interval &at)
 {
-  return human_size(size_of(at), at.low.mau) + " (" + hex(size_of(at)) + " units of " +
-         std::to_string(at.low.mau) + " bits)";
+  return human_size_of(at) + " (" + hex(size_of(at)) + " units of " + std::to_string(at.low.mau) +
+         " bits)";
 }
 
 std::string sized_span(const tdm_interval &at)
@@ -53,7 +53,7 @@ std::string block_name(const MemoryChart &chart, const Block &block)
 std::vector<std::string> block_remarks(const MemoryChart &chart, const Block &block)
 {
   const Appearance &seen = chart.appearances[block.appearances.front()];
-  const std::string size = human_size(size_of(seen.at), seen.at.low.mau);
+  const std::string size = human_size_of(seen.at);
   const int32_t bank = seen.at.low.bank;
   if (block.folded_banks > 0) {
     const int32_t last = chart.appearances[block.appearances.back()].at.low.bank;
