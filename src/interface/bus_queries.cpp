@@ -1,5 +1,6 @@
 // What a caller asks a bus.
 #include "interface/guard.h"
+#include "interface/names.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "model/bus.h"
@@ -8,12 +9,12 @@ using tdm::guarded;
 
 const char *tdm_bus_get_name(const tdm_bus *bus)
 {
-  return guarded([&] { return tdm::text_result(bus->name); });
+  return tdm::name_result(*bus);
 }
 
 const char *tdm_bus_get_full_name(const tdm_bus *bus)
 {
-  return guarded([&] { return tdm::text_result(bus->full_name()); });
+  return tdm::full_name_result(*bus);
 }
 
 const char *tdm_bus_get_core_name(const tdm_bus *bus)

@@ -1,5 +1,6 @@
 // What a caller asks a core.
 #include "interface/guard.h"
+#include "interface/names.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "model/core.h"
@@ -9,12 +10,12 @@ using tdm::guarded_array;
 
 const char *tdm_core_get_name(const tdm_core *core)
 {
-  return guarded([&] { return tdm::text_result(core->name); });
+  return tdm::name_result(*core);
 }
 
 const char *tdm_core_get_full_name(const tdm_core *core)
 {
-  return guarded([&] { return tdm::text_result(core->full_name()); });
+  return tdm::full_name_result(*core);
 }
 
 const char *tdm_core_get_arch_name(const tdm_core *core)

@@ -1,5 +1,6 @@
 // What a caller asks a memory.
 #include "interface/guard.h"
+#include "interface/names.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "model/memory.h"
@@ -8,12 +9,12 @@ using tdm::guarded;
 
 const char *tdm_memory_get_name(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::text_result(memory->name); });
+  return tdm::name_result(*memory);
 }
 
 const char *tdm_memory_get_full_name(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::text_result(memory->full_name()); });
+  return tdm::full_name_result(*memory);
 }
 
 const char *tdm_memory_get_processor_name(const tdm_memory *memory)

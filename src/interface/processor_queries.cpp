@@ -1,5 +1,6 @@
 // What a caller asks a processor.
 #include "interface/guard.h"
+#include "interface/names.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "model/processor.h"
@@ -9,7 +10,7 @@ using tdm::guarded_array;
 
 const char *tdm_processor_get_name(const tdm_processor *processor)
 {
-  return guarded([&] { return tdm::text_result(processor->name); });
+  return tdm::name_result(*processor);
 }
 
 const char *tdm_processor_get_derivative_name(const tdm_processor *processor)
@@ -39,5 +40,6 @@ tdm_arr *tdm_processor_get_memories(const tdm_processor *processor)
 
 tdm_memory *tdm_processor_get_memory(const tdm_processor *processor, const char *full_name)
 {
-  return guarded([&] { return full_name != nullptr ? processor->find_memory(full_name) : nullptr; });
+  return guarded(
+      [&] { return full_name != nullptr ? processor->find_memory(full_name) : nullptr; });
 }

@@ -1,5 +1,6 @@
 // What a caller asks an address space, and the one thing that it can set.
 #include "interface/guard.h"
+#include "interface/names.h"
 #include "interface/tdm.h"
 #include "interface/values.h"
 #include "model/space.h"
@@ -9,12 +10,12 @@ using tdm::guarded_array;
 
 const char *tdm_space_get_name(const tdm_space *space)
 {
-  return guarded([&] { return tdm::text_result(space->name); });
+  return tdm::name_result(*space);
 }
 
 const char *tdm_space_get_full_name(const tdm_space *space)
 {
-  return guarded([&] { return tdm::text_result(space->full_name()); });
+  return tdm::full_name_result(*space);
 }
 
 const char *tdm_space_get_core_name(const tdm_space *space)

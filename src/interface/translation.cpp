@@ -21,26 +21,33 @@ template <> struct Result<tdm_interval> {
 };
 
 /// Hands the value, meant in the node, to the walk, and its routes to the caller.
-template <class Node, class Given, class Walk>
-int translate(const Node &node, const Given &given, tdm_arr **results, Walk walk)
+template <class Node, class Given, class From, class Value, class Route>
+int translate(const Node &node, const Given &given, tdm_arr **results,
+              void (*walk)(const From &, const Value &, tdm::Routes<Route> &))
 {
   using Record = typename Result<Given>::Record;
   *results = tdm::guarded_array<Record>([&] {
-    return tdm::array_of(walk(node, tdm::imported(given, node.mau_size)), [](const auto &route) {
+    tdm::Routes<Route> routes;
+    walk(node, tdm::imported(given, node.mau_size), routes);
+    return tdm::array_of(routes, [](const Route &route) {
       return Record{route.object, route.value.to_record(), route.reserved ? 1 : 0};
     });
   });
   return *results != nullptr && (*results)->count > 0 ? 1 : 0;
 }
 
-template <class Value> auto back_to_bus(const TDMMemory &memory, const Value &value)
+template <class Value> using RoutesBack = tdm::Routes<tdm::BackwardRoute<Value>>;
+
+template <class Value>
+void back_to_bus(const TDMMemory &memory, const Value &value, RoutesBack<Value> &routes)
 {
-  return tdm::map_back_to(tdm::NodeKind::bus, memory, value);
+  tdm::append_back_to(tdm::NodeKind::bus, memory, value, routes);
 }
 
-template <class Value> auto back_to_space(const TDMMemory &memory, const Value &value)
+template <class Value>
+void back_to_space(const TDMMemory &memory, const Value &value, RoutesBack<Value> &routes)
 {
-  return tdm::map_back_to(tdm::NodeKind::space, memory, value);
+  tdm::append_back_to(tdm::NodeKind::space, memory, value, routes);
 }
 
 } // namespace
@@ -48,37 +55,37 @@ template <class Value> auto back_to_space(const TDMMemory &memory, const Value &
 int tdm_space_map_interval_forward(const tdm_space *space, const tdm_interval *interval,
                                    tdm_arr **results)
 {
-  return translate(*space, *interval, results, tdm::map_forward<Interval>);
+  return translate(*space, *interval, results, tdm::append_forward<Interval>);
 }
 
 int tdm_space_map_addressvalue_forward(const tdm_space *space, const tdm_addressvalue *address,
                                        tdm_arr **results)
 {
-  return translate(*space, *address, results, tdm::map_forward<AddressValue>);
+  return translate(*space, *address, results, tdm::append_forward<AddressValue>);
 }
 
 int tdm_space_map_interval_forward_to_memory(const tdm_space *space, const tdm_interval *interval,
                                              tdm_arr **results)
 {
-  return translate(*space, *interval, results, tdm::map_to_memory<Interval>);
+  return translate(*space, *interval, results, tdm::append_to_memory<Interval>);
 }
 
 int tdm_space_map_addressvalue_forward_to_memory(const tdm_space *space,
                                                  const tdm_addressvalue *address, tdm_arr **results)
 {
-  return translate(*space, *address, results, tdm::map_to_memory<AddressValue>);
+  return translate(*space, *address, results, tdm::append_to_memory<AddressValue>);
 }
 
 int tdm_memory_map_interval_backward(const tdm_memory *memory, const tdm_interval *interval,
                                      tdm_arr **results)
 {
-  return translate(*memory, *interval, results, tdm::map_backward<Interval>);
+  return translate(*memory, *interval, results, tdm::append_backward<Interval>);
 }
 
 int tdm_memory_map_addressvalue_backward(const tdm_memory *memory, const tdm_addressvalue *address,
                                          tdm_arr **results)
 {
-  return translate(*memory, *address, results, tdm::map_backward<AddressValue>);
+  return translate(*memory, *address, results, tdm::append_backward<AddressValue>);
 }
 
 int tdm_memory_map_interval_backward_to_bus(const tdm_memory *memory, const tdm_interval *interval,

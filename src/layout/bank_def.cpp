@@ -1,8 +1,6 @@
 // Builds bank definitions, tests what each kind needs, and keeps the list of bank numbers.
 #include "layout/bank_def.h"
 
-#include <algorithm>
-
 #include "common/failures.h"
 #include "language/records.h"
 #include "layout/record_values.h"
@@ -27,11 +25,9 @@ TDMBankDef::TDMBankDef(const TDMFileBankDef &record, const std::string &space_fu
 
 void TDMBankDef::add_bank(int32_t bank, const TDMSourceLocation &place)
 {
-  const auto at = std::lower_bound(banks.begin(), banks.end(), bank);
-  if (at != banks.end() && *at == bank)
+  if (!banks.insert(bank).second)
     throw new TDMSyntaxException(place, "bank number " + std::to_string(bank) +
                                             " declared more than once for bank definition" + name);
-  banks.insert(at, bank);
 }
 
 TDMSingleSwitchBankDef::TDMSingleSwitchBankDef(const TDMFileBankDef &record,

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "common/tdm_object.h"
 
@@ -23,8 +23,8 @@ struct TDMBankDef : TDMObject {
   /// Enters a bank number; one that is there already is refused at the place.
   void add_bank(int32_t bank, const TDMSourceLocation &place);
 
-  std::string name;           ///< the full name of the space, then ":bank"
-  std::vector<int32_t> banks; ///< ascending
+  std::string name; ///< the full name of the space, then ":bank"
+  std::set<int32_t> banks;
   std::optional<std::string> stub_template;
   std::optional<std::string> stub_prefix;
   std::optional<std::string> stub_arg_address;

@@ -1,6 +1,8 @@
 // Building the edges of the mapping graph, and the intervals that translations work with.
 #include "mapping/mapping.h"
 
+#include <numeric>
+
 #include "common/failures.h"
 #include "mapping/mapping_index.h"
 
@@ -125,5 +127,23 @@ void TDMMapping::compute_intervals()
   destination_interval_ =
       Interval(destination_low, destination_low + source_size.in_mau(destination_low.mau),
                destination_lines);
+  shift_ = moves_by_distance();
   complete_ = true;
+}
+
+bool TDMMapping::moves_by_distance() const
+{
+  const int32_t mau = source_interval_.low.mau;
+  const auto all_connected = [mau](const Interval &span, const tdm::DataLines &lines,
+                                   const tdm::MapEnd &end) {
+    return span.low.mau == mau && span.pattern.width == mau &&
+           span.pattern.bits == Interval::Pattern::mask(mau) && lines.low == 0 &&
+           lines.high == end.width - 1;
+  };
+  int64_t end = 0;
+  return all_connected(source_interval_, src_dbits, source_end_) &&
+         all_connected(destination_interval_, dest_dbits, destination_end_) &&
+         std::lcm(source_end_.width, destination_end_.width) <= Interval::Pattern::max_width &&
+         size > 0 && !__builtin_add_overflow(src_offset, size, &end) &&
+         !__builtin_add_overflow(dest_offset, size, &end) && bank >= -1 && dest_bank >= -1;
 }

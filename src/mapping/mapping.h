@@ -65,6 +65,10 @@ struct TDMMapping : TDMObject {
 
   /// Whether both ends are set and the intervals computed.
   [[nodiscard]] bool is_complete() const { return complete_; }
+  /// Whether all that a translation does is to move by a distance: the ends have one unit, all
+  /// lines of both are connected in their order, and no number wraps. Few mappings are anything
+  /// else, and the long way through masks and units would give the same.
+  [[nodiscard]] bool is_shift() const { return shift_; }
 
   [[nodiscard]] TDMMapSource *source() const { return source_; }
   [[nodiscard]] TDMMapDestination *destination() const { return destination_; }
@@ -102,12 +106,14 @@ private:
   void store_destination(TDMMapDestination &object, const tdm::MapEnd &end);
   void rescale_size();
   void compute_intervals();
+  [[nodiscard]] bool moves_by_distance() const;
 
   TDMMapSource *source_ = nullptr;
   TDMMapDestination *destination_ = nullptr;
   tdm::MapEnd source_end_{};
   tdm::MapEnd destination_end_{};
   bool complete_ = false;
+  bool shift_ = false;
   Interval source_interval_;
   Interval destination_interval_;
 

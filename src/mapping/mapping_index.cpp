@@ -1,14 +1,14 @@
-// The mappings of one bank, sorted by beginnings, are a balanced tree by themselves: the middle of
-// a part is its root. The recursion is as deep as the logarithm of the length.
+// Making an index and searching in it.
 #include "mapping/mapping_index.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace tdm {
 
-const MappingIndex *MappingIndex::of(const std::vector<TDMMapping *> &list, MapDirection direction)
+const MappingIndex *MappingIndex::of_long(const std::vector<TDMMapping *> &list,
+                                          MapDirection direction)
 {
-  if (list.size() < min_length) return nullptr;
   auto &index = direction == MapDirection::forward ? list.front()->outgoing_index_
                                                    : list.front()->incoming_index_;
   if (index == nullptr || index->entries_.size() != list.size()) {
@@ -21,64 +21,76 @@ const MappingIndex *MappingIndex::of(const std::vector<TDMMapping *> &list, MapD
 
 MappingIndex::MappingIndex(const std::vector<TDMMapping *> &list, MapDirection direction)
 {
+  const auto bank_of = [&](uint32_t position) {
+    return std::max(near_interval(*list[position], direction).low.bank, -1);
+  };
   entries_.reserve(list.size());
   for (const TDMMapping *mapping : list) {
     const Interval &span = near_interval(*mapping, direction);
-    entries_.push_back({std::max(span.low.bank, -1), span.low.value, span.high.value, 0,
-                        static_cast<uint32_t>(entries_.size())});
+    entries_.push_back(
+        {span.low.value, span.high.value, static_cast<uint32_t>(entries_.size()), none, none, 0});
   }
-  std::sort(entries_.begin(), entries_.end(), [](const Entry &a, const Entry &b) {
-    return a.bank != b.bank ? a.bank < b.bank : a.low < b.low;
+  std::sort(entries_.begin(), entries_.end(), [&](const Entry &a, const Entry &b) {
+    return std::tuple(bank_of(a.position), a.low) < std::tuple(bank_of(b.position), b.low);
   });
-  for (size_t begin = 0, end = 0; begin < entries_.size(); begin = end) {
-    while (end < entries_.size() && entries_[end].bank == entries_[begin].bank) ++end;
-    set_greatest_high(begin, end);
+  for (uint32_t i = 0; i < entries_.size(); ++i) {
+    const int32_t bank = bank_of(entries_[i].position);
+    if (banks_.empty() || banks_.back().bank != bank) banks_.push_back({bank, i, i});
+    banks_.back().end = i + 1;
+  }
+  for (const Bank &bank : banks_) link(bank);
+}
+
+/// The far links double their reach along a chain: each spans two of the same length in front of
+/// it, if there are such, or else one step.
+void MappingIndex::link(const Bank &bank)
+{
+  for (uint32_t i = bank.begin; i < bank.end; ++i) {
+    Entry &entry = entries_[i];
+    uint32_t later = i > bank.begin ? i - 1 : none;
+    while (later != none && entries_[later].high <= entry.high) later = entries_[later].later;
+    entry.later = entry.far_later = later;
+    if (later == none) continue;
+    const Entry &next = entries_[later];
+    entry.depth = next.depth + 1;
+    if (next.far_later == none) continue;
+    const Entry &over = entries_[next.far_later];
+    if (over.far_later != none &&
+        next.depth - over.depth == over.depth - entries_[over.far_later].depth)
+      entry.far_later = over.far_later;
   }
 }
 
-int64_t MappingIndex::set_greatest_high(size_t begin, size_t end)
+void MappingIndex::find(const Reach &reach, Positions &positions) const
 {
-  if (begin == end) return INT64_MIN;
-  const size_t middle = begin + (end - begin) / 2;
-  const int64_t left = set_greatest_high(begin, middle);
-  const int64_t right = set_greatest_high(middle + 1, end);
-  Entry &entry = entries_[middle];
-  entry.greatest_high = std::max({left, entry.high, right});
-  return entry.greatest_high;
+  if (banks_.front().bank < 0) find_in(banks_.front(), reach, positions);
+  if (reach.bank >= 0) {
+    const auto bank =
+        std::lower_bound(banks_.begin(), banks_.end(), reach.bank,
+                         [](const Bank &each, int32_t wanted) { return each.bank < wanted; });
+    if (bank != banks_.end() && bank->bank == reach.bank) find_in(*bank, reach, positions);
+  }
+  if (positions.size() > 1) std::sort(positions.begin(), positions.end());
 }
 
-void MappingIndex::find(const Reach &reach, std::vector<uint32_t> &positions) const
+void MappingIndex::find_in(const Bank &bank, const Reach &reach, Positions &positions) const
 {
-  positions.clear();
-  find_in_bank(-1, reach, positions);
-  if (reach.bank >= 0) find_in_bank(reach.bank, reach, positions);
-  std::sort(positions.begin(), positions.end());
-}
-
-void MappingIndex::find_in_bank(int32_t bank, const Reach &reach,
-                                std::vector<uint32_t> &positions) const
-{
-  const auto begin =
-      std::lower_bound(entries_.begin(), entries_.end(), bank,
-                       [](const Entry &entry, int32_t wanted) { return entry.bank < wanted; });
-  const auto end =
-      std::upper_bound(begin, entries_.end(), bank,
-                       [](int32_t wanted, const Entry &entry) { return wanted < entry.bank; });
-  find(static_cast<size_t>(begin - entries_.begin()), static_cast<size_t>(end - entries_.begin()),
-       reach, positions);
-}
-
-void MappingIndex::find(size_t begin, size_t end, const Reach &reach,
-                        std::vector<uint32_t> &positions) const
-{
-  while (begin < end) {
-    const size_t middle = begin + (end - begin) / 2;
-    const Entry &entry = entries_[middle];
-    if (entry.greatest_high < reach.low) return;
-    find(begin, middle, reach, positions);
-    if (entry.low > reach.high) return;
-    if (entry.high >= reach.low) positions.push_back(entry.position);
-    begin = middle + 1;
+  const Entry *entries = entries_.data();
+  // Bisection without a branch that would have to be guessed.
+  uint32_t behind = bank.begin;
+  for (uint32_t length = bank.end - bank.begin; length > 0;) {
+    const uint32_t half = (length + 1) / 2;
+    behind += entries[behind + half - 1].low <= reach.high ? half : 0;
+    length -= half;
+  }
+  for (uint32_t i = behind; i != bank.begin;) {
+    --i;
+    while (entries[i].high < reach.low) {
+      const uint32_t far = entries[i].far_later;
+      if (far == none) return;
+      i = entries[far].high < reach.low ? far : entries[i].later;
+    }
+    positions.push_back(entries[i].position);
   }
 }
 

@@ -1,5 +1,10 @@
 // Finds, among the many mappings of one node, those whose span a value may meet: a list of mappings
-// sorted by their banks and the beginning of their spans, with the greatest end of each part.
+// sorted by their banks and the beginning of their spans.
+//
+// What begins in reach is found by bisection. From there the search goes back, and passes over what
+// has ended by links: each entry knows the nearest one in front of it that ends later, and so do
+// those, which makes chains of rising ends; a second link leads far along the chain, so that a
+// search takes a logarithm of steps for each mapping that it finds.
 //
 // The index looks at banks and whole MAUs alone, both ends counted in, and not at data lines or
 // bits: it may give too much, never too little. A complete mapping never changes, so an index stays
@@ -9,11 +14,11 @@
 #include <cstdint>
 #include <vector>
 
+#include "mapping/inline_stack.h"
 #include "mapping/mapping.h"
+#include "mapping/shift.h"
 
 namespace tdm {
-
-enum class MapDirection : uint8_t { forward, backward };
 
 /// The span at the side of the mapping where a translation begins.
 [[nodiscard]] inline const Interval &near_interval(const TDMMapping &mapping,
@@ -40,33 +45,49 @@ struct Reach {
 class MappingIndex {
 public:
   /// Below this length a list is gone through as it is.
-  static constexpr size_t min_length = 32;
+  static constexpr size_t min_length = 16;
+
+  /// Positions in a list.
+  using Positions = InlineStack<uint32_t, 16>;
 
   /// The index of a node's list, made when it is first asked for; null for a short list and for one
   /// with a mapping that isn't complete yet.
   [[nodiscard]] static const MappingIndex *of(const std::vector<TDMMapping *> &list,
-                                              MapDirection direction);
+                                              MapDirection direction)
+  {
+    return list.size() < min_length ? nullptr : of_long(list, direction);
+  }
 
-  /// Positions in the list of the mappings that may meet the values, in ascending order.
-  void find(const Reach &reach, std::vector<uint32_t> &positions) const;
+  /// Appends the positions of the mappings that may meet the values, in ascending order, to an
+  /// empty stack.
+  void find(const Reach &reach, Positions &positions) const;
 
 private:
+  static constexpr uint32_t none = UINT32_MAX;
+
   struct Entry {
-    int32_t bank; ///< -1 for none
     int64_t low;
     int64_t high;
-    int64_t greatest_high; ///< of the part of the list whose middle this is
     uint32_t position;
+    uint32_t later;     ///< the nearest entry of the bank in front of this one that ends later
+    uint32_t far_later; ///< one further along the chain of those
+    uint32_t depth;     ///< length of the chain, while the index is made
+  };
+  /// The mappings of one bank, -1 for those without.
+  struct Bank {
+    int32_t bank;
+    uint32_t begin;
+    uint32_t end;
   };
 
   MappingIndex(const std::vector<TDMMapping *> &list, MapDirection direction);
 
-  int64_t set_greatest_high(size_t begin, size_t end);
-  /// Appends what is found among the mappings of one bank, -1 for those without.
-  void find_in_bank(int32_t bank, const Reach &reach, std::vector<uint32_t> &positions) const;
-  void find(size_t begin, size_t end, const Reach &reach, std::vector<uint32_t> &positions) const;
+  static const MappingIndex *of_long(const std::vector<TDMMapping *> &list, MapDirection direction);
+  void link(const Bank &bank);
+  void find_in(const Bank &bank, const Reach &reach, Positions &positions) const;
 
   std::vector<Entry> entries_;
+  std::vector<Bank> banks_; ///< ascending
 };
 
 } // namespace tdm

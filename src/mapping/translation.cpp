@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+#include "mapping/shift.h"
+
 namespace tdm {
 namespace {
 
@@ -41,14 +43,6 @@ AddressValue move_bits(AddressValue address, const DataLines &from, const DataLi
   address.value = wrap_add(address.value, moved / address.mau);
   address.bits = static_cast<int16_t>(moved % address.mau);
   return address;
-}
-
-/// The bank on the far side: the one selected there; none if the near side took one; else as it
-/// was.
-int32_t far_bank(int32_t near_bank, int32_t selected, int32_t given)
-{
-  if (selected >= 0) return selected;
-  return near_bank >= 0 ? -1 : given;
 }
 
 /// A mapping without banks serves every bank: for this translation its spans lie in the given one.
@@ -104,6 +98,8 @@ Pattern carry_mask(const Pattern &mask, int64_t periods, const Pattern &near,
 
 bool map(const TDMMapping &mapping, const AddressValue &address, AddressValue &out, Bound bound)
 {
+  if (bound == Bound::position && is_plain(mapping, address))
+    return shift(MapDirection::forward, mapping, address, out);
   if (!mapping.is_complete() || !in_range(address, mapping.source_interval(), bound)) return false;
   if (mapping.bank >= 0 && mapping.bank != address.bank) return false;
 
@@ -120,6 +116,8 @@ bool map(const TDMMapping &mapping, const AddressValue &address, AddressValue &o
 bool map_back(const TDMMapping &mapping, const AddressValue &address, AddressValue &out,
               Bound bound)
 {
+  if (bound == Bound::position && is_plain(mapping, address))
+    return shift(MapDirection::backward, mapping, address, out);
   if (!mapping.is_complete() || !in_range(address, mapping.destination_interval(), bound))
     return false;
   if (mapping.dest_bank >= 0 && mapping.dest_bank != address.bank) return false;
@@ -136,6 +134,7 @@ bool map_back(const TDMMapping &mapping, const AddressValue &address, AddressVal
 
 bool map(const TDMMapping &mapping, const Interval &interval, Interval &out)
 {
+  if (is_plain(mapping, interval)) return shift(MapDirection::forward, mapping, interval, out);
   if (!mapping.is_complete()) return false;
   Interval result;
   if (interval.is_empty()) {
@@ -167,6 +166,7 @@ bool map(const TDMMapping &mapping, const Interval &interval, Interval &out)
 
 bool map_back(const TDMMapping &mapping, const Interval &interval, Interval &out)
 {
+  if (is_plain(mapping, interval)) return shift(MapDirection::backward, mapping, interval, out);
   if (!mapping.is_complete()) return false;
   Interval result;
   if (interval.is_empty()) {

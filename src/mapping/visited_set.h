@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "mapping/inline_stack.h"
 #include "mapping/interval.h"
 
 namespace tdm {
@@ -94,7 +95,7 @@ private:
     for (uint32_t i = 0; i < entries_.size(); ++i) link(i);
   }
 
-  std::vector<Entry> entries_;
+  InlineStack<Entry, unhashed_limit> entries_;
   std::vector<uint32_t> heads_; ///< a power of two, or none while there are few entries
 };
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "common/failures.h"
+#include "mapping/inline_stack.h"
 #include "mapping/mapping_index.h"
 #include "mapping/visited_set.h"
 
@@ -42,6 +43,7 @@ struct Forward {
   static const Node *onward(const TDMMapping &mapping) { return mapping.destination_as_source(); }
   template <class Value> static bool cross(const TDMMapping &mapping, const Value &in, Value &out)
   {
+    if (is_plain(mapping, in)) return shift(direction, mapping, in, out);
     return map(mapping, in, out);
   }
 };
@@ -57,6 +59,7 @@ struct Backward {
   static const Node *onward(const TDMMapping &mapping) { return mapping.source_as_destination(); }
   template <class Value> static bool cross(const TDMMapping &mapping, const Value &in, Value &out)
   {
+    if (is_plain(mapping, in)) return shift(direction, mapping, in, out);
     return map_back(mapping, in, out);
   }
 };
@@ -66,6 +69,9 @@ template <class Value> struct Hop {
   const TDMMapping *mapping;
   Value value;
 };
+
+/// Room for the routes that descriptions have; longer ones go to the heap.
+template <class Value> using Hops = InlineStack<Hop<Value>, 16>;
 
 /// All mappings of a node have the node's unit at this side. The test is made once, so that
 /// mappings out of reach can be passed over without another look at the unit.
@@ -81,15 +87,15 @@ void require_unit(const std::vector<TDMMapping *> &list, const Value &value)
   }
 }
 
-/// The one-step list of a node, appended to `hops`.
+/// The one-step list of a node, appended to `hops`. The value must not lie among them.
 template <class Way, class Value>
-void append_hops(const typename Way::Node &node, const Value &value, std::vector<Hop<Value>> &hops)
+void append_hops(const typename Way::Node &node, const Value &value, Hops<Value> &hops)
 {
   const std::vector<TDMMapping *> &list = Way::mappings(node);
   require_unit<Way>(list, value);
   const auto try_mapping = [&](const TDMMapping &mapping) {
-    Value out;
-    if (Way::cross(mapping, value, out)) hops.push_back({&mapping, out});
+    Hop<Value> hop{&mapping, {}};
+    if (Way::cross(mapping, value, hop.value)) hops.push_back(hop);
   };
 
   const Reach reach{low_of(value).bank, low_of(value).value, high_of(value).value};
@@ -97,7 +103,7 @@ void append_hops(const typename Way::Node &node, const Value &value, std::vector
     // A span over several banks holds all values of the banks between its ends.
     for (const TDMMapping *mapping : list) try_mapping(*mapping);
   } else if (const MappingIndex *index = MappingIndex::of(list, Way::direction)) {
-    std::vector<uint32_t> positions;
+    MappingIndex::Positions positions;
     index->find(reach, positions);
     for (const uint32_t position : positions) try_mapping(*list[position]);
   } else {
@@ -112,6 +118,13 @@ void append_hops(const typename Way::Node &node, const Value &value, std::vector
                            std::to_string(max_walk_steps) + " steps");
 }
 
+/// A node that a walk is at: its hops lie on top of those of the frames below it.
+struct Frame {
+  size_t first;
+  size_t next;
+  bool reserved;
+};
+
 /// Walks from a node. At each hop, in depth-first order, `arrive(hop, reserved, visited, trail)` is
 /// asked whether the walk goes on behind it: `reserved` is that of the route up to the hop, without
 /// it, `visited` whether the node reached was entered with the same value before, and `trail(f)`
@@ -119,13 +132,8 @@ void append_hops(const typename Way::Node &node, const Value &value, std::vector
 template <class Way, class Value, class Arrive>
 void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
 {
-  struct Frame {
-    size_t first; ///< its hops lie on top of those of the frames below it
-    size_t next;
-    bool reserved;
-  };
-  std::vector<Frame> frames;
-  std::vector<Hop<Value>> hops;
+  InlineStack<Frame, 16> frames;
+  Hops<Value> hops;
   VisitedSet<Value> visited;
   size_t steps = 0;
 
@@ -147,8 +155,8 @@ void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
   while (!frames.empty()) {
     Frame &frame = frames.back();
     if (frame.next == hops.size()) {
-      hops.resize(frame.first);
-      frames.pop_back();
+      hops.cut(frame.first);
+      frames.cut(frames.size() - 1);
       continue;
     }
     const Hop<Value> hop = hops[frame.next++];
@@ -163,48 +171,41 @@ void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
 } // namespace
 
 template <class Value>
-std::vector<ForwardRoute<Value>> map_forward(const TDMMapSource &source, const Value &value)
+void append_forward(const TDMMapSource &source, const Value &value,
+                    Routes<ForwardRoute<Value>> &routes)
 {
-  std::vector<Hop<Value>> hops;
+  Hops<Value> hops;
   append_hops<Forward>(source, value, hops);
-  std::vector<ForwardRoute<Value>> routes;
-  routes.reserve(hops.size());
   for (const Hop<Value> &hop : hops)
     routes.push_back({hop.mapping->destination(), hop.value, hop.mapping->reserved});
-  return routes;
 }
 
 template <class Value>
-std::vector<BackwardRoute<Value>> map_backward(const TDMMapDestination &destination,
-                                               const Value &value)
+void append_backward(const TDMMapDestination &destination, const Value &value,
+                     Routes<BackwardRoute<Value>> &routes)
 {
-  std::vector<Hop<Value>> hops;
+  Hops<Value> hops;
   append_hops<Backward>(destination, value, hops);
-  std::vector<BackwardRoute<Value>> routes;
-  routes.reserve(hops.size());
   for (const Hop<Value> &hop : hops)
     routes.push_back({hop.mapping->source(), hop.value, hop.mapping->reserved});
-  return routes;
 }
 
 template <class Value>
-std::vector<ForwardRoute<Value>> map_to_memory(const TDMMapSource &source, const Value &value)
+void append_to_memory(const TDMMapSource &source, const Value &value,
+                      Routes<ForwardRoute<Value>> &routes)
 {
-  std::vector<ForwardRoute<Value>> routes;
   walk<Forward>(source, value, [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
     if (hop.mapping->destination_as_source() != nullptr) return !seen;
     if (hop.mapping->destination_kind() == NodeKind::memory)
       routes.push_back({hop.mapping->destination(), hop.value, reserved || hop.mapping->reserved});
     return false;
   });
-  return routes;
 }
 
 template <class Value>
-std::vector<BackwardRoute<Value>> map_back_to(NodeKind kind, const TDMMapDestination &destination,
-                                              const Value &value)
+void append_back_to(NodeKind kind, const TDMMapDestination &destination, const Value &value,
+                    Routes<BackwardRoute<Value>> &routes)
 {
-  std::vector<BackwardRoute<Value>> routes;
   walk<Backward>(
       destination, value, [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
         if (seen) return false;
@@ -212,7 +213,40 @@ std::vector<BackwardRoute<Value>> map_back_to(NodeKind kind, const TDMMapDestina
           routes.push_back({hop.mapping->source(), hop.value, reserved || hop.mapping->reserved});
         return true;
       });
-  return routes;
+}
+
+template <class Value>
+std::vector<ForwardRoute<Value>> map_forward(const TDMMapSource &source, const Value &value)
+{
+  Routes<ForwardRoute<Value>> routes;
+  append_forward(source, value, routes);
+  return {routes.begin(), routes.end()};
+}
+
+template <class Value>
+std::vector<BackwardRoute<Value>> map_backward(const TDMMapDestination &destination,
+                                               const Value &value)
+{
+  Routes<BackwardRoute<Value>> routes;
+  append_backward(destination, value, routes);
+  return {routes.begin(), routes.end()};
+}
+
+template <class Value>
+std::vector<ForwardRoute<Value>> map_to_memory(const TDMMapSource &source, const Value &value)
+{
+  Routes<ForwardRoute<Value>> routes;
+  append_to_memory(source, value, routes);
+  return {routes.begin(), routes.end()};
+}
+
+template <class Value>
+std::vector<BackwardRoute<Value>> map_back_to(NodeKind kind, const TDMMapDestination &destination,
+                                              const Value &value)
+{
+  Routes<BackwardRoute<Value>> routes;
+  append_back_to(kind, destination, value, routes);
+  return {routes.begin(), routes.end()};
 }
 
 template <class Value>
@@ -275,6 +309,14 @@ std::vector<RouteHop<Value>> routes_back_to(NodeKind kind, const TDMMapDestinati
 
 // NOLINTBEGIN(bugprone-macro-parentheses): of types
 #define TDM_INSTANTIATE(Value)                                                                     \
+  template void append_forward(const TDMMapSource &, const Value &,                                \
+                               Routes<ForwardRoute<Value>> &);                                     \
+  template void append_backward(const TDMMapDestination &, const Value &,                          \
+                                Routes<BackwardRoute<Value>> &);                                   \
+  template void append_to_memory(const TDMMapSource &, const Value &,                              \
+                                 Routes<ForwardRoute<Value>> &);                                   \
+  template void append_back_to(NodeKind, const TDMMapDestination &, const Value &,                 \
+                               Routes<BackwardRoute<Value>> &);                                    \
   template std::vector<ForwardRoute<Value>> map_forward(const TDMMapSource &, const Value &);      \
   template std::vector<BackwardRoute<Value>> map_backward(const TDMMapDestination &,               \
                                                           const Value &);                          \

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "mapping/inline_stack.h"
 #include "mapping/translation.h"
 
 namespace tdm {
@@ -31,6 +32,24 @@ template <class Value> struct BackwardRoute {
   Value value;
   bool reserved; ///< some mapping on the route is reserved
 };
+
+/// Routes as they are found; few of them need no memory of the heap.
+template <class Route> using Routes = InlineStack<Route, 8>;
+
+// The walks as the interface makes them, which hands the routes on at once.
+
+template <class Value>
+void append_forward(const TDMMapSource &source, const Value &value,
+                    Routes<ForwardRoute<Value>> &routes);
+template <class Value>
+void append_backward(const TDMMapDestination &destination, const Value &value,
+                     Routes<BackwardRoute<Value>> &routes);
+template <class Value>
+void append_to_memory(const TDMMapSource &source, const Value &value,
+                      Routes<ForwardRoute<Value>> &routes);
+template <class Value>
+void append_back_to(NodeKind kind, const TDMMapDestination &destination, const Value &value,
+                    Routes<BackwardRoute<Value>> &routes);
 
 /// One step over each mapping that leaves the source.
 template <class Value>

@@ -10,6 +10,7 @@
 #include "common/tdm_object.h"
 #include "mapping/map_graph.h"
 #include "mapping/mapping.h"
+#include "preprocessor/known_names.h"
 
 class TDMFileBus;
 
@@ -50,6 +51,7 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   }
 
   std::string name;
+  mutable tdm::KnownNames known_names;
   const std::string *core_name = nullptr;      ///< the name of the core that it belongs to
   const std::string *processor_name = nullptr; ///< null for a global bus
   int32_t mau_size = 0;                        ///< bits

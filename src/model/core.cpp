@@ -184,20 +184,17 @@ std::string TDMCore::full_name() const
 
 void TDMCore::add_space(std::unique_ptr<TDMSpace> space)
 {
-  by_full_name_.emplace(space->full_name(), spaces.size());
-  by_plain_name_.emplace(space->name, spaces.size());
+  const auto place = static_cast<uint32_t>(spaces.size());
+  by_name_.add(space->full_name(), place);
+  by_name_.add(space->name, place);
   largest_space_id_ = std::max(largest_space_id_, space->id);
   spaces.push_back(std::move(space));
 }
 
-TDMSpace *TDMCore::find_space(const std::string &wanted) const
+TDMSpace *TDMCore::find_space(std::string_view wanted) const
 {
-  const auto full = by_full_name_.find(wanted);
-  const auto plain = by_plain_name_.find(wanted);
-  size_t place = spaces.size();
-  if (full != by_full_name_.end()) place = full->second;
-  if (plain != by_plain_name_.end()) place = std::min(place, plain->second);
-  return place < spaces.size() ? spaces[place].get() : nullptr;
+  const uint32_t place = by_name_.find(wanted);
+  return place != tdm::NameTable::none ? spaces[place].get() : nullptr;
 }
 
 TDMSpace *TDMCore::find_space_by_id(int64_t id) const
@@ -207,16 +204,20 @@ TDMSpace *TDMCore::find_space_by_id(int64_t id) const
   return nullptr;
 }
 
-TDMSpace *TDMCore::find_space_by_full_name(const std::string &full_name) const
+// One kind of name alone: the place is right at once, unless a plain name reads like a full one.
+
+TDMSpace *TDMCore::find_space_by_full_name(std::string_view full_name) const
 {
-  const auto found = by_full_name_.find(full_name);
-  return found != by_full_name_.end() ? spaces[found->second].get() : nullptr;
+  for (size_t i = by_name_.find(full_name); i < spaces.size(); ++i)
+    if (spaces[i]->full_name() == full_name) return spaces[i].get();
+  return nullptr;
 }
 
-TDMSpace *TDMCore::find_space_by_plain_name(const std::string &plain_name) const
+TDMSpace *TDMCore::find_space_by_plain_name(std::string_view plain_name) const
 {
-  const auto found = by_plain_name_.find(plain_name);
-  return found != by_plain_name_.end() ? spaces[found->second].get() : nullptr;
+  for (size_t i = by_name_.find(plain_name); i < spaces.size(); ++i)
+    if (spaces[i]->name == plain_name) return spaces[i].get();
+  return nullptr;
 }
 
 void TDMCore::check()

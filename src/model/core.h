@@ -4,13 +4,15 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 #include "common/tdm_object.h"
 #include "layout/section_names.h"
 #include "model/bus.h"
+#include "model/name_table.h"
 #include "model/space.h"
+#include "preprocessor/known_names.h"
 
 class TDMFileCore;
 
@@ -30,11 +32,11 @@ struct TDMCore : TDMObject {
   [[nodiscard]] std::string full_name() const;
 
   /// The first space whose full name or plain name is this one, or null.
-  [[nodiscard]] TDMSpace *find_space(const std::string &wanted) const;
+  [[nodiscard]] TDMSpace *find_space(std::string_view wanted) const;
   [[nodiscard]] TDMSpace *find_space_by_id(int64_t id) const;
   /// The first space of exactly this full name, or of exactly this plain name, or null.
-  [[nodiscard]] TDMSpace *find_space_by_full_name(const std::string &full_name) const;
-  [[nodiscard]] TDMSpace *find_space_by_plain_name(const std::string &plain_name) const;
+  [[nodiscard]] TDMSpace *find_space_by_full_name(std::string_view full_name) const;
+  [[nodiscard]] TDMSpace *find_space_by_plain_name(std::string_view plain_name) const;
 
   /// Of the spaces; 0 if none is above it.
   [[nodiscard]] int32_t largest_space_id() const { return largest_space_id_; }
@@ -52,6 +54,7 @@ struct TDMCore : TDMObject {
   void set_copy_table_space(TDMSpace &space, const TDMSourceLocation &place);
 
   std::string name;
+  mutable tdm::KnownNames known_names;
   std::string architecture_name;
   const std::string *processor_name;
   std::vector<int32_t> endianness; ///< enum tdm_endianness, in the order of the text
@@ -66,11 +69,8 @@ struct TDMCore : TDMObject {
   tdm::SectionNames section_names;
 
 private:
-  using SpaceIndex = std::unordered_map<std::string, size_t>;
-
   void check_names() const;
 
-  SpaceIndex by_full_name_;  ///< place of the first space of that full name in `spaces`
-  SpaceIndex by_plain_name_; ///< the same for plain names
+  tdm::NameTable by_name_; ///< place in `spaces` of the first of that full or plain name
   int32_t largest_space_id_ = 0;
 };

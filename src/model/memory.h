@@ -12,6 +12,7 @@
 #include "mapping/interval.h"
 #include "mapping/map_graph.h"
 #include "mapping/mapping.h"
+#include "preprocessor/known_names.h"
 
 class TDMFileMemory;
 
@@ -45,6 +46,7 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   [[nodiscard]] Interval address_range() const;
 
   std::string name;
+  mutable tdm::KnownNames known_names;
   const std::string *processor_name = nullptr; ///< null for a global memory
   int32_t mau_size = 0;                        ///< bits
   int64_t size = 0;                            ///< MAUs

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
+
+#include "model/name_table.h"
 
 namespace tdm {
 
@@ -14,18 +15,21 @@ public:
   template <typename NameOf>
   void build(const std::vector<std::unique_ptr<Object>> &objects, NameOf name_of)
   {
-    by_name_.reserve(objects.size());
-    for (const auto &object : objects) by_name_.emplace(name_of(*object), object.get());
+    objects_ = &objects;
+    places_.reserve(objects.size());
+    uint32_t place = 0;
+    for (const auto &object : objects) places_.add(name_of(*object), place++);
   }
 
-  [[nodiscard]] Object *find(const std::string &name) const
+  [[nodiscard]] Object *find(std::string_view name) const
   {
-    const auto found = by_name_.find(name);
-    return found != by_name_.end() ? found->second : nullptr;
+    const uint32_t place = places_.find(name);
+    return place != NameTable::none ? (*objects_)[place].get() : nullptr;
   }
 
 private:
-  std::unordered_map<std::string, Object *> by_name_;
+  const std::vector<std::unique_ptr<Object>> *objects_ = nullptr;
+  NameTable places_;
 };
 
 } // namespace tdm

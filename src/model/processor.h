@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/tdm_object.h"
@@ -11,6 +12,7 @@
 #include "model/core.h"
 #include "model/memory.h"
 #include "model/name_index.h"
+#include "preprocessor/known_names.h"
 
 class TDMFileCPU;
 class TDMFileDerivative;
@@ -33,12 +35,12 @@ struct TDMProcessor : TDMObject {
   TDMProcessor &operator=(const TDMProcessor &) = delete;
 
   /// The first core of that name, or null.
-  [[nodiscard]] TDMCore *find_core(const std::string &core_name) const
+  [[nodiscard]] TDMCore *find_core(std::string_view core_name) const
   {
     return core_index_.find(core_name);
   }
   /// The first memory of that full name, `<processor>:<memory>`, or null.
-  [[nodiscard]] TDMMemory *find_memory(const std::string &full_name) const
+  [[nodiscard]] TDMMemory *find_memory(std::string_view full_name) const
   {
     return memory_index_.find(full_name);
   }
@@ -47,6 +49,7 @@ struct TDMProcessor : TDMObject {
   void check_names() const;
 
   std::string name;
+  mutable tdm::KnownNames known_names;
   std::string derivative_name;
   std::vector<std::unique_ptr<TDMCore>> cores;
   std::vector<std::unique_ptr<TDMBus>> buses;

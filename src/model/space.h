@@ -23,6 +23,7 @@
 #include "mapping/interval.h"
 #include "mapping/map_graph.h"
 #include "mapping/mapping.h"
+#include "preprocessor/known_names.h"
 
 struct TDMBus;
 struct TDMCore;
@@ -68,6 +69,7 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   [[nodiscard]] const tdm::LayoutSpace &layout_view() const { return view_; }
 
   std::string name;
+  mutable tdm::KnownNames known_names;
   const std::string *core_name = nullptr;
   const std::string *processor_name = nullptr;
   int32_t id = 0;

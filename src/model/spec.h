@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "model/bus.h"
@@ -39,11 +40,11 @@ struct TDMSpec : TDMCloneSpaceRegistry {
   TDMSpec &operator=(const TDMSpec &) = delete;
 
   /// The processor, or the global memory, of that name, or null.
-  [[nodiscard]] TDMProcessor *find_processor(const std::string &name) const
+  [[nodiscard]] TDMProcessor *find_processor(std::string_view name) const
   {
     return processor_index_.find(name);
   }
-  [[nodiscard]] TDMMemory *find_memory(const std::string &name) const
+  [[nodiscard]] TDMMemory *find_memory(std::string_view name) const
   {
     return memory_index_.find(name);
   }

@@ -13,6 +13,8 @@
 
 namespace tdm {
 
+std::uint32_t detail::pool_number = 0;
+
 namespace {
 
 struct Slot {
@@ -25,6 +27,7 @@ struct {
   Slot *slots = nullptr; ///< at least a third of them is free
   std::size_t mask = 0;  ///< their number less one
   std::size_t used = 0;
+  std::uint32_t last_number = 0; ///< of all pools so far
 } pool;
 
 std::uint64_t load(const char *bytes, std::size_t count)
@@ -109,7 +112,10 @@ void grow()
 
 void string_pool_start()
 {
-  if (pool.slots == nullptr) allocate_slots(1024);
+  if (string_pool_started()) return;
+  allocate_slots(1024);
+  if (++pool.last_number == 0) ++pool.last_number;
+  detail::pool_number = pool.last_number;
 }
 
 void string_pool_end()
@@ -118,6 +124,7 @@ void string_pool_end()
   pool.slots = nullptr;
   pool.mask = pool.used = 0;
   pool.arena.clear();
+  detail::pool_number = 0;
 }
 
 bool string_pool_started()

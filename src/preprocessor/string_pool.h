@@ -20,6 +20,17 @@ void string_pool_end();
 
 [[nodiscard]] bool string_pool_started();
 
+namespace detail {
+extern std::uint32_t pool_number;
+}
+
+/// Which pool of the process this is, from 1 on; 0 while there is none. Who keeps a text of the
+/// pool beyond its end finds out by this number.
+[[nodiscard]] inline std::uint32_t string_pool_number()
+{
+  return detail::pool_number;
+}
+
 /// The pool's copy of the text, NUL-terminated; stays valid until string_pool_end. A text that
 /// holds a NUL is kept whole, though a reader of C strings sees its front only. The pool must have
 /// been started.

@@ -377,6 +377,22 @@ static void check_message_kinds(void)
   CHECK(index > 50);
 }
 
+/* A name that has been asked for is asked for again when the texts of then are gone. */
+static void names_of_two_periods(const tdm_spec *spec)
+{
+  const tdm_processor *processor = tdm_spec_get_processor(spec, "cpu1");
+  const tdm_memory *memory = tdm_processor_get_memory(processor, "cpu1:ram1");
+  CHECK_TEXT(tdm_processor_get_name(processor), "cpu1");
+  CHECK_TEXT(tdm_memory_get_full_name(memory), "cpu1:ram1");
+  tdm_cleanup();
+  CHECK(tdm_processor_get_name(processor) == NULL && tdm_memory_get_full_name(memory) == NULL);
+  tdm_init(NULL);
+  CHECK_TEXT(tdm_memory_get_full_name(memory), "cpu1:ram1");
+  CHECK_TEXT(tdm_memory_get_name(memory), "ram1");
+  CHECK_TEXT(tdm_processor_get_name(processor), "cpu1");
+  tdm_cleanup();
+}
+
 static void messages(const char *file)
 {
   const char *files[1], *defines[2] = {"A=1", "B"};
@@ -407,7 +423,7 @@ static void messages(const char *file)
   tdm_init(NULL); /* starts anew, but keeps the texts */
   CHECK(tdm_get_warning_count() == 0 && tdm_inspect_message_count() == 0);
   CHECK_TEXT(warning.text, "macro \"CLOCK\" redefined");
-  tdm_cleanup();
+  names_of_two_periods(spec);
   tdm_spec_free(spec); /* all that is left to do with it */
 }
 

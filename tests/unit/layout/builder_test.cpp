@@ -1,6 +1,7 @@
 // What building a layout or a vector table leaves behind that no caller of the C interface sees:
 // the names that it mentions; and the faults of records that no text gives.
 #include <gtest/gtest.h>
+#include <set>
 
 #include <memory>
 #include <string>
@@ -156,7 +157,7 @@ TEST(BankDef, KindDependsOnTheSwitchAndNumbersAscend)
   EXPECT_STREQ(single->kind_name(), "jstub");
   EXPECT_EQ(single->name, "c:k:s:bank");
   for (const int32_t bank : {3, 1, 2}) single->add_bank(bank, {});
-  EXPECT_EQ(single->banks, (std::vector<int32_t>{1, 2, 3}));
+  EXPECT_EQ(single->banks, (std::set<int32_t>{1, 2, 3}));
   record.switchTemplate = "t";
   EXPECT_STREQ(make_bank_def(record, "s", "c:k:s")->kind_name(), "bar");
 }

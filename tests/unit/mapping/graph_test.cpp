@@ -253,18 +253,31 @@ TEST(Walk, ADiamondIsWalkedOnce)
   EXPECT_EQ(tdm::map_back_to(NodeKind::space, memory, span(2, 4)).size(), 2u);
 }
 
-TEST(Walk, LongListsAnswerLikeShortOnes)
+/// A list of mappings of one node in the order of their number.
+using Listed = MapEntry (*)(int number, std::mt19937_64 &random);
+
+MapEntry scattered(int number, std::mt19937_64 &random)
 {
-  std::mt19937_64 random = seeded_random();
+  MapEntry entry = entry_of(int64_t(random() % 1000), int64_t(random() % 1000),
+                            int64_t(random() % (number % 50 == 0 ? 900 : 8)));
+  entry.bank = number % 7 == 0 ? 0 : -1;
+  return entry;
+}
+
+/// Each lies in the one before: most that begin in front of a value have ended in front of it too.
+MapEntry nested(int number, std::mt19937_64 &random)
+{
+  MapEntry entry = entry_of(number, number, 2 * (500 - number) + int64_t(random() % 3));
+  entry.bank = number % 3 == 0 ? 0 : -1;
+  return entry;
+}
+
+void check_long_list(Listed listed, std::mt19937_64 &random)
+{
   TestNode bus(8);
   TestMemory memory(8);
   TestGraph graph;
-  for (int i = 0; i < 500; ++i) {
-    MapEntry entry = entry_of(int64_t(random() % 1000), int64_t(random() % 1000),
-                              int64_t(random() % (i % 50 == 0 ? 900 : 8)));
-    entry.bank = i % 7 == 0 ? 0 : -1;
-    graph.link(bus, memory, entry);
-  }
+  for (int i = 0; i < 500; ++i) graph.link(bus, memory, listed(i, random));
   const auto check = [&](const Interval &value) {
     std::string expected_forward, expected_backward;
     Interval out;
@@ -288,6 +301,13 @@ TEST(Walk, LongListsAnswerLikeShortOnes)
     // A list that has grown is indexed anew.
     if (i == 100) graph.link(bus, memory, entry_of(0, 0, 1000));
   }
+}
+
+TEST(Walk, LongListsAnswerLikeShortOnes)
+{
+  std::mt19937_64 random = seeded_random();
+  check_long_list(scattered, random);
+  check_long_list(nested, random);
 }
 
 /// A chain of 100,000 buses, each linked both ways.

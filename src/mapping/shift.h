@@ -1,0 +1,107 @@
+// The short way across a mapping that only moves by a distance (TDMMapping::is_shift), for values
+// that need no more than that. It gives what the long way of translation.cpp gives, and stands
+// here so that walks can take it without a call.
+#pragma once
+
+#include "mapping/mapping.h"
+
+namespace tdm {
+
+enum class MapDirection : uint8_t { forward, backward };
+
+/// The bank on the far side: the one selected there; none if the near side took one; else as it
+/// was.
+[[nodiscard]] inline int32_t far_bank(int32_t near_bank, int32_t selected, int32_t given)
+{
+  if (selected >= 0) return selected;
+  return near_bank >= 0 ? -1 : given;
+}
+
+/// Whether the short way can take the value. It is left to the long way to refuse units and to put
+/// up with bits beyond a unit.
+[[nodiscard]] inline bool is_plain(const TDMMapping &mapping, const AddressValue &address)
+{
+  return mapping.is_shift() && address.mau == mapping.source_interval().low.mau &&
+         address.bits >= 0 && address.bits < address.mau && address.bank >= -1;
+}
+
+/// The same for a span, which mustn't be empty. The mask of such a mapping is that of all lines.
+[[nodiscard]] inline bool is_plain(const TDMMapping &mapping, const Interval &interval)
+{
+  const Interval::Pattern &mask = interval.pattern;
+  const Interval::Pattern &all = mapping.source_interval().pattern;
+  return is_plain(mapping, interval.low) && is_plain(mapping, interval.high) &&
+         interval.low.bank == interval.high.bank && !interval.is_empty() &&
+         ((mask.width == 1 && mask.bits == 1) ||
+          (mask.width == all.width && mask.bits == all.bits));
+}
+
+/// One end of a mapping, as the short way needs it.
+struct ShiftEnd {
+  int64_t offset;
+  int32_t bank;
+};
+
+[[nodiscard]] inline ShiftEnd near_end(MapDirection direction, const TDMMapping &mapping)
+{
+  return direction == MapDirection::forward ? ShiftEnd{mapping.src_offset, mapping.bank}
+                                            : ShiftEnd{mapping.dest_offset, mapping.dest_bank};
+}
+
+[[nodiscard]] inline ShiftEnd far_end(MapDirection direction, const TDMMapping &mapping)
+{
+  return near_end(
+      direction == MapDirection::forward ? MapDirection::backward : MapDirection::forward, mapping);
+}
+
+/// Takes a plain address across; false, and `out` as it was, if the mapping doesn't carry it.
+[[nodiscard]] inline bool shift(MapDirection direction, const TDMMapping &mapping,
+                                const AddressValue &address, AddressValue &out)
+{
+  const ShiftEnd near = near_end(direction, mapping);
+  const ShiftEnd far = far_end(direction, mapping);
+  const int64_t distance = wrap_sub(address.value, near.offset);
+  if (static_cast<uint64_t>(distance) >= static_cast<uint64_t>(mapping.size)) return false;
+  if (near.bank >= 0 && near.bank != address.bank) return false;
+  out = AddressValue(far.offset + distance, address.bits, address.mau,
+                     far_bank(near.bank, far.bank, address.bank));
+  return true;
+}
+
+/// Clips a plain span to the mapping and takes it across; as above.
+[[nodiscard]] inline bool shift(MapDirection direction, const TDMMapping &mapping,
+                                const Interval &interval, Interval &out)
+{
+  const ShiftEnd near = near_end(direction, mapping);
+  const ShiftEnd far = far_end(direction, mapping);
+  const int64_t near_high = near.offset + mapping.size;
+  const AddressValue &low = interval.low;
+  const AddressValue &high = interval.high;
+  // Without a bank of its own at either end a mapping lies in that of the span.
+  if (low.bank != near.bank && (near.bank >= 0 || far.bank >= 0)) return false;
+  if (low.value >= near_high || high.value < near.offset) return false;
+  if (high.value == near.offset && high.bits == 0) return false;
+  const int16_t mau = low.mau;
+  const int32_t bank = far_bank(near.bank, far.bank, low.bank);
+  const AddressValue begin =
+      low.value < near.offset
+          ? AddressValue(far.offset, 0, mau, bank)
+          : AddressValue(far.offset + (low.value - near.offset), low.bits, mau, bank);
+  const AddressValue end =
+      high.value >= near_high
+          ? AddressValue(far.offset + mapping.size, 0, mau, bank)
+          : AddressValue(far.offset + (high.value - near.offset), high.bits, mau, bank);
+  out.low = begin;
+  out.high = end;
+  out.pattern = mapping.source_interval().pattern;
+  if (direction == MapDirection::forward) {
+    out.priority = wrap_add(interval.priority, mapping.priority);
+    out.exec_priority = wrap_add(interval.exec_priority, mapping.exec_priority);
+  } else {
+    out.priority = wrap_sub(interval.priority, mapping.priority);
+    out.exec_priority = wrap_sub(interval.exec_priority, mapping.exec_priority);
+  }
+  return true;
+}
+
+} // namespace tdm
