@@ -1,6 +1,8 @@
 // The records, and the search for the one that a position belongs to.
 #include "preprocessor/source_files.h"
 
+#include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace tdm {
@@ -15,6 +17,7 @@ struct Renaming {
 struct {
   std::vector<SourceFile> files;
   std::vector<Renaming> renamings;
+  std::unordered_set<const char *> names; ///< of all files that have been opened, once each
   std::size_t main_files_left = 0;
   tdm_srcpos include = {};
   std::int32_t depth_limit = 0;
@@ -42,8 +45,14 @@ std::int32_t better(std::int32_t found, std::int32_t index, std::uint32_t line)
 
 std::size_t source_files_limit = 1 << 16;
 
+std::size_t source_files_allowed()
+{
+  return std::max(source_files_limit, state.names.size() * (source_files_limit / 1024));
+}
+
 void source_files_start(std::size_t main_files)
 {
+  state.names.clear();
   state.files.assign(main_files, {});
   state.renamings.clear();
   state.main_files_left = main_files;
@@ -58,6 +67,7 @@ void source_files_end()
 
 std::int32_t source_file_opened(const char *name, std::int32_t includer)
 {
+  state.names.insert(name);
   if (includer < 0 && state.main_files_left > 0) {
     SourceFile &file = state.files[--state.main_files_left];
     file.name = name;

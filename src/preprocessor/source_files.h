@@ -57,8 +57,12 @@ void source_file_skips(std::int32_t index, std::uint32_t line, bool skips);
 void source_files_limit_depth(std::int32_t depth);
 [[nodiscard]] std::int32_t source_files_depth_limit();
 
-/// Files that include themselves twice would multiply for ever: so many may be opened for an input.
-/// Only tests that want to be quick set a lower number.
+/// Files that include themselves twice would multiply for ever: so many may be opened for an input,
+/// or a thousandth of that (64) for each file that there is, if that is more. Only tests that want
+/// to be quick set a lower number.
 extern std::size_t source_files_limit;
+
+/// How many files may be opened for the input as far as it is known.
+[[nodiscard]] std::size_t source_files_allowed();
 
 } // namespace tdm
