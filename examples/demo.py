@@ -56,13 +56,18 @@ def sections(name):
     return found
 
 
+def in_bank(place):
+    """The bank of an address or range as it stands in front of it."""
+    return "" if place["bank"] is None else f"{place['bank']}:"
+
+
 def where(selection):
     """The innermost location around a selection, written as the lists of sections write it."""
     for item in reversed(selection["within"]):
         if "address" in item:
-            return f"0x{item['address']:X}"
+            return f"{in_bank(item)}0x{item['address']:X}"
         if "ranges" in item:
-            return "|".join(f"0x{r['low']:X}..0x{r['high']:X}" for r in item["ranges"])
+            return "|".join(f"{in_bank(r)}0x{r['low']:X}..0x{r['high']:X}" for r in item["ranges"])
     return "anywhere"
 
 

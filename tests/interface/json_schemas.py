@@ -21,7 +21,7 @@ sys.dont_write_bytecode = True
 from show_json import innermost, variants  # pylint: disable=wrong-import-position
 
 # What a group, a selection or a route doesn't always have.
-OPTIONAL = {"name", "address", "ranges", "align", "also"}
+OPTIONAL = {"name", "address", "bank", "ranges", "align", "also"}
 
 SECTIONS = """.text rx
 .text.main rx

@@ -2,8 +2,10 @@
 
 #include <utility>
 
+#include "address.h"
 #include "format.h"
 #include "group_text.h"
+#include "location_banks.h"
 #include "object_text.h"
 #include "outline_json.h"
 #include "session.h"
@@ -52,11 +54,6 @@ const char *direction_phrase(int direction)
 std::string with_word(const char *word, const std::string &text)
 {
   return text.empty() ? "" : std::string(word) + " " + text;
-}
-
-std::string span_text(const Range &range)
-{
-  return hex(range.low) + ".." + hex(range.high);
 }
 
 } // namespace
@@ -314,6 +311,7 @@ Item ItemReader::of(const tdm_group *group, const tdm_statement_env *outer,
     item.facts.push_back(phrase(location_text(location, resolved, record.is_run_address != 0)));
     const bool is_address = tdm_group_location_is_address(location) != 0;
     item.facts.push_back({is_address ? "address" : "ranges", std::move(resolved.value), false});
+    if (is_address) item.facts.push_back({"bank", Bank{resolved.bank}, false});
   }
   add_alignment(item, outer, inner);
   Facts rules;
@@ -346,23 +344,28 @@ ItemReader::Resolved ItemReader::resolve(const tdm_group_location *location)
   if (tdm_group_location_is_address(location) == 0) return resolve_ranges(location);
   Value address = ask<Address>(tdm_group_location_get_address, location, nullptr);
   const auto *known = std::get_if<Address>(&address);
-  std::string text = known != nullptr ? hex(known->value) : "?";
-  return {std::move(address), std::move(text)};
+  if (known == nullptr) return {std::move(address), "?"};
+  const int32_t bank = quietly([&] { return bank_of_address(location, known->value); });
+  std::string text = address_text({known->value, 0, mau_, bank});
+  return {std::move(address), std::move(text), bank};
 }
 
 ItemReader::Resolved ItemReader::resolve_ranges(const tdm_group_location *location)
 {
-  std::vector<Range> ranges;
-  std::string text;
+  std::vector<BankedRange> ranges;
   const bool known = succeeds([&] {
     const int count = tdm_group_location_count_ranges(location);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
       ranges.push_back({tdm_group_location_get_range_start(location, i),
                         tdm_group_location_get_range_end(location, i)});
-      text += (i > 0 ? " | " : "") + span_text(ranges.back());
-    }
   });
   if (!known) return {Unknown{}, "?"};
+  quietly([&] {
+    set_banks(location, ranges);
+    return 0;
+  });
+  std::string text;
+  for (const BankedRange &range : ranges) text += (text.empty() ? "" : " | ") + range_text(range);
   return {std::move(ranges), std::move(text)};
 }
 
@@ -407,8 +410,10 @@ Json ItemReader::rules_of(const tdm_statement_env *env)
   Json location = nullptr;
   if (record.location != nullptr) {
     const bool is_address = tdm_group_location_is_address(record.location) != 0;
-    location = {{"address", nullptr}, {"ranges", nullptr}};
-    location[is_address ? "address" : "ranges"] = json_value(resolve(record.location).value);
+    const Resolved resolved = resolve(record.location);
+    location = {
+        {"address", nullptr}, {"bank", json_value(Bank{resolved.bank})}, {"ranges", nullptr}};
+    location[is_address ? "address" : "ranges"] = json_value(resolved.value);
   }
   return quietly([&]() -> Json {
     return {{"contiguous", record.contiguous != 0},

@@ -3,6 +3,7 @@
 // walk.
 #pragma once
 
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>
@@ -71,8 +72,9 @@ public:
 private:
   /// Where a location leads to in the space.
   struct Resolved {
-    Value value;      ///< an address or ranges
-    std::string text; ///< the same, as people have it; "?" if it leads nowhere
+    Value value;       ///< an address or ranges
+    std::string text;  ///< the same, as people have it; "?" if it leads nowhere
+    int32_t bank = -1; ///< of an address; -1 for none
   };
 
   /// What the getter says, as a value of that kind, or else how the text has it.

@@ -66,6 +66,15 @@ struct Address {
 struct Range {
   int64_t low, high;
 };
+/// A range in a bank of the space.
+struct BankedRange {
+  int64_t low, high;
+  int32_t bank = -1; ///< -1 for none
+};
+/// -1 for none.
+struct Bank {
+  int32_t number;
+};
 struct Vectors {
   int64_t number;
 };
@@ -83,8 +92,8 @@ struct Question {
   bool answer;
 };
 /// A flag that is false is left out in text.
-using Value = std::variant<Unknown, bool, std::string, Size, Alignment, Address, Range, Vectors,
-                           Count, Phrase, std::vector<Range>, std::vector<Question>>;
+using Value = std::variant<Unknown, bool, std::string, Size, Alignment, Address, Range, Bank,
+                           Vectors, Count, Phrase, std::vector<BankedRange>, std::vector<Question>>;
 
 struct Fact {
   const char *key; ///< of a phrase: ""

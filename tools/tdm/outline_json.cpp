@@ -17,12 +17,15 @@ struct FactJson {
   Json operator()(Alignment alignment) const { return alignment.units; }
   Json operator()(Address address) const { return address.value; }
   Json operator()(const Range &range) const { return {{"low", range.low}, {"high", range.high}}; }
+  Json operator()(Bank bank) const { return bank.number >= 0 ? Json(bank.number) : Json(nullptr); }
   Json operator()(Vectors vectors) const { return vectors.number; }
   Json operator()(Count count) const { return count.number; }
-  Json operator()(const std::vector<Range> &ranges) const
+  Json operator()(const std::vector<BankedRange> &ranges) const
   {
     Json list = Json::array();
-    for (const Range &range : ranges) list.push_back((*this)(range));
+    for (const BankedRange &range : ranges)
+      list.push_back(
+          {{"low", range.low}, {"high", range.high}, {"bank", (*this)(Bank{range.bank})}});
     return list;
   }
   Json operator()(const std::vector<Question> &questions) const

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "format.h"
+#include "location_banks.h"
 #include "session.h"
 
 namespace tool {
@@ -48,11 +49,15 @@ public:
   std::string operator()(const Range &range) const { return text_of(range); }
   std::string operator()(Vectors vectors) const { return quantity(vectors.number, "vector"); }
   std::string operator()(Count count) const { return key_ + " " + std::to_string(count.number); }
-  std::string operator()(const std::vector<Range> &ranges) const
+  std::string operator()(Bank bank) const
+  {
+    return bank.number >= 0 ? key_ + " " + std::to_string(bank.number) : "";
+  }
+  std::string operator()(const std::vector<BankedRange> &ranges) const
   {
     std::string text = key_;
-    for (const Range &range : ranges)
-      text += (&range == &ranges.front() ? " " : " | ") + text_of(range);
+    for (const BankedRange &range : ranges)
+      text += (&range == &ranges.front() ? " " : " | ") + range_text(range);
     return text;
   }
   std::string operator()(const Phrase &phrase) const { return phrase.text; }
