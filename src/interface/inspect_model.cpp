@@ -1,6 +1,7 @@
 // The additive readers of specs, processors, cores and memories.
 #include "interface/inspect_lists.h"
 #include "interface/tdm_inspect_model.h"
+#include "model/processor_parameters.h"
 #include "model/spec.h"
 
 #include <algorithm>
@@ -23,6 +24,17 @@ tdm_arr *tdm_inspect_spec_clone_spaces(const tdm_spec *spec)
 tdm_arr *tdm_inspect_processor_buses(const tdm_processor *processor)
 {
   return tdm::handle_list(processor->buses);
+}
+
+tdm_arr *tdm_inspect_processor_parameters(const tdm_processor *processor)
+{
+  return guarded_array<tdm_inspect_parameter>([&] {
+    return tdm::array_of(tdm::parameter_meanings(*processor),
+                         [](const tdm::ParameterMeaning &meaning) -> tdm_inspect_parameter {
+                           return {tdm::text_result(*meaning.name), tdm::text_result(meaning.text),
+                                   meaning.value.value_or(0), meaning.value ? 1 : 0};
+                         });
+  });
 }
 
 tdm_arr *tdm_inspect_core_buses(const tdm_core *core)

@@ -69,6 +69,8 @@ static_assert(sizeof(tdm_inspect_message_kind) == 24 &&
 
 // Of the records of the additive readers, whose fields stand side by side in their natural layout,
 // the sizes and one place behind all padding are enough.
+static_assert(sizeof(tdm_inspect_parameter) == 32 &&
+              offsetof(tdm_inspect_parameter, is_known) == 24);
 static_assert(sizeof(tdm_inspect_required_symbol) == 16);
 static_assert(sizeof(tdm_inspect_mapping) == 240 &&
               offsetof(tdm_inspect_mapping, source_interval) == 96);

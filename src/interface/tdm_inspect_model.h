@@ -45,6 +45,25 @@ TDM_API tdm_arr *tdm_inspect_spec_clone_spaces(const tdm_spec *spec);
 /** The buses of a processor, without those of its cores. @return a new array of `tdm_bus *`. */
 TDM_API tdm_arr *tdm_inspect_processor_buses(const tdm_processor *processor);
 
+/** A parameter of a processor's derivative, with the argument of the processor or the default. */
+typedef struct tdm_inspect_parameter {
+  const char *name; /**< never null */
+  const char *text; /**< as tdm_inspect_expression_text() writes it, other parameters replaced by
+                         what they mean; null where that can't be told: it names a memory, which
+                         means something in a space only, or what there isn't, or itself */
+  int64_t value;    /**< what the text comes to; 0 if that isn't known */
+  int32_t is_known; /**< 1 if it is; 0 without a text, for what only a link can tell, and where the
+                         evaluation fails */
+} tdm_inspect_parameter;
+
+/**
+ * The parameters that the derivative of a processor has itself, not those of its bases. One that
+ * can't be told is no failure: nothing in the description has to use it.
+ *
+ * @return a new array of tdm_inspect_parameter, in the order of the definition, each name once
+ */
+TDM_API tdm_arr *tdm_inspect_processor_parameters(const tdm_processor *processor);
+
 /** The buses of a core, those of a derived architecture first. @return a new array of `tdm_bus *`.
  */
 TDM_API tdm_arr *tdm_inspect_core_buses(const tdm_core *core);

@@ -1,6 +1,7 @@
 // Instantiates the chain of derivatives of a processor.
 #include "model/processor.h"
 
+#include <string_view>
 #include <unordered_set>
 
 #include "language/records.h"
@@ -226,6 +227,9 @@ void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
   instance.resolve();
   instance.add_section_items(registry);
   parameters = instance.take_parameters();
+  std::unordered_set<std::string_view> seen;
+  for (const tdm::FileParameter &parameter : derivative.parameters)
+    if (seen.insert(parameter.name).second) parameter_names.push_back(parameter.name);
   for (const auto &core : cores) core->check();
 }
 

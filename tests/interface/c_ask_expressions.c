@@ -290,6 +290,23 @@ static tdm_space *space_of(const tdm_spec *spec, const char *name)
   return space;
 }
 
+/* "name=text:value, " of each, "?" for what isn't known */
+static void put_parameters(const tdm_spec *spec, const char *processor)
+{
+  tdm_arr *list = tdm_inspect_processor_parameters(tdm_spec_get_processor(spec, processor));
+  uint32_t i;
+  for (i = 0; i < list->count; ++i) {
+    const tdm_inspect_parameter *one = (const tdm_inspect_parameter *)list->items + i;
+    put("%s=%s:", one->name, one->text != NULL ? one->text : "?");
+    if (one->is_known)
+      put("%" PRId64 ", ", one->value);
+    else
+      put("?, ");
+    CHECK(one->is_known || one->value == 0);
+  }
+  tdm_arr_del(list);
+}
+
 static void ask_texts(void)
 {
   tdm_spec *spec, *other;
@@ -297,7 +314,7 @@ static void ask_texts(void)
   tdm_expression *kept;
   tdm_inspect_quantity quantity = {7, 7};
   size_t i;
-  int64_t value = 0;
+  int64_t value = 0, failed;
   tdm_init(NULL);
   spec = tdm_parse_file(one_file("expression_scope.tdm"), &no_texts);
   other = tdm_parse_file(one_file("expressions.tdm"), &no_texts);
@@ -308,6 +325,14 @@ static void ask_texts(void)
     check_text_row(&text_rows[i], spec, space);
   check_extents(spec, space);
   check_quantities(spec, space);
+  failed = tdm_inspect_failure_count();
+  put_parameters(spec, "chip");
+  CHECK_PUT("count=3:3, next=3 + 1:4, ");
+  put_parameters(spec, "odd");
+  CHECK_PUT("used=2 * (3 + 1):8, count=7:7, used_twice=2:2, far=sizeof(sect:\"a\") + 7:?, "
+            "division=7 / (2 * (3 + 1) - 2 * (3 + 1)):?, held=?:?, missing=?:?, round=?:?, "
+            "around=?:?, ");
+  CHECK(tdm_inspect_failure_count() == failed);
   CHECK(tdm_inspect_parse_expression(other, space, "1", &quantity) == NULL);
   CHECK_TEXT(tdm_get_last_error(), "the space is none of this description");
   CHECK(quantity.kind == 7 && quantity.mau_size == 7);

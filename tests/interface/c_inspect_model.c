@@ -26,6 +26,11 @@ static const field required_symbol_fields[] = {FIELD(tdm_inspect_required_symbol
                                                FIELD(tdm_inspect_required_symbol, count, LONG),
                                                FIELDS_END};
 
+static const field parameter_fields[] = {FIELD(tdm_inspect_parameter, name, TEXT),
+                                         FIELD(tdm_inspect_parameter, text, TEXT),
+                                         FIELD(tdm_inspect_parameter, value, LONG),
+                                         FIELD(tdm_inspect_parameter, is_known, INT), FIELDS_END};
+
 static const field start_address_fields[] = {FIELD(tdm_inspect_start_address, symbol, TEXT),
                                              FIELD(tdm_inspect_start_address, address, EXPRESSION),
                                              FIELD(tdm_inspect_start_address, bank, INT),
@@ -261,6 +266,7 @@ static void inspect_processor(void *handle)
   put_positions(TDM_OBJECT_PROCESSOR, handle);
   end();
   indent(2);
+  put_list("parameters", tdm_inspect_processor_parameters(handle), parameter_fields);
   each(tdm_inspect_processor_buses(handle), inspect_bus);
   each(tdm_processor_get_memories(handle), inspect_memory);
   each(tdm_processor_get_cores(handle), inspect_core);

@@ -19,6 +19,8 @@ RAM = "processors[0].memories[0]"
 
 VALUES = {
     "processors[0].buses[0].outgoing": [10, 12],
+    "processors[0].parameters": [{"name": "kib", "text": "1024", "value": 1024},
+                                 {"name": "half", "text": "1024 / 2", "value": 512}],
     CORE + ".imports": ["cpu1:cor2"],
     CORE + ".symbols.assigned": ["a", "b"],
     CORE + ".symbols.required": [{"name": "reset"}, {"prefix": "_v", "count": 2}],

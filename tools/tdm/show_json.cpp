@@ -46,9 +46,21 @@ private:
                        {{"name", json_text(tdm_processor_get_name(processor))},
                         {"derivative", json_text(tdm_processor_get_derivative_name(processor))},
                         {"location", of(tdm_processor_get_source_location(processor))},
+                        {"parameters", parameters_of(processor)},
                         {"cores", cores},
                         {"buses", buses(tdm_inspect_processor_buses(processor))},
                         {"memories", memories(tdm_processor_get_memories(processor))}});
+  }
+
+  [[nodiscard]] static Json parameters_of(const tdm_processor *processor)
+  {
+    return json_list<tdm_inspect_parameter>(
+        tdm_inspect_processor_parameters(processor),
+        [](const tdm_inspect_parameter &parameter) -> Json {
+          return {{"name", json_text(parameter.name)},
+                  {"text", json_text(parameter.text)},
+                  {"value", parameter.is_known != 0 ? Json(parameter.value) : Json(nullptr)}};
+        });
   }
 
   [[nodiscard]] Json buses(tdm_arr *arr) const
