@@ -293,6 +293,14 @@ const TDMInputRecord *reading_file()
 
 void input_push_file(int handle, const char *name, char *buffer, std::size_t length, bool exhausted)
 {
+  std::int32_t source = -1;
+  try {
+    source = source_file_opened(name, reading_source());
+  } catch (...) { // no memory: nobody else has the file yet
+    std::free(buffer);
+    input_close_handle(handle);
+    throw;
+  }
   TDMInputRecord *record = new_record(TDMInputRecord::file);
   record->file_name = record->presumed_name = name;
   record->handle = handle;
@@ -302,7 +310,7 @@ void input_push_file(int handle, const char *name, char *buffer, std::size_t len
   *end = 0;
   record->end = end;
   record->exhausted = exhausted;
-  record->source = source_file_opened(name, reading_source());
+  record->source = source;
   push_record(record);
 }
 
