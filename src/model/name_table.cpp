@@ -15,7 +15,7 @@ void NameTable::reserve(size_t count)
 void NameTable::add(std::string_view name, uint32_t place)
 {
   reserve(count_ + 1);
-  const uint32_t hash = text_hash(name);
+  const auto hash = static_cast<uint32_t>(text_hash(name));
   Slot &slot = slots_[slot_of(name, hash)];
   if (slot.place != none) return;
   if (texts_.size() + name.size() > UINT32_MAX) throw std::bad_alloc();

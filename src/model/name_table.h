@@ -29,7 +29,10 @@ public:
     if (slots_.empty()) return none;
     return slots_[slot_of(name, hash)].place;
   }
-  [[nodiscard]] uint32_t find(std::string_view name) const { return find(name, text_hash(name)); }
+  [[nodiscard]] uint32_t find(std::string_view name) const
+  {
+    return find(name, static_cast<uint32_t>(text_hash(name)));
+  }
 
 private:
   struct Slot {

@@ -18,7 +18,7 @@ import tempfile
 from pathlib import Path
 
 sys.dont_write_bytecode = True
-from show_json import innermost, variants  # pylint: disable=wrong-import-position
+from show_json import innermost, open_objects, variants  # pylint: disable=wrong-import-position
 
 # What a group, a selection or a route doesn't always have.
 OPTIONAL = {"name", "address", "bank", "ranges", "align", "also"}
@@ -47,20 +47,6 @@ BROKEN = {
 
 EXPRESSIONS = ["1 + 2", "-9223372036854775807 - 1", '"sym" + sizeof(sect:".text")',
                'addressof(group:grp) + addressof(sect:"a")', 'exists(".text") && defined("sym")']
-
-
-def open_objects(schema, path="schema"):
-    """Objects of the schema that take any key, or can do without one that isn't optional."""
-    if isinstance(schema, dict):
-        if "properties" in schema:
-            left_out = set(schema["properties"]) - set(schema.get("required", []))
-            if schema.get("additionalProperties") is not False or left_out - OPTIONAL:
-                yield f"{path}: takes more or less than it says: {sorted(left_out)}"
-        for key, inner in schema.items():
-            yield from open_objects(inner, f"{path}.{key}")
-    elif isinstance(schema, list):
-        for index, inner in enumerate(schema):
-            yield from open_objects(inner, f"{path}[{index}]")
 
 
 class Tool:
@@ -123,7 +109,7 @@ def faults(tdm, root):
     schemas = {verb: json.loads((root / f"tools/tdm/{verb}.schema.json").read_text("utf-8"))
                for verb in ("check", "eval", "layout", "map", "select")}
     for verb, schema in schemas.items():
-        for fault in open_objects(schema):
+        for fault in open_objects(schema, OPTIONAL):
             yield f"{verb}: {fault}"
     try:
         import jsonschema  # pylint: disable=import-outside-toplevel

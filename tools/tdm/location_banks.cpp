@@ -26,16 +26,41 @@ std::optional<int64_t> value_of(const tdm_expression *expression, int64_t otherw
   return value;
 }
 
+tdm_interval as_interval(const tdm_interval &at)
+{
+  return at;
+}
+tdm_interval as_interval(const tdm_addressvalue &at)
+{
+  return {at, at, 1, 1, 0, 0};
+}
+
+const tdm_interval &place_of(const tdm_map_interval_result &result)
+{
+  return result.interval;
+}
+const tdm_addressvalue &place_of(const tdm_map_address_result &result)
+{
+  return result.address;
+}
+
+/// Those of the results that lie in the space.
+template <class Result>
+std::vector<tdm_interval> places_of(const tdm_space *space, tdm_arr *results)
+{
+  std::vector<tdm_interval> places;
+  for (const auto &result : take_elements<Result>(results))
+    if (tdm_mapsource_get_space(static_cast<tdm_mapsource *>(result.object)) == space)
+      places.push_back(as_interval(place_of(result)));
+  return places;
+}
+
 std::vector<tdm_interval> shown_in(const tdm_space *space, const tdm_mapdestination *from,
                                    const tdm_interval &at)
 {
   tdm_arr *results = nullptr;
   tdm_inspect_mapdestination_map_interval_backward_to_space(from, &at, &results);
-  std::vector<tdm_interval> places;
-  for (const auto &result : take_elements<tdm_map_interval_result>(results))
-    if (tdm_mapsource_get_space(static_cast<tdm_mapsource *>(result.object)) == space)
-      places.push_back(result.interval);
-  return places;
+  return places_of<tdm_map_interval_result>(space, results);
 }
 
 std::vector<tdm_interval> shown_in(const tdm_space *space, const tdm_mapdestination *from,
@@ -43,11 +68,7 @@ std::vector<tdm_interval> shown_in(const tdm_space *space, const tdm_mapdestinat
 {
   tdm_arr *results = nullptr;
   tdm_inspect_mapdestination_map_addressvalue_backward_to_space(from, &at, &results);
-  std::vector<tdm_interval> places;
-  for (const auto &result : take_elements<tdm_map_address_result>(results))
-    if (tdm_mapsource_get_space(static_cast<tdm_mapsource *>(result.object)) == space)
-      places.push_back({result.address, result.address, 1, 1, 0, 0});
-  return places;
+  return places_of<tdm_map_address_result>(space, results);
 }
 
 bool cross_back(const tdm_mapping *mapping, const tdm_interval &at, tdm_interval &out)
@@ -58,15 +79,6 @@ bool cross_back(const tdm_mapping *mapping, const tdm_interval &at, tdm_interval
 bool cross_back(const tdm_mapping *mapping, const tdm_addressvalue &at, tdm_addressvalue &out)
 {
   return tdm_inspect_mapping_map_addressvalue_backward(mapping, &at, &out) != 0;
-}
-
-tdm_interval as_interval(const tdm_interval &at)
-{
-  return at;
-}
-tdm_interval as_interval(const tdm_addressvalue &at)
-{
-  return {at, at, 1, 1, 0, 0};
 }
 
 /// Where a place in a memory shows up in the space, through the mapping if one is named.
