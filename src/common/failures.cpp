@@ -18,7 +18,7 @@ std::string positioned(const std::string &file, int line, int column, const std:
 
 std::string positioned(const TDMSourceLocation &at, const std::string &rest)
 {
-  return positioned(at.file, at.line, at.column, rest);
+  return positioned(at.file.text(), at.line, at.column, rest);
 }
 
 } // namespace
@@ -32,7 +32,7 @@ TDMFileSyntaxError::TDMFileSyntaxError(const std::string &file, int line, int co
 }
 
 TDMSyntaxException::TDMSyntaxException(const TDMSourceLocation &location, const std::string &text)
-    : TDMFileSyntaxError(location.file, location.line, location.column, text)
+    : TDMFileSyntaxError(location.file.text(), location.line, location.column, text)
 {
 }
 

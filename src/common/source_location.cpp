@@ -1,74 +1,124 @@
-// Lists of locations: their memory, and the index of the long ones.
+// Lists of locations: their memory, and the index of the long ones; and what the numbers stand for
+// that locations keep in place of texts.
 #include "common/source_location.h"
 
 #include <algorithm>
+#include <bit>
 #include <new>
-#include <utility>
 
 #include "common/block_pool.h"
+#include "common/text_numbers.h"
 
 namespace {
 
-// Numbers and names in expressions have one key, most other records a few, and some ten.
+/// What there is no constant for: names of files, and keys that the user's text gives.
+struct {
+  tdm::TextNumbers files; ///< counted from 1; 0 is the empty name
+  tdm::TextNumbers keys;  ///< counted from the last known word on
+} texts;
+
+constexpr auto known_keys = static_cast<std::uint32_t>(tdm::location_keys.size());
+
+} // namespace
+
+FileName::FileName(const char *text)
+{
+  if (*text != '\0') number_ = texts.files.add(text) + 1;
+}
+
+const char *FileName::text() const
+{
+  return number_ == 0 || number_ > texts.files.size() ? "" : texts.files.text(number_ - 1);
+}
+
+LocationKey LocationKey::of(const char *text)
+{
+  const LocationKey known = find(text);
+  if (known != LocationKey()) return known;
+  return LocationKey(texts.keys.add(text) + known_keys + 1);
+}
+
+LocationKey LocationKey::find(const char *text)
+{
+  if (const std::uint32_t known = tdm::find_location_key(text); known != 0)
+    return LocationKey(known);
+  const std::uint32_t number = texts.keys.find(text);
+  return number == tdm::TextNumbers::none ? LocationKey() : LocationKey(number + known_keys + 1);
+}
+
+const char *LocationKey::text() const
+{
+  if (number_ == 0) return "";
+  if (number_ <= known_keys) return tdm::location_keys[number_ - 1].data();
+  return texts.keys.text(number_ - known_keys - 1);
+}
+
+void tdm::forget_location_texts()
+{
+  texts = {};
+}
+
+namespace {
+
+// One less than a power of two, as the head takes the room of an entry: most records that have more
+// than one key have a few, and some ten. What is long enough for an index gives it twice that
+// power.
 constexpr std::uint32_t capacity_above(std::uint32_t count)
 {
-  if (count < 4) return 4;
-  return count < 8 ? 8 : count * 2;
+  return std::bit_ceil(count + 2) - 1;
 }
 
 } // namespace
 
-void SourceLocations::reserve(std::uint32_t capacity)
+std::size_t SourceLocations::block_size(std::uint32_t capacity)
 {
-  if (list_ != nullptr) return;
-  void *memory = tdm::pool_allocate(sizeof(List) + capacity * sizeof(Entry));
-  list_ = new (memory) List{1, 0, capacity, 0, 0, nullptr};
+  const std::size_t size = sizeof(List) + capacity * sizeof(Entry);
+  return capacity <= flat_limit ? size : size + (capacity + 1) * 2 * sizeof(std::uint32_t);
+}
+
+SourceLocations::List *SourceLocations::make_list(std::uint32_t capacity)
+{
+  void *memory = tdm::pool_allocate(block_size(capacity));
+  return new (memory) List{1, 0, capacity, 0};
 }
 
 // Makes room for one more entry behind those that there are, in a list of this object's own.
 void SourceLocations::renew()
 {
-  SourceLocations next;
-  next.reserve(capacity_above(list_->count));
-  next.list_->count = list_->count;
-  std::memcpy(static_cast<void *>(next.list_->entries()), list_->entries(),
-              list_->count * sizeof(Entry));
-  std::swap(list_, next.list_); // what was shared or too small loses this user
+  const std::span<const Entry> mine = entries();
+  List *const next = make_list(capacity_above(static_cast<std::uint32_t>(mine.size())));
+  for (const Entry &entry : mine) next->entries()[next->count++] = entry;
+  if (next->capacity > flat_limit) std::fill_n(next->index(), next->slots(), 0U);
+  if (has_list() && --list()->users == 0) free(list());
+  set_list(next);
 }
 
 void SourceLocations::free(List *list)
 {
-  delete[] list->index;
-  tdm::pool_free(list, sizeof(List) + list->capacity * sizeof(Entry));
+  tdm::pool_free(list, block_size(list->capacity));
 }
 
 const TDMSourceLocation *SourceLocations::find_indexed(LocationKey key) const
 {
-  if (list_->indexed != list_->count) update_index(*list_);
-  const std::uint32_t mask = list_->slots - 1;
-  for (std::uint32_t slot = key.hash() & mask; list_->index[slot] != 0; slot = (slot + 1) & mask) {
-    const Entry &entry = list_->entries()[list_->index[slot] - 1];
+  List &list = *this->list();
+  if (list.indexed != list.count) update_index(list);
+  const std::uint32_t last = list.slots() - 1;
+  for (std::uint32_t slot = key.number() & last; list.index()[slot] != 0;
+       slot = (slot + 1) & last) {
+    const Entry &entry = list.entries()[list.index()[slot] - 1];
     if (entry.first == key) return &entry.second;
   }
   return nullptr;
 }
 
-// Every key stands in the list once. At least half of the slots stay free.
+// Every key stands in the list once, and keys are numbered one by one: their numbers spread over
+// the index by themselves. At least half of it stays free.
 void SourceLocations::update_index(List &list)
 {
-  if (list.slots < list.count * 2) {
-    const std::uint32_t slots = std::max(list.slots * 2, flat_limit * 4);
-    auto *index = new std::uint32_t[slots]();
-    delete[] list.index;
-    list.index = index;
-    list.slots = slots;
-    list.indexed = 0;
-    return update_index(list);
-  }
-  const std::uint32_t mask = list.slots - 1;
+  const std::uint32_t last = list.slots() - 1;
   for (; list.indexed < list.count; ++list.indexed) {
-    std::uint32_t slot = list.entries()[list.indexed].first.hash() & mask;
-    while (list.index[slot] != 0) slot = (slot + 1) & mask;
-    list.index[slot] = list.indexed + 1;
+    std::uint32_t slot = list.entries()[list.indexed].first.number() & last;
+    while (list.index()[slot] != 0) slot = (slot + 1) & last;
+    list.index()[slot] = list.indexed + 1;
   }
 }

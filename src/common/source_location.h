@@ -8,60 +8,85 @@
 #include <span>
 #include <string_view>
 
+#include "common/location_keys.h"
 #include "common/tdm_types.h"
 
-/// A place in a file. `file` is a text of the string pool (or a literal), so a location is three
-/// words that are copied freely; line and column count from 1, and 0/0 means "the file as a whole".
-struct TDMSourceLocation {
-  const char *file = ""; ///< the name of the file, as messages show it
-  int line = 0;          ///< from 1; 0 for the file as a whole
-  int column = 0;        ///< from 1; 0 for the file as a whole
-};
-
-/// The key under which a location is kept: a literal, or a text that lives as long as the table.
-/// Keys are compared as texts; their hashes, which the compiler computes for literals, tell most
-/// of them apart.
-class LocationKey {
+/// The name of a file, as a number: a location that is kept for each part of a description is not
+/// made larger by it.
+class TDM_CLIENT_API FileName {
 public:
-  /// A key that is written out. Implicit on purpose: keys are plain words at every use.
-  template <std::size_t Size>
-  consteval LocationKey(const char (&text)[Size]) : text_(text), hash_(hash_of({text, Size - 1}))
-  {
-  }
-
-  /// A key that is known at run time only.
-  explicit LocationKey(const char *const &text) : text_(text), hash_(hash_of(text)) {}
-
-  /// The key as text.
-  [[nodiscard]] const char *text() const { return text_; }
-  /// A hash of the text, the same in every process.
-  [[nodiscard]] std::uint32_t hash() const { return hash_; }
+  /// The empty name.
+  FileName() = default;
+  /// The name, a text of the string pool or a literal. Implicit on purpose: a name is a name.
+  FileName(const char *text);
+  /// The name as text.
+  [[nodiscard]] const char *text() const;
+  /// The same. Implicit on purpose, as what a name is made from.
+  operator const char *() const { return text(); }
 
   /// Whether the texts are equal.
-  friend bool operator==(LocationKey a, LocationKey b)
-  {
-    return a.hash_ == b.hash_ && (a.text_ == b.text_ || std::strcmp(a.text_, b.text_) == 0);
-  }
+  friend bool operator==(FileName a, FileName b) = default;
 
 private:
-  static constexpr std::uint32_t hash_of(std::string_view text)
+  std::uint32_t number_ = 0;
+};
+
+/// A place in a file, three small numbers that are copied freely. Line and column count from 1, and
+/// 0/0 means "the file as a whole".
+struct TDMSourceLocation {
+  FileName file;  ///< as messages show it
+  int line = 0;   ///< from 1; 0 for the file as a whole
+  int column = 0; ///< from 1; 0 for the file as a whole
+};
+
+/// The key under which a location is kept, as a number: one of the known words, or a name of the
+/// user's text.
+class TDM_CLIENT_API LocationKey {
+public:
+  /// No key.
+  constexpr LocationKey() = default;
+
+  /// A key that is written out, and must be one of the known words. Implicit on purpose: keys are
+  /// plain words at every use.
+  template <std::size_t Size>
+  consteval LocationKey(const char (&text)[Size]) : number_(tdm::known_location_key(text))
   {
-    std::uint32_t hash = 2166136261U;
-    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-    return hash;
   }
 
-  const char *text_;
-  std::uint32_t hash_;
+  /// A key that is known at run time only; its text must live until the library ends.
+  [[nodiscard]] static LocationKey of(const char *text);
+  /// The same, but no key if no location was ever kept under the text.
+  [[nodiscard]] static LocationKey find(const char *text);
+
+  /// The key as text.
+  [[nodiscard]] const char *text() const;
+  /// From 1 on; 0 for no key.
+  [[nodiscard]] std::uint32_t number() const { return number_; }
+
+  /// Whether the texts are equal.
+  friend bool operator==(LocationKey a, LocationKey b) = default;
+
+private:
+  friend class SourceLocations;
+  explicit constexpr LocationKey(std::uint32_t number) : number_(number) {}
+
+  std::uint32_t number_ = 0;
 };
+
+namespace tdm {
+/// The names of files and keys are numbered anew, as their texts are no more; nobody may ask for
+/// the text of an older number.
+void forget_location_texts();
+} // namespace tdm
 
 /// The locations of one object, in the order in which they were stored.
 ///
-/// Most objects have a dozen keys at the most, and for these a flat list beats any tree, in memory
-/// and in time. But where keys are names of the text, as in copy tables, there is no end to them: a
-/// long list is indexed. What is copied from object to object shares one list, until somebody
-/// stores into a shared one. The count of users is no atomic one: like all of the model, a list
-/// belongs to one thread at a time.
+/// The one location of a number or a name stands in the table itself. Most other objects have a
+/// dozen keys at the most, and for these a flat list beats any tree, in memory and in time. But
+/// where keys are names of the text, as in copy tables, there is no end to them: a long list is
+/// indexed. What is copied from object to object shares one list, until somebody stores into a
+/// shared one. The count of users is no atomic one: like all of the model, a list belongs to one
+/// thread at a time.
 class TDM_CLIENT_API SourceLocations {
 public:
   /// A location and its key.
@@ -72,45 +97,47 @@ public:
 
   SourceLocations() = default;
   /// Shares the list of the other one.
-  SourceLocations(const SourceLocations &other) : list_(other.list_)
+  SourceLocations(const SourceLocations &other) : only_(other.only_)
   {
-    if (list_ != nullptr) ++list_->users;
+    if (has_list()) ++list()->users;
   }
   /// Takes the list of the other one, which is empty then.
-  SourceLocations(SourceLocations &&other) noexcept : list_(other.list_) { other.list_ = nullptr; }
+  SourceLocations(SourceLocations &&other) noexcept : only_(other.only_) { other.only_ = {}; }
   /// Gives up the own list for that of the other one.
   SourceLocations &operator=(SourceLocations other) noexcept
   {
-    List *const mine = list_;
-    list_ = other.list_;
-    other.list_ = mine;
+    const Entry mine = only_;
+    only_ = other.only_;
+    other.only_ = mine;
     return *this;
   }
   ~SourceLocations()
   {
-    if (list_ != nullptr && --list_->users == 0) free(list_);
+    if (has_list() && --list()->users == 0) free(list());
   }
 
   /// Keeps the location under the key; the first one stored under a key wins.
   void store(LocationKey key, const TDMSourceLocation &location)
   {
-    if (list_ == nullptr) {
-      reserve(1);
-    } else {
-      if (find(key) != nullptr) return;
-      if (list_->count == list_->capacity || list_->users > 1) renew();
+    if (is_empty()) {
+      only_ = {key, location};
+      return;
     }
-    list_->entries()[list_->count++] = {key, location};
+    if (find(key) != nullptr) return;
+    if (!has_list() || list()->count == list()->capacity || list()->users > 1) renew();
+    list()->entries()[list()->count++] = {key, location};
   }
 
-  /// Makes room for so many entries where there are none yet.
-  void reserve(std::uint32_t capacity);
+  /// Makes room for so many entries, not many, where there are none yet.
+  void reserve(std::uint32_t capacity)
+  {
+    if (is_empty()) set_list(make_list(capacity));
+  }
 
   /// The location under the key, or null. The pointer stays valid until the next store.
   [[nodiscard]] const TDMSourceLocation *find(LocationKey key) const
   {
-    if (list_ == nullptr) return nullptr;
-    if (list_->count > flat_limit) return find_indexed(key);
+    if (has_list() && list()->count > flat_limit) return find_indexed(key);
     for (const Entry &entry : entries())
       if (entry.first == key) return &entry.second;
     return nullptr;
@@ -119,29 +146,53 @@ public:
   /// All of them, in the order in which they were stored; valid until the next store.
   [[nodiscard]] std::span<const Entry> entries() const
   {
-    if (list_ == nullptr) return {};
-    return {list_->entries(), list_->count};
+    if (has_list()) return {list()->entries(), list()->count};
+    return {&only_, is_empty() ? 0U : 1U};
   }
 
 private:
-  static constexpr std::uint32_t flat_limit = 32;
+  static constexpr std::uint32_t flat_limit = 31;
+  static constexpr LocationKey list_mark{UINT32_MAX};
 
-  /// The head of a block of memory that goes on with the entries.
+  /// The head of a block of memory that goes on with the entries, and behind those with the index
+  /// if there are so many that they need one.
   struct List {
     std::uint32_t users;
     std::uint32_t count;
     std::uint32_t capacity;
-    std::uint32_t slots;   ///< of the index; 0 as long as there is none
     std::uint32_t indexed; ///< how many entries the index knows
-    std::uint32_t *index;  ///< number of an entry plus one, or 0, by the hash of its key
 
     [[nodiscard]] Entry *entries() { return reinterpret_cast<Entry *>(this + 1); }
+    /// The number of an entry plus one, or 0, by its key: twice as many places as entries.
+    [[nodiscard]] std::uint32_t *index()
+    {
+      return reinterpret_cast<std::uint32_t *>(entries() + capacity);
+    }
+    [[nodiscard]] std::uint32_t slots() const { return (capacity + 1) * 2; }
   };
 
+  [[nodiscard]] bool is_empty() const { return only_.first == LocationKey(); }
+  [[nodiscard]] bool has_list() const { return only_.first == list_mark; }
+  [[nodiscard]] List *list() const
+  {
+    List *list = nullptr;
+    std::memcpy(&list, reinterpret_cast<const char *>(&only_) + address_in_entry, sizeof list);
+    return list;
+  }
+  void set_list(List *list)
+  {
+    only_.first = list_mark;
+    std::memcpy(reinterpret_cast<char *>(&only_) + address_in_entry, &list, sizeof list);
+  }
+
+  [[nodiscard]] static std::size_t block_size(std::uint32_t capacity);
+  [[nodiscard]] static List *make_list(std::uint32_t capacity);
   void renew();
   [[nodiscard]] const TDMSourceLocation *find_indexed(LocationKey key) const;
   static void update_index(List &list);
   static void free(List *list);
 
-  List *list_ = nullptr;
+  static constexpr std::size_t address_in_entry = sizeof(Entry) - sizeof(List *);
+
+  alignas(List *) Entry only_; ///< or, with its mark as the key, the address of a list at its end
 };

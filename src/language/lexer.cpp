@@ -81,7 +81,7 @@ void TDMLexerBase::settle()
   state_->tokenStartLine = state_->line = place_.line;
   if (place_.file != file_ || state_->filename.empty()) { // names are pooled
     file_ = place_.file;
-    state_->filename = place_.file;
+    state_->filename = place_.file.text();
   }
 }
 

@@ -114,7 +114,7 @@ private:
   TDMPreprocessedFileInputStream *tokens_;  ///< the same stream, if it has whole tokens; or null
   const tdm::ExpressionStream *expression_; ///< the same stream, if it is one; or null
   antlr::LexerInputState *state_; ///< that of the scanner, without the way over its counter
-  const char *file_ = "";         ///< the same text as the state's file name
+  FileName file_;                 ///< the same text as the state's file name
   int ahead_[2] = {};
   unsigned int held_ = 0;
 };

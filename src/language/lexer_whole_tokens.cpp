@@ -159,7 +159,7 @@ int TDMLexer::quick_token(tdm::Lexeme &next)
     behind_blanks = true;
   }
   for (; is_blank(*token); behind_blanks = true) token = &stream.skip_blanks();
-  next.location = {token->position.file, token->position.line, token->position.column};
+  next.location = stream.start_of_token();
   if (token->length > 1) return whole_token(*token, next);
   const int c = look_behind();
   if (behind_blanks) next.location = stream.place();

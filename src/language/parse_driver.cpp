@@ -36,7 +36,7 @@ template <typename Exception> Failure at_exception(const Exception &exception)
 template <typename Exception> Failure at_token(const Exception &exception)
 {
   const TDMSourceLocation place = static_cast<const TDMToken &>(*exception.token.get()).location();
-  return {place.file, place.line, place.column, exception.getMessage()};
+  return {place.file.text(), place.line, place.column, exception.getMessage()};
 }
 
 /// At the parser's next token. If the text there is none, then that is what is reported.
@@ -45,7 +45,7 @@ Failure at_next_token(TDMParser &parser, const std::string &text)
   try {
     const antlr::RefToken token = parser.LT(1);
     const TDMSourceLocation place = static_cast<const TDMToken &>(*token.get()).location();
-    return {place.file, place.line, place.column, text};
+    return {place.file.text(), place.line, place.column, text};
   } catch (const antlr::TokenStreamRecognitionException &failure) {
     return at_exception(failure);
   }
@@ -125,7 +125,7 @@ tdm::ExpressionPtr tdm::parse_expression(std::string_view text)
   ExpressionPtr result = run(stream, &TDMParser::single_expression, failure);
   if (result != nullptr) return result;
   const TDMSourceLocation end = stream.end();
-  Failure told = failure.value_or(Failure{end.file, end.line, end.column, ""});
+  Failure told = failure.value_or(Failure{end.file.text(), end.line, end.column, ""});
   settle_at_end(told, end);
   throw_failure(told);
 }

@@ -63,7 +63,7 @@ void TDMParser::destination(TDMFileObject &record, LocationKey key,
   const TDMSourceLocation place = here();
   tdm::FileDestination pair;
   pair.source = identifier();
-  record.store_location(LocationKey(tdm::intern(pair.source)), place);
+  record.store_location(LocationKey::of(tdm::intern(pair.source)), place);
   match(EQUALS);
   pair.destination = identifier(record, key);
   pairs.push_back(std::move(pair));

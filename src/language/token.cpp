@@ -26,11 +26,11 @@ antlr::RefToken TDMToken::make(const tdm::Lexeme &lexeme)
 
 void TDMToken::setFilename(const std::string &file)
 {
-  file_ = tdm::intern(file);
+  file_ = FileName(tdm::intern(file));
 }
 
 const std::string &TDMToken::getFilename()
 {
-  filename_ = file_;
+  filename_ = file_.text();
   return filename_;
 }

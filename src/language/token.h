@@ -18,12 +18,11 @@ public:
   using antlr::CommonToken::getFilename; // the runtime's own: always an empty name
   virtual const std::string &getFilename();
 
-  /// The name must be a text of the string pool.
-  void set_file(const char *file) { file_ = file; }
+  void set_file(FileName file) { file_ = file; }
 
   [[nodiscard]] TDMSourceLocation location() const { return {file_, line, col}; }
 
 private:
-  const char *file_ = "";
+  FileName file_;
   std::string filename_; ///< made when asked for
 };

@@ -26,7 +26,7 @@ void resolve_pairs(const TDMFileObject &record, const Pairs &pairs, const tdm::S
                    std::map<TDMSpace *, TDMSpace *> &destinations)
 {
   for (const auto &[source, destination] : pairs) {
-    const LocationKey key(tdm::intern(source));
+    const LocationKey key = LocationKey::of(tdm::intern(source));
     TDMSpace *from = find_destination(record, source, key, lookup);
     TDMSpace *to = find_destination(record, destination, key, lookup);
     destinations.emplace(from, to);

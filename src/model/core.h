@@ -10,7 +10,7 @@
 #include "common/tdm_object.h"
 #include "layout/section_names.h"
 #include "model/bus.h"
-#include "model/name_table.h"
+#include "common/name_table.h"
 #include "model/space.h"
 #include "preprocessor/known_names.h"
 

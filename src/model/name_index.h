@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model/name_table.h"
+#include "common/name_table.h"
 
 namespace tdm {
 

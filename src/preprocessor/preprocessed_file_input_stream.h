@@ -57,9 +57,20 @@ public:
   /// What getFile, getLine and getColumn tell.
   [[nodiscard]] TDMSourceLocation place() const
   {
+    TDMSourceLocation place = start_of_token();
+    if (token_->number == tWHITE) place.column += static_cast<int>(characters_taken());
+    return place;
+  }
+
+  /// Where the current token begins.
+  [[nodiscard]] TDMSourceLocation start_of_token() const
+  {
     const tdm_srcpos &position = token_->position;
-    const int passed = token_->number == tWHITE ? static_cast<int>(characters_taken()) : 0;
-    return {position.file, position.line, position.column + passed};
+    if (position.file != file_) {
+      file_name_ = position.file;
+      file_ = position.file;
+    }
+    return {file_name_, position.line, position.column};
   }
 
   /// Leaves the rest of the current token's text out; gives the token behind it.
@@ -86,4 +97,6 @@ private:
   const tdm::PpToken *token_ = nullptr;
   const char *text_ = nullptr; ///< the rest of the token's text; empty only at the end of input
   const char *text_end_ = nullptr;
+  mutable const char *file_ = nullptr; ///< of the token that was asked for last
+  mutable FileName file_name_;         ///< the same
 };

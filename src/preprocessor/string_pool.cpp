@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "common/source_location.h"
 #include "common/text_hash.h"
 #include "preprocessor/c_memory.h"
 #include "preprocessor/orderly_stop.h"
@@ -89,6 +90,7 @@ void string_pool_end()
   pool.mask = pool.used = 0;
   pool.arena.clear();
   detail::pool_number = 0;
+  forget_location_texts();
 }
 
 bool string_pool_started()

@@ -36,7 +36,7 @@ def members_of(output):
             if scopes:
                 scopes.pop()
         elif scopes and scopes[-1][0]:
-            member = re.match(r'\s*([^/\s].*?)\s+(\w+)(?:\[\d+\])*;\s+/\*\s+\d+\s+\d+ \*/$', line)
+            member = re.match(r'\s*([^/\s].*?)\s+(\w+)(?:\[\d+\])*(?: __attribute__\S+)?;?\s+/\*\s+\d+\s+\d+ \*/$', line)
             if member:
                 name = '::'.join(scope for scope, _ in scopes if scope)
                 found.append((name, member[2], member[1], scopes[-1][1]))

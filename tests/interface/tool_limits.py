@@ -56,7 +56,7 @@ CASES = (
     ("check device.tdm", 1, "/dev/zero:1:2: error: unexpected char: 0x00"),
     ("preprocess --timeout 0.3 device.tdm", TIME, TIMED.format("reading /dev/zero:1")),
     ("check --timeout 0.05 condition.tdm", TIME, None),
-    ("map --max-memory 100m sum.tdm", MEMORY, FULL.format("100 MiB, reading sum.tdm:12")),
+    ("map --max-memory 60m sum.tdm", MEMORY, FULL.format("60 MiB, reading sum.tdm:12")),
     ("check --max-memory 100m large.tdm", MEMORY, FULL.format("100 MiB, reading large.tdh:1")),
     ("check --max-memory 1 good.tdm", MEMORY, None),
     ("check --max-memory 2g --timeout 1e3 --max-include-depth 0 good.tdm", 0, ""),

@@ -79,7 +79,7 @@ inline ExpressionPtr address_of(std::int32_t kind, const std::string &name, bool
   record->objName = name;
   if (located)
     for (const char *key : {"addressof", "objType", "objName"})
-      record->store_location(LocationKey(key), inside);
+      record->store_location(LocationKey::of(key), inside);
   return record;
 }
 
@@ -90,7 +90,7 @@ inline ExpressionPtr size_of(std::int32_t kind, const std::string &name, bool lo
   record->objName = name;
   if (located)
     for (const char *key : {"sizeof", "objType", "objName"})
-      record->store_location(LocationKey(key), inside);
+      record->store_location(LocationKey::of(key), inside);
   return record;
 }
 

@@ -209,7 +209,7 @@ TEST(FileObject, TheFirstPlaceUnderAKeyWins)
   TDMFileFillSpec record;
   EXPECT_EQ(record.find_location("alignment"), nullptr);
   record.store_location("alignment", {"a", 1, 2});
-  record.store_location(LocationKey(std::string("alignment").c_str()), {"b", 3, 4});
+  record.store_location(LocationKey::of(std::string("alignment").c_str()), {"b", 3, 4});
   EXPECT_STREQ(record.get_location("alignment").file, "a");
   EXPECT_EQ(record.sourceLocations.entries().size(), 1U);
   EXPECT_DEATH((void)record.get_location("size"), "loc_itr != sourceLocations.end\\(\\)");
@@ -223,14 +223,14 @@ TEST(FileObject, ListsOfPlacesAreSharedUntilOneChanges)
   std::vector<SourceLocations> copies;
   for (int i = 0; i < 500; ++i) {
     if (i % 50 == 49) copies.push_back(list);
-    list.store(LocationKey(keys[static_cast<std::size_t>(i)].c_str()), {"f", i, 1});
-    list.store(LocationKey(keys[static_cast<std::size_t>(i / 2)].c_str()), {"late", 0, 0});
+    list.store(LocationKey::of(keys[static_cast<std::size_t>(i)].c_str()), {"f", i, 1});
+    list.store(LocationKey::of(keys[static_cast<std::size_t>(i / 2)].c_str()), {"late", 0, 0});
   }
   EXPECT_EQ(list.entries().size(), 500U);
   copies.push_back(list);
   for (const SourceLocations &copy : copies)
     for (std::size_t i = 0; i < keys.size(); ++i) {
-      const TDMSourceLocation *found = copy.find(LocationKey(keys[i].c_str()));
+      const TDMSourceLocation *found = copy.find(LocationKey::of(keys[i].c_str()));
       ASSERT_EQ(found != nullptr, i < copy.entries().size());
       if (found == nullptr) break;
       EXPECT_EQ(found->line, static_cast<int>(i));

@@ -1,7 +1,7 @@
 // The table behind lookups by name.
 #include <gtest/gtest.h>
 
-#include "model/name_table.h"
+#include "common/name_table.h"
 
 namespace {
 

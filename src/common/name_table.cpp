@@ -1,5 +1,5 @@
 // Adding to a table of names.
-#include "model/name_table.h"
+#include "common/name_table.h"
 
 #include <new>
 

@@ -1,0 +1,19 @@
+#include "common/text_numbers.h"
+
+namespace tdm {
+
+std::uint32_t TextNumbers::add(const char *text)
+{
+  if (const std::uint32_t known = numbers_.find(text); known != none) return known;
+  const auto number = static_cast<std::uint32_t>(texts_.size());
+  texts_.push_back(text);
+  try {
+    numbers_.add(text, number);
+  } catch (...) {
+    texts_.pop_back();
+    throw;
+  }
+  return number;
+}
+
+} // namespace tdm
