@@ -128,4 +128,8 @@ void ask_routes(const tdm_spec *spec)
   backward(take<tdm_memory *>(tdm_spec_get_memories(spec)));
   for (const auto &overlap : take<tdm_inspect_overlap>(tdm_inspect_spec_overlaps(spec)))
     fuzz::require(overlap.bits > 0, "an overlap has bits");
+  for (const auto &overlap :
+       take<tdm_inspect_mapping_overlap>(tdm_inspect_spec_mapping_overlaps(spec)))
+    fuzz::require(overlap.bits > 0 && overlap.first != overlap.second,
+                  "an overlap has bits, of two mappings");
 }

@@ -1,4 +1,4 @@
-// The parse that hands out what fails the last checks, and the overlaps that made it fail.
+// The parse that hands out what fails some checks, and the overlaps that made it fail.
 #include "interface/guard.h"
 #include "interface/input.h"
 #include "interface/tdm_inspect_overlap.h"
@@ -31,6 +31,16 @@ tdm_arr *tdm_inspect_spec_overlaps(const tdm_spec *spec)
           overlap.source,        tdm::handle(overlap.first), tdm::handle(overlap.second),
           overlap.first_mapping, overlap.second_mapping,     overlap.range.to_record(),
           overlap.bits};
+    });
+  });
+}
+
+tdm_arr *tdm_inspect_spec_mapping_overlaps(const tdm_spec *spec)
+{
+  return guarded_array<tdm_inspect_mapping_overlap>([&] {
+    return tdm::array_of(tdm::find_mapping_overlaps(*spec), [](const tdm::MappingOverlap &overlap) {
+      return tdm_inspect_mapping_overlap{overlap.space, overlap.first, overlap.second,
+                                         overlap.range.to_record(), overlap.bits};
     });
   });
 }

@@ -96,6 +96,7 @@ static_assert(sizeof(tdm_inspect_id_run) == 8);
 static_assert(sizeof(tdm_inspect_source_file) == 40);
 static_assert(sizeof(tdm_inspect_token) == 40);
 static_assert(sizeof(tdm_inspect_overlap) == 120);
+static_assert(sizeof(tdm_inspect_mapping_overlap) == 104);
 static_assert(sizeof(tdm_inspect_hop) == 120);
 static_assert(sizeof(tdm_inspect_environment) == 8 * pointer + 16);
 static_assert(sizeof(tdm_inspect_data_range) == 16);

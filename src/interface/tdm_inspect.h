@@ -11,7 +11,7 @@
  *  - <tdm_c/tdm_inspect_source.h>: the files that were read and their chains of `#include`; limits;
  *    the tokens of the preprocessor.
  *  - <tdm_c/tdm_inspect_overlap.h>: descriptions that are refused because memories lie over each
- *    other, for reading.
+ *    other or mappings of a space overlap, for reading.
  *  - <tdm_c/tdm_inspect_route.h>: translation over one mapping and from any object, and routes hop
  *    by hop.
  *  - <tdm_c/tdm_inspect_expression.h>: the text and the value of an expression, of the model or of

@@ -1,7 +1,7 @@
 /**
  * @file
- * Descriptions whose memories lie over each other: what tdm_parse_file() refuses, for those who
- * want to show it. Part of <tdm_c/tdm_inspect.h>.
+ * Descriptions whose memories lie over each other, or whose spaces have overlapping mappings: what
+ * tdm_parse_file() refuses, for those who want to show it. Part of <tdm_c/tdm_inspect.h>.
  *
  * The conventions of tdm.h and of <tdm_c/tdm_inspect_model.h> hold.
  */
@@ -18,12 +18,13 @@ extern "C" {
 #endif
 
 /**
- * Reads files as tdm_parse_file() does, and gives the spec, too, when all is well but for the last
- * checks, those over the whole of it: that names are defined once only, and that no two
- * memories lie over each other on a bus.
+ * Reads files as tdm_parse_file() does, and gives the spec, too, when all is well but for these
+ * checks: that the mappings of each space don't overlap, and the last ones, those over the whole
+ * of it, that names are defined once only, and that no two memories lie over each other on a bus.
  *
  * @param files, include_dirs  as for tdm_parse_file()
- * @return a new spec, which the caller ends with tdm_spec_free(); null after any other failure.
+ * @return a new spec, which the caller ends with tdm_spec_free(); null after any other failure,
+ * with the last error text that tdm_parse_file() leaves, that of the first check that failed.
  *
  * A spec that didn't pass is for reading: every function answers, but nothing should be located by
  * it. tdm_inspect_spec_check_failure() tells whether it passed. That it didn't is no failure of
@@ -54,6 +55,26 @@ typedef struct tdm_inspect_overlap {
  *         of the first; empty if there are none. At most 10,000 of them are told.
  */
 TDM_API tdm_arr *tdm_inspect_spec_overlaps(const tdm_spec *spec);
+
+/** Two mappings that take the same bits of the space that they leave. */
+typedef struct tdm_inspect_mapping_overlap {
+  tdm_space *space;    /**< one that the description defines */
+  tdm_mapping *first;  /**< in the order of the definition of the space */
+  tdm_mapping *second; /**< the later one in that order */
+  tdm_interval range;  /**< what both take, in MAUs of the space; the mask has the data lines that
+                            they share */
+  int64_t bits;        /**< how much that is: bits of the range that its mask holds */
+} tdm_inspect_mapping_overlap;
+
+/**
+ * All overlaps of mappings of one space, in all spaces of all cores. Mappings on separate data
+ * lines or in separate banks don't overlap.
+ *
+ * @return a new array of tdm_inspect_mapping_overlap by value, space by space in the order of the
+ *         processors, their cores and their spaces; of each in the order of the second mapping and
+ *         then of the first; empty if there are none. At most 10,000 of them are told.
+ */
+TDM_API tdm_arr *tdm_inspect_spec_mapping_overlaps(const tdm_spec *spec);
 
 #ifdef __cplusplus
 }

@@ -7,6 +7,7 @@
 #include "language/records.h"
 #include "layout/record_values.h"
 #include "model/buses_in_reach.h"
+#include "model/check_runner.h"
 #include "model/core_space_lookup.h"
 #include "model/templates.h"
 
@@ -220,14 +221,14 @@ TDMSpace *TDMCore::find_space_by_plain_name(std::string_view plain_name) const
   return nullptr;
 }
 
-void TDMCore::check()
+void TDMCore::check(const tdm::CheckRunner &runner)
 {
   const TDMSourceLocation at_name = location_or("name");
   if (buses.empty()) throw new TDMSyntaxException(at_name, "core " + full_name() + " has no buses");
   if (spaces.empty())
     throw new TDMSyntaxException(at_name, "core " + full_name() + " has no spaces");
   check_names();
-  for (const auto &space : spaces) space->check_mappings();
+  for (const auto &space : spaces) runner.run([&space] { space->check_mappings(); });
   if (!imported) add_space(std::make_unique<TDMVoidSpace>("non alloc", 0, 8));
   for (const auto &space : spaces)
     if (space->start_address != nullptr)

@@ -18,6 +18,7 @@ class TDMFileCore;
 
 namespace tdm {
 class ArgumentScope;
+class CheckRunner;
 class Templates;
 } // namespace tdm
 
@@ -45,8 +46,9 @@ struct TDMCore : TDMObject {
   void add_space(std::unique_ptr<TDMSpace> space);
 
   /// The checks that close a core once its processor stands; adds the placeholder space and takes
-  /// start address and copy table over from the spaces.
-  void check();
+  /// start address and copy table over from the spaces. A core whose spaces have overlapping
+  /// mappings can be read.
+  void check(const tdm::CheckRunner &runner);
 
   /// Keeps the start address of one of the spaces as that of the core; a second one is refused.
   void set_start_address(TDMSpace &space, const TDMSourceLocation &place);

@@ -1,4 +1,4 @@
-// A sweep over what is taken of each bus, from low to high. Claims that share addresses without
+// A sweep over what is taken of each source, from low to high. Claims that share addresses without
 // overlapping lie on data lines of their own, so that the list of those that are open stays short
 // as long as few overlaps have been found.
 #include "model/overlaps.h"
@@ -15,18 +15,19 @@ namespace tdm {
 
 namespace {
 
-/// What a mapping of a memory takes of a bus.
+/// What a mapping takes of its source.
 struct Claim {
-  const TDMMemory *memory;
   TDMMapping *mapping;
+  const TDMMemory *memory; ///< null for a mapping of a space
   Interval interval;
   size_t order;
 };
 
-struct Found {
-  size_t first_order;
-  size_t second_order;
-  Overlap overlap;
+/// Two claims on the same, in their order.
+struct Pair {
+  Claim first;
+  Claim second;
+  Interval range;
 };
 
 int64_t positive_remainder(int64_t value, int64_t divisor)
@@ -54,30 +55,28 @@ int64_t bits_held(const Interval &interval)
 
 class Search {
 public:
-  void add(const TDMMemory &memory)
+  /// Claims are given in the order in which they are to be told.
+  void add(TDMMapping &mapping, const TDMMemory *memory, const Interval &interval)
   {
-    for (TDMMapping *mapping : memory.incoming_mappings()) {
-      Interval interval;
-      if (map_back(*mapping, memory.address_range(), interval) && !interval.is_empty())
-        claims_[mapping->source()].push_back({&memory, mapping, interval, order_++});
-    }
+    // What holds no bit is in nobody's way, and would stay open for long.
+    if (interval.is_empty() || interval.pattern.bits == 0) return;
+    const auto [place, is_new] = places_.try_emplace(mapping.source(), claims_.size());
+    if (is_new) claims_.emplace_back();
+    claims_[place->second].push_back({&mapping, memory, interval, order_++});
   }
 
-  std::vector<Overlap> run()
+  std::vector<Pair> run()
   {
-    for (auto &[source, claims] : claims_) sweep(*source, claims);
-    std::sort(found_.begin(), found_.end(), [](const Found &a, const Found &b) {
-      return a.second_order != b.second_order ? a.second_order < b.second_order
-                                              : a.first_order < b.first_order;
+    for (auto &claims : claims_) sweep(claims);
+    std::sort(found_.begin(), found_.end(), [](const Pair &a, const Pair &b) {
+      return a.second.order != b.second.order ? a.second.order < b.second.order
+                                              : a.first.order < b.first.order;
     });
-    std::vector<Overlap> overlaps;
-    overlaps.reserve(found_.size());
-    for (const Found &found : found_) overlaps.push_back(found.overlap);
-    return overlaps;
+    return std::move(found_);
   }
 
 private:
-  void sweep(TDMMapSource &source, std::vector<Claim> &claims)
+  void sweep(std::vector<Claim> &claims)
   {
     std::sort(claims.begin(), claims.end(), [](const Claim &a, const Claim &b) {
       if (a.interval.low != b.interval.low) return a.interval.low < b.interval.low;
@@ -87,40 +86,67 @@ private:
     for (const Claim &claim : claims) {
       std::erase_if(open,
                     [&](const Claim *other) { return other->interval.high <= claim.interval.low; });
-      for (const Claim *other : open)
-        if (!compare(source, *other, claim)) return;
+      for (const Claim *other : open) {
+        if (found_.size() >= most_overlaps) return;
+        compare(*other, claim);
+      }
       open.push_back(&claim);
     }
   }
 
-  /// False if there have been enough.
-  bool compare(TDMMapSource &source, const Claim &a, const Claim &b)
+  void compare(const Claim &a, const Claim &b)
   {
     Interval range;
-    if (!a.interval.intersect(b.interval, range)) return true;
-    const Claim &first = a.order < b.order ? a : b;
-    const Claim &second = a.order < b.order ? b : a;
-    found_.push_back({first.order,
-                      second.order,
-                      {&source, first.memory, second.memory, first.mapping, second.mapping, range,
-                       bits_held(range)}});
-    return found_.size() < most_overlaps;
+    if (!a.interval.intersect(b.interval, range)) return;
+    found_.push_back(a.order < b.order ? Pair{a, b, range} : Pair{b, a, range});
   }
 
-  std::unordered_map<TDMMapSource *, std::vector<Claim>> claims_;
+  std::unordered_map<TDMMapSource *, size_t> places_; ///< in `claims_`
+  std::vector<std::vector<Claim>> claims_;            ///< of each source
   size_t order_ = 0;
-  std::vector<Found> found_;
+  std::vector<Pair> found_;
 };
+
+void add_memory(Search &search, const TDMMemory &memory)
+{
+  for (TDMMapping *mapping : memory.incoming_mappings()) {
+    Interval interval;
+    if (map_back(*mapping, memory.address_range(), interval))
+      search.add(*mapping, &memory, interval);
+  }
+}
 
 } // namespace
 
 std::vector<Overlap> find_overlaps(const TDMSpec &spec)
 {
   Search search;
-  for (const auto &memory : spec.memories) search.add(*memory);
+  for (const auto &memory : spec.memories) add_memory(search, *memory);
   for (const auto &processor : spec.processors)
-    for (const auto &memory : processor->memories) search.add(*memory);
-  return search.run();
+    for (const auto &memory : processor->memories) add_memory(search, *memory);
+  std::vector<Overlap> overlaps;
+  for (const auto &[first, second, range] : search.run())
+    overlaps.push_back({first.mapping->source(), first.memory, second.memory, first.mapping,
+                        second.mapping, range, bits_held(range)});
+  return overlaps;
+}
+
+std::vector<MappingOverlap> find_mapping_overlaps(const TDMSpec &spec)
+{
+  Search search;
+  for (const auto &processor : spec.processors)
+    for (const auto &core : processor->cores)
+      for (const auto &space : core->spaces) {
+        // What is made up from other spaces isn't checked.
+        if (dynamic_cast<const TDMAllocSpace *>(space.get()) == nullptr) continue;
+        for (TDMMapping *mapping : space->outgoing_mappings())
+          search.add(*mapping, nullptr, mapping->source_interval());
+      }
+  std::vector<MappingOverlap> overlaps;
+  for (const auto &[first, second, range] : search.run())
+    overlaps.push_back({static_cast<TDMSpace *>(first.mapping->source()), first.mapping,
+                        second.mapping, range, bits_held(range)});
+  return overlaps;
 }
 
 } // namespace tdm

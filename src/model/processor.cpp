@@ -8,6 +8,7 @@
 #include "layout/record_values.h"
 #include "mapping/interval_set.h"
 #include "model/buses_in_reach.h"
+#include "model/check_runner.h"
 #include "model/section_items.h"
 #include "model/templates.h"
 
@@ -194,7 +195,7 @@ const Object *first_repeated(const std::vector<std::unique_ptr<Object>> &objects
 } // namespace tdm
 
 TDMProcessor::TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates,
-                           TDMCloneSpaceRegistry &registry)
+                           TDMCloneSpaceRegistry &registry, const tdm::CheckRunner &runner)
     : TDMObject{record.sourceLocations}, name(record.name.value_or("")),
       derivative_name(record.derivativeName.value_or(""))
 {
@@ -203,22 +204,23 @@ TDMProcessor::TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templ
     throw new TDMSyntaxException(tdm::place_of(record, "name"),
                                  "parent derivative " + derivative_name +
                                      " not found for processor " + name);
-  instantiate(*derivative, record.arguments, templates, registry);
+  instantiate(*derivative, record.arguments, templates, registry, runner);
 }
 
 TDMProcessor::TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates,
-                           TDMCloneSpaceRegistry &registry)
+                           TDMCloneSpaceRegistry &registry, const tdm::CheckRunner &runner)
     : TDMObject{derivative.sourceLocations}, name(derivative.name.value_or("")),
       derivative_name(name)
 {
-  instantiate(derivative, {}, templates, registry);
+  instantiate(derivative, {}, templates, registry, runner);
 }
 
 TDMProcessor::~TDMProcessor() = default;
 
 void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
                                const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments,
-                               const tdm::Templates &templates, TDMCloneSpaceRegistry &registry)
+                               const tdm::Templates &templates, TDMCloneSpaceRegistry &registry,
+                               const tdm::CheckRunner &runner)
 {
   tdm::DerivativeInstance instance(*this, templates);
   instance.create(derivative, arguments);
@@ -230,7 +232,7 @@ void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
   std::unordered_set<std::string_view> seen;
   for (const tdm::FileParameter &parameter : derivative.parameters)
     if (seen.insert(parameter.name).second) parameter_names.push_back(parameter.name);
-  for (const auto &core : cores) core->check();
+  for (const auto &core : cores) core->check(runner);
 }
 
 void TDMProcessor::check_names() const

@@ -19,17 +19,18 @@ class TDMFileDerivative;
 class TDMFileExpression;
 
 namespace tdm {
+class CheckRunner;
 class Templates;
 } // namespace tdm
 
 struct TDMProcessor : TDMObject {
   /// From a `processor` definition. Its layouts find the spaces that stand for several in the
-  /// registry.
+  /// registry. The runner is for the checks of its cores.
   TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templates,
-               TDMCloneSpaceRegistry &registry);
+               TDMCloneSpaceRegistry &registry, const tdm::CheckRunner &runner);
   /// The default processor of a derivative, with no arguments.
   TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates,
-               TDMCloneSpaceRegistry &registry);
+               TDMCloneSpaceRegistry &registry, const tdm::CheckRunner &runner);
   ~TDMProcessor();
   TDMProcessor(const TDMProcessor &) = delete;
   TDMProcessor &operator=(const TDMProcessor &) = delete;
@@ -62,7 +63,8 @@ struct TDMProcessor : TDMObject {
 private:
   void instantiate(const TDMFileDerivative &derivative,
                    const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments,
-                   const tdm::Templates &templates, TDMCloneSpaceRegistry &registry);
+                   const tdm::Templates &templates, TDMCloneSpaceRegistry &registry,
+                   const tdm::CheckRunner &runner);
 
   tdm::NameIndex<TDMCore> core_index_;
   tdm::NameIndex<TDMMemory> memory_index_;

@@ -7,7 +7,9 @@
 #include "common/failures.h"
 #include "language/parse_driver.h"
 #include "language/records.h"
+#include "mapping/interval.h"
 #include "model/buses_in_reach.h"
+#include "model/check_runner.h"
 #include "model/default_derivative.h"
 #include "model/overlap_check.h"
 #include "model/section_items.h"
@@ -23,15 +25,25 @@ TDMSourceLocation whole_input(const std::vector<std::string> &files)
   return {files.empty() ? "" : tdm::intern(files.front()), 0, 0};
 }
 
-/// Runs `work`; a failure goes on as a finished text, which nothing behind it changes any more.
-template <typename Work> void with_finished_texts(Work work)
+/// Runs `work`; a failure goes on as a finished text, which nothing behind it changes any more. The
+/// text is that of the check that has failed before it, if one has: without mercy for that the
+/// parse would have ended there.
+template <typename Work>
+void with_finished_texts(const std::optional<std::string> &check_failure, Work work)
 {
   try {
-    work();
+    return work();
   } catch (TDMFileException *failure) {
     const std::unique_ptr<TDMFileException> owned(failure);
-    throw new TDMSyntaxError(owned->text());
+    throw new TDMSyntaxError(check_failure.value_or(owned->text()));
+  } catch (Interval::PatternOverflowException *failure) {
+    if (!check_failure) throw;
+    delete failure;
+  } catch (MauLibException *failure) {
+    if (!check_failure) throw;
+    delete failure;
   }
+  throw new TDMSyntaxError(*check_failure);
 }
 
 } // namespace
@@ -43,11 +55,11 @@ TDMSpec::TDMSpec(const std::vector<std::string> &files, Checks checks)
     throw new TDMUnexpectedErrorException(whole_input(files), "could not allocate TDM file");
   if (records->architectures.empty())
     throw new TDMSyntaxException(whole_input(files), "no architectures defined");
-  with_finished_texts([&] {
-    build(*records);
-    if (checks == Checks::refused) check();
+  const tdm::CheckRunner runner(checks == Checks::kept_for_reading ? &check_failure : nullptr);
+  with_finished_texts(check_failure, [&] {
+    build(*records, runner);
+    if (!check_failure) runner.run([this] { check(); });
   });
-  if (checks == Checks::kept_for_reading) keep_check_failure();
 }
 
 TDMSpec::~TDMSpec() = default;
@@ -67,9 +79,9 @@ std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> 
   }
 }
 
-void TDMSpec::build(const TDMFileInterface &records)
+void TDMSpec::build(const TDMFileInterface &records, const tdm::CheckRunner &runner)
 {
-  create_processors(records);
+  create_processors(records, runner);
   create_globals(records);
   processor_index_.build(processors, [](const TDMProcessor &object) { return object.name; });
   memory_index_.build(memories, [](const TDMMemory &object) { return object.name; });
@@ -84,22 +96,23 @@ void TDMSpec::add_section_items(const TDMFileInterface &records)
   for (const auto &layout : records.sectionLayouts) items.add_layout(*layout, no_parameters);
 }
 
-void TDMSpec::create_processors(const TDMFileInterface &records)
+void TDMSpec::create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner)
 {
   const tdm::Templates templates(records.architectures, records.derivatives);
   for (const auto &record : records.processors)
-    processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this));
+    processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this, runner));
   if (processors.empty())
     for (const auto &record : records.derivatives)
-      processors.push_back(
-          std::make_unique<TDMProcessor>(*templates.derivative(*record->name), templates, *this));
-  if (processors.empty()) create_default_processors(records, templates);
+      processors.push_back(std::make_unique<TDMProcessor>(*templates.derivative(*record->name),
+                                                          templates, *this, runner));
+  if (processors.empty()) create_default_processors(records, templates, runner);
 }
 
 /// With neither processors nor derivatives, each architecture that is no base of another stands
 /// for a chip of its own.
 void TDMSpec::create_default_processors(const TDMFileInterface &records,
-                                        const tdm::Templates &templates)
+                                        const tdm::Templates &templates,
+                                        const tdm::CheckRunner &runner)
 {
   std::unordered_set<std::string> bases;
   for (const auto &record : records.architectures)
@@ -107,7 +120,7 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
   for (const auto &record : records.architectures) {
     if (bases.contains(*record->name)) continue;
     const auto derivative = tdm::make_default_derivative(*record, templates);
-    processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates, *this));
+    processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates, *this, runner));
   }
 }
 
@@ -138,16 +151,6 @@ void TDMSpec::check() const
   for (const auto &memory : memories) overlaps.add(*memory);
   for (const auto &processor : processors)
     for (const auto &memory : processor->memories) overlaps.add(*memory);
-}
-
-void TDMSpec::keep_check_failure()
-{
-  try {
-    check();
-  } catch (TDMFileException *failure) {
-    const std::unique_ptr<TDMFileException> owned(failure);
-    check_failure = owned->text();
-  }
 }
 
 void TDMSpec::check_names() const

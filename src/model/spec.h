@@ -19,11 +19,13 @@
 class TDMFileInterface;
 
 namespace tdm {
+class CheckRunner;
 class Templates;
 } // namespace tdm
 
 struct TDMSpec : TDMCloneSpaceRegistry {
-  /// What becomes of a spec that doesn't pass the checks over the whole of it.
+  /// What becomes of a spec whose names or mappings don't go together: one that fails the checks
+  /// over the whole of it, or the check of the mappings of a space.
   enum class Checks { refused, kept_for_reading };
 
   /// Reads the files as one input. Throws the failures of the language and the model by pointer.
@@ -59,13 +61,13 @@ struct TDMSpec : TDMCloneSpaceRegistry {
 
 private:
   std::unique_ptr<TDMFileInterface> parse(const std::vector<std::string> &files);
-  void build(const TDMFileInterface &records);
-  void create_processors(const TDMFileInterface &records);
-  void create_default_processors(const TDMFileInterface &records, const tdm::Templates &templates);
+  void build(const TDMFileInterface &records, const tdm::CheckRunner &runner);
+  void create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner);
+  void create_default_processors(const TDMFileInterface &records, const tdm::Templates &templates,
+                                 const tdm::CheckRunner &runner);
   void create_globals(const TDMFileInterface &records);
   void add_section_items(const TDMFileInterface &records);
   void check() const;
-  void keep_check_failure();
   void check_names() const;
 
   tdm::NameIndex<TDMProcessor> processor_index_;

@@ -39,13 +39,15 @@ int answer(const Options &options, const Session &session, Diagnostics &diagnost
   }
 }
 
-/// Reads the description, and answers if it could be read.
+/// Reads the description, and answers if it could be read. A picture is drawn also of one that can
+/// be read and nothing more.
 int read_and_answer(const Options &options, std::ostream &out)
 {
   const Session session(options);
   Diagnostics diagnostics(session.names(), std::cerr, shows_colors(options.color, STDERR_FILENO));
   diagnostics.report(findings_of(session));
-  if (session.spec() == nullptr) return exit_code_of_errors();
+  const bool answers = session.failure().empty() || options.verb == Verb::draw;
+  if (session.spec() == nullptr || !answers) return exit_code_of_errors();
   const bool errors = tdm_get_error_count() > 0 || !session.failure().empty();
   const int result = answer(options, session, diagnostics, out);
   return errors ? exit_code_of_errors() : result;

@@ -31,6 +31,15 @@ std::string unit_text(int mau)
 
 // ---- mappings
 
+std::string mapping_text(const tdm_mapping *mapping)
+{
+  tdm_inspect_mapping facts{};
+  if (tdm_inspect_get_mapping(mapping, &facts) == 0) return "map";
+  const End to = end_of(facts.destination);
+  const std::string name = facts.name != nullptr ? text_of(facts.name) + " " : "";
+  return "map " + name + "to " + to.kind + " " + to.name;
+}
+
 namespace {
 
 struct Lines {

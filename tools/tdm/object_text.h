@@ -23,6 +23,9 @@ struct End {
 /// "(8-bit MAUs)"
 [[nodiscard]] std::string unit_text(int mau);
 
+/// "map boot to bus chip:cpu:local", in the words of its source.
+[[nodiscard]] std::string mapping_text(const tdm_mapping *mapping);
+
 /// "data lines 0..7 of 16 → 0..7 of 8", in the direction in which the mapping is crossed; "" if it
 /// connects all lines of both ends.
 [[nodiscard]] std::string lines_text(const tdm_inspect_mapping &mapping, bool forward);

@@ -1,4 +1,5 @@
-// Memories that lie over each other on a bus: what the failure of a check doesn't say of them.
+// Memories that lie over each other on a bus, and mappings of a space that overlap: what the
+// failure of a check doesn't say of them.
 #pragma once
 
 #include <vector>

@@ -37,12 +37,6 @@ std::vector<std::string> names_for_library(const FileNames &names,
   return result;
 }
 
-/// Some tell what is wrong between memories, too.
-auto parse(Verb verb)
-{
-  return verb == Verb::draw || verb == Verb::check ? tdm_inspect_parse_file : tdm_parse_file;
-}
-
 } // namespace
 
 Session::Session(const Options &options, Reads reads) : names_(names_of(options))
@@ -54,7 +48,7 @@ Session::Session(const Options &options, Reads reads) : names_(names_of(options)
   if (reads == Reads::tokens)
     tokens_ = tdm_inspect_tokens_start(TextArray(files).get(), TextArray(include_dirs).get());
   else
-    spec_ = parse(options.verb)(TextArray(files).get(), TextArray(include_dirs).get());
+    spec_ = tdm_inspect_parse_file(TextArray(files).get(), TextArray(include_dirs).get());
   if (spec_ == nullptr && tokens_ == nullptr) failure_ = tdm_inspect_failure_text();
   if (spec_ != nullptr && tdm_inspect_spec_check_failure(spec_) != nullptr)
     failure_ = tdm_inspect_spec_check_failure(spec_);

@@ -27,7 +27,8 @@ public:
   [[nodiscard]] const tdm_spec *spec() const { return spec_; }
   /// Null if the tokens can't be read, or weren't asked for.
   [[nodiscard]] tdm_token_stream *tokens() const { return tokens_; }
-  /// What is wrong with it, "" for nothing. It may be readable nevertheless, for a picture.
+  /// What is wrong with it, "" for nothing. It may be readable nevertheless, to tell more of what
+  /// is wrong; nothing is to be located by it.
   [[nodiscard]] const std::string &failure() const { return failure_; }
   [[nodiscard]] const FileNames &names() const { return names_; }
 

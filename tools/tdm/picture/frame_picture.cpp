@@ -45,17 +45,31 @@ bool covers(const Block &block, int64_t position)
   return block.span.low <= position && position < block.span.high;
 }
 
+/// The lowest line of text from there up to the top that isn't taken; the first one may reach above
+/// the top.
+std::optional<double> free_line(double top, double bottom, const std::vector<double> &taken)
+{
+  constexpr double line_height = 13;
+  for (int lines = 0; lines == 0 || bottom - line_height * (lines + 1) >= top; ++lines) {
+    const double y = bottom - line_height * lines;
+    if (std::none_of(taken.begin(), taken.end(),
+                     [y](double other) { return std::abs(other - y) < line_height; }))
+      return y;
+  }
+  return std::nullopt;
+}
+
 /// Whether both memories of the collision stand there.
-bool collide(const MemoryChart &chart, const std::vector<Block> &blocks, const Collision &collision,
-             const Span &span)
+bool collide(const MemoryChart &chart, const std::vector<Block> &blocks,
+             const std::pair<size_t, size_t> &memories, const Span &span)
 {
   bool first = false;
   bool second = false;
   for (const Block &block : blocks) {
     if (block.span.high <= span.low || span.high <= block.span.low) continue;
     const size_t memory = chart.appearances[block.appearances.front()].memory;
-    if (memory == collision.second && (first || memory != collision.first)) second = true;
-    if (memory == collision.first) first = true;
+    if (memory == memories.second && (first || memory != memories.first)) second = true;
+    if (memory == memories.first) first = true;
   }
   return first && second;
 }
@@ -285,18 +299,24 @@ void FramePicture::paint_labels(const Block &block, const Box &box, Item &item) 
 void FramePicture::paint_collisions(const Column &column, const Place &place,
                                     std::vector<Item> &out) const
 {
+  std::vector<double> lines; // of text
   for (const auto &[told, span] : collisions_) {
     const Collision &collision = *told;
-    if (!collide(chart_, column.blocks, collision, span)) continue;
+    const bool stands_here = collision.memories.has_value()
+                                 ? collide(chart_, column.blocks, *collision.memories, span)
+                                 : collision.column == column.index;
+    if (!stands_here) continue;
     const double top = place.top + scale_.at(span.low);
     const double bottom = place.top + scale_.at(span.high);
     Item item;
     item.tooltip = collision.text;
     item.boxes.push_back({place.left - 2, top, place.right - place.left + 4,
                           std::max(bottom - top, 2.0), "overlap"});
-    item.labels.push_back({place.left + 2, std::max(bottom, top + 2) - 3, small_size,
-                           Label::Anchor::start, "overlap",
-                           elided(collision.label, place.right - place.left - 4, small_size)});
+    if (const auto y = free_line(top, std::max(bottom, top + 2) - 3, lines)) {
+      lines.push_back(*y);
+      item.labels.push_back({place.left + 2, *y, small_size, Label::Anchor::start, "overlap",
+                             elided(collision.label, place.right - place.left - 4, small_size)});
+    }
     out.push_back(std::move(item));
   }
 }

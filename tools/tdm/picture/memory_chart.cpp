@@ -29,6 +29,7 @@ public:
   void add_windows();
   void add_memory(tdm_memory *memory, bool global);
   void add_collisions(const tdm_spec *spec);
+  void add_mapping_collisions(const tdm_spec *spec);
 
 private:
   void add(const tdm_space *space, const std::string &owner);
@@ -45,6 +46,7 @@ private:
   [[nodiscard]] std::optional<size_t> column_of(tdm_mapsource *source) const;
   [[nodiscard]] std::optional<size_t> column_of(tdm_mapdestination *destination) const;
   [[nodiscard]] std::string place_of(const tdm_mapping *mapping) const;
+  [[nodiscard]] Collision collision_at(size_t column, const tdm_interval &at, int64_t bits) const;
 
   const FileNames &names_;
   MemoryChart &chart_;
@@ -248,6 +250,17 @@ std::vector<Step> Reader::route_of(std::span<const tdm_inspect_hop> hops,
   return route;
 }
 
+/// Without what collides there.
+Collision Reader::collision_at(size_t column, const tdm_interval &at, int64_t bits) const
+{
+  const std::string size = human_size(bits, 1);
+  return {column,
+          at,
+          {},
+          "overlap " + size,
+          "overlap on " + chart_.columns[column].full_name + "  " + span_text(at) + ", " + size};
+}
+
 void Reader::add_collisions(const tdm_spec *spec)
 {
   for (const auto &overlap : take_elements<tdm_inspect_overlap>(tdm_inspect_spec_overlaps(spec))) {
@@ -255,15 +268,27 @@ void Reader::add_collisions(const tdm_spec *spec)
     const auto first = memories_.find(overlap.first);
     const auto second = memories_.find(overlap.second);
     if (!column || first == memories_.end() || second == memories_.end()) continue;
-    const std::string size = human_size(overlap.bits, 1);
-    const auto owner = [&](size_t memory, const tdm_mapping *mapping) {
-      return "\n" + chart_.memories[memory].full_name + ", map at " + place_of(mapping);
+    Collision collision = collision_at(*column, overlap.range, overlap.bits);
+    collision.memories.emplace(first->second, second->second);
+    const auto add_owner = [&](size_t memory, const tdm_mapping *mapping) {
+      collision.text += "\n" + chart_.memories[memory].full_name + ", map at " + place_of(mapping);
     };
-    chart_.collisions.push_back(
-        {*column, overlap.range, first->second, second->second, "overlap " + size,
-         "overlap on " + chart_.columns[*column].full_name + "  " + span_text(overlap.range) +
-             ", " + size + owner(first->second, overlap.first_mapping) +
-             owner(second->second, overlap.second_mapping)});
+    add_owner(first->second, overlap.first_mapping);
+    add_owner(second->second, overlap.second_mapping);
+    chart_.collisions.push_back(std::move(collision));
+  }
+}
+
+void Reader::add_mapping_collisions(const tdm_spec *spec)
+{
+  for (const auto &overlap :
+       take_elements<tdm_inspect_mapping_overlap>(tdm_inspect_spec_mapping_overlaps(spec))) {
+    const auto column = column_of(static_cast<const void *>(overlap.space));
+    if (!column) continue;
+    Collision collision = collision_at(*column, overlap.range, overlap.bits);
+    for (const tdm_mapping *mapping : {overlap.first, overlap.second})
+      collision.text += "\n" + mapping_text(mapping) + ", " + place_of(mapping);
+    chart_.collisions.push_back(std::move(collision));
   }
 }
 
@@ -375,6 +400,7 @@ MemoryChart read_chart(const Session &session, const std::string &processor)
   for (tdm_memory *memory : take_elements<tdm_memory *>(tdm_spec_get_memories(session.spec())))
     reader.add_memory(memory, !processor.empty());
   reader.add_collisions(session.spec());
+  reader.add_mapping_collisions(session.spec());
   join_pieces(chart.appearances);
   return chart;
 }

@@ -67,15 +67,15 @@ struct Window {
   std::string place;
 };
 
-/// Two mappings of memories that claim the same addresses of a bus. No description may have that;
-/// it is drawn nevertheless, for people to see what is wrong.
+/// Two mappings of memories that claim the same addresses of a bus, or two of a space that claim
+/// the same of its addresses. No description may have that; it is drawn nevertheless, for people to
+/// see what is wrong.
 struct Collision {
   size_t column = 0;
   tdm_interval at{};
-  size_t first = 0; ///< memories
-  size_t second = 0;
-  std::string label; ///< "overlap 4 KiB"
-  std::string text;  ///< all that there is to say
+  std::optional<std::pair<size_t, size_t>> memories; ///< nothing for mappings of a space
+  std::string label;                                 ///< "overlap 4 KiB"
+  std::string text;                                  ///< all that there is to say
 };
 
 struct MemoryChart {
