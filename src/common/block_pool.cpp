@@ -1,11 +1,12 @@
 // The slabs that blocks are cut from.
 //
 // Slabs grow with the pool: a short description has a small one, and the large ones of a large
-// description are filled with pages at once, since a fault for each page costs more than the
-// objects in it.
+// description are huge pages where the system has them, or many that are asked for at once: a fault
+// for each small page costs more than the objects in it.
 #include "common/block_pool.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <sys/mman.h>
 
 namespace tdm {
@@ -22,15 +23,49 @@ constexpr std::size_t first_slab = std::size_t{64} << 10;
 constexpr std::size_t largest_slab = std::size_t{2} << 20;
 constexpr std::align_val_t page{4096};
 
+/// As operator new does, it lets the handler try when there is none.
+char *map_memory(std::size_t size)
+{
+  for (;;) {
+    void *const mapped =
+        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped != MAP_FAILED) return static_cast<char *>(mapped);
+    const std::new_handler handler = std::get_new_handler();
+    if (handler == nullptr) throw std::bad_alloc();
+    handler();
+  }
+}
+
+// One huge page, at an address that is a multiple of its size.
+void *map_large_slab()
+{
+  constexpr std::size_t asked = largest_slab * 2;
+  char *const begin = map_memory(asked);
+  const std::size_t lead = -reinterpret_cast<std::uintptr_t>(begin) % largest_slab;
+  if (lead != 0) munmap(begin, lead);
+  if (lead != largest_slab) munmap(begin + lead + largest_slab, largest_slab - lead);
+    // Neither has to succeed: pages are then small, or come one by one.
+#ifdef MADV_HUGEPAGE
+  static_cast<void>(madvise(begin + lead, largest_slab, MADV_HUGEPAGE));
+#endif
+#ifdef MADV_POPULATE_WRITE
+  static_cast<void>(madvise(begin + lead, largest_slab, MADV_POPULATE_WRITE));
+#endif
+  return begin + lead;
+}
+
 // Slabs double in size until they are large.
 void *allocate_slab(std::size_t size)
 {
-  void *const memory = ::operator new(size, page);
-#ifdef MADV_POPULATE_WRITE
+  return size == largest_slab ? map_large_slab() : ::operator new(size, page);
+}
+
+void free_slab(void *slab, std::size_t size)
+{
   if (size == largest_slab)
-    static_cast<void>(madvise(memory, size, MADV_POPULATE_WRITE)); // or later, one by one
-#endif
-  return memory;
+    munmap(slab, size);
+  else
+    ::operator delete(slab, page);
 }
 
 } // namespace
@@ -66,7 +101,7 @@ void pool_trim() noexcept
   while (block_pool.slabs != nullptr) {
     BlockPool::Slab *const slab = block_pool.slabs;
     block_pool.slabs = slab->next;
-    ::operator delete(slab, page);
+    free_slab(slab, slab->size);
   }
   block_pool = {};
 }
