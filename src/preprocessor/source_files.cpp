@@ -2,6 +2,9 @@
 #include "preprocessor/source_files.h"
 
 #include <algorithm>
+#include <functional>
+#include <set>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -9,14 +12,12 @@ namespace tdm {
 
 namespace {
 
-struct Renaming {
-  const char *name;
-  std::int32_t file;
-};
+/// The files that have been read under a name, the latest first.
+using Readings = std::set<std::int32_t, std::greater<>>;
 
 struct {
   std::vector<SourceFile> files;
-  std::vector<Renaming> renamings;
+  std::unordered_map<const char *, Readings> readings; ///< under their own names, and by #line
   std::unordered_set<const char *> names; ///< of all files that have been opened, once each
   std::size_t main_files_left = 0;
   tdm_srcpos include = {};
@@ -27,18 +28,6 @@ struct {
 bool skipped(const SourceFile &file, std::uint32_t line)
 {
   return line > file.skip_from && line < file.skip_to;
-}
-
-/// Of two readings that a position may belong to, the later one, unless only the earlier one has
-/// read the line.
-std::int32_t better(std::int32_t found, std::int32_t index, std::uint32_t line)
-{
-  if (found < 0) return index;
-  const auto &files = state.files;
-  const bool found_read = !skipped(files[static_cast<std::size_t>(found)], line);
-  const bool index_read = !skipped(files[static_cast<std::size_t>(index)], line);
-  if (found_read != index_read) return found_read ? found : index;
-  return found > index ? found : index;
 }
 
 } // namespace
@@ -54,7 +43,7 @@ void source_files_start(std::size_t main_files)
 {
   state.names.clear();
   state.files.assign(main_files, {});
-  state.renamings.clear();
+  state.readings.clear();
   state.main_files_left = main_files;
   state.include = {};
   state.refused = false;
@@ -71,7 +60,9 @@ std::int32_t source_file_opened(const char *name, std::int32_t includer)
   if (includer < 0 && state.main_files_left > 0) {
     SourceFile &file = state.files[--state.main_files_left];
     file.name = name;
-    return static_cast<std::int32_t>(state.main_files_left);
+    const auto index = static_cast<std::int32_t>(state.main_files_left);
+    state.readings[name].insert(index);
+    return index;
   }
   SourceFile file;
   file.name = name;
@@ -80,8 +71,10 @@ std::int32_t source_file_opened(const char *name, std::int32_t includer)
     file.include = state.include;
     file.depth = state.files[static_cast<std::size_t>(includer)].depth + 1;
   }
+  const auto index = static_cast<std::int32_t>(state.files.size());
   state.files.push_back(file);
-  return static_cast<std::int32_t>(state.files.size() - 1);
+  state.readings[name].insert(index);
+  return index;
 }
 
 bool source_files_refused()
@@ -96,9 +89,7 @@ void source_files_include_at(const tdm_srcpos &place)
 
 void source_file_renamed(std::int32_t index, const char *name)
 {
-  if (state.renamings.empty() || state.renamings.back().name != name ||
-      state.renamings.back().file != index)
-    state.renamings.push_back({name, index});
+  state.readings[name].insert(index);
 }
 
 void source_file_skips(std::int32_t index, std::uint32_t line, bool skips)
@@ -123,12 +114,12 @@ const std::vector<SourceFile> &source_files()
 
 std::int32_t source_file_of(const char *name, std::uint32_t line)
 {
-  std::int32_t found = -1;
-  for (std::size_t i = 0; i < state.files.size(); ++i)
-    if (state.files[i].name == name) found = better(found, static_cast<std::int32_t>(i), line);
-  for (const Renaming &renaming : state.renamings)
-    if (renaming.name == name) found = better(found, renaming.file, line);
-  return found;
+  const auto readings = state.readings.find(name);
+  if (readings == state.readings.end()) return -1;
+  // The latest one that read the line: those that a guard made skip it come later, as a rule few.
+  for (const std::int32_t index : readings->second)
+    if (!skipped(state.files[static_cast<std::size_t>(index)], line)) return index;
+  return *readings->second.begin();
 }
 
 void source_files_limit_depth(std::int32_t depth)

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Fail when a parse grows faster than its text.
 
-    growth.py [--sanitized] PROGRAM
+    growth.py [--sanitized] [--tool TDM] PROGRAM
 
 PROGRAM parses the file that it is given, whole (bench/parse.cpp). Each shape below is a list that a
 description may hold any number of. Twice as many entries may take little more than twice the
 instructions, as callgrind counts them; what goes through a whole list for each of its entries takes
-visibly more. The counts are as small as that allows.
+visibly more. The counts are as small as that allows. TDM checks a description of many messages.
 """
 import argparse
 import os
@@ -84,13 +84,20 @@ def many_clones(count):
     return f"{HEAD}{spaces(count)}}}\nderivative d {{ {CORE} }}\n{layouts}"
 
 
+def messages_of_one_file(count):
+    """Each in another reading of it."""
+    return '#include "message.tdm"\n' * count
+
+
 SHAPES = [(copy_destinations, 1500), (named_mappings, 1000), (clone_of_banks, 400),
           (clone_of_mapped_space, 400), (clone_of_many, 250), (many_clones, 1000)]
+TOOL_SHAPES = [(messages_of_one_file, 1000)]
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--sanitized", action="store_true")
+    parser.add_argument("--tool")
     parser.add_argument("program")
     args = parser.parse_args()
     if args.sanitized:
@@ -101,13 +108,18 @@ def main():
         return SKIPPED
     faster = False
     with tempfile.TemporaryDirectory(prefix="tdm_growth_") as work:
-        for shape, count in SHAPES:
+        runs = [(args.program, (), 0, shape, count) for shape, count in SHAPES]
+        if args.tool:
+            runs += [(args.tool, ("check",), 1, shape, count) for shape, count in TOOL_SHAPES]
+        with open(os.path.join(work, "message.tdm"), "w", encoding="ascii") as text:
+            text.write("#warning\n")
+        for program, options, code, shape, count in runs:
             taken = []
             for entries in (count, 2 * count):
                 path = os.path.join(work, f"{shape.__name__}_{entries}.tdm")
                 with open(path, "w", encoding="ascii") as text:
                     text.write(shape(entries))
-                taken.append(instructions(args.program, path, f"{path}.counts"))
+                taken.append(instructions(program, path, f"{path}.counts", *options, code=code))
             ratio = taken[1] / taken[0]
             faster = faster or ratio > LIMIT
             print(f"{shape.__name__:22} {count:5} {taken[0]:12} {2 * count:5} {taken[1]:12} "
