@@ -20,8 +20,8 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 from show_json import innermost, open_objects, variants  # pylint: disable=wrong-import-position
 
-# What a group, a selection or a route doesn't always have.
-OPTIONAL = {"name", "address", "bank", "ranges", "align", "also"}
+# What a group, a selection, a route or all routes don't always have.
+OPTIONAL = {"name", "address", "bank", "ranges", "align", "also", "unused"}
 
 SECTIONS = """.text rx
 .text.main rx

@@ -20,7 +20,9 @@ public:
     for (const Route &route : answer_.routes) routes.push_back(of(route));
     Json from{{"kind", answer_.from.kind}, {"name", answer_.from.name}};
     add_place(from, answer_.at);
-    return {{"schema_version", json_schema_version}, {"from", from}, {"routes", routes}};
+    Json json{{"schema_version", json_schema_version}, {"from", from}, {"routes", routes}};
+    if (answer_.is_span) json["unused"] = unused();
+    return json;
   }
 
 private:
@@ -30,6 +32,14 @@ private:
       json["interval"] = json_interval(units_.of(at));
     else
       json["address"] = json_address(units_.of(at.low));
+  }
+
+  [[nodiscard]] Json unused() const
+  {
+    if (!answer_.unused.has_value()) return nullptr;
+    Json unused = Json::array();
+    for (const tdm_interval &at : *answer_.unused) unused.push_back(json_interval(units_.of(at)));
+    return unused;
   }
 
   [[nodiscard]] Json of(const Appearance &appearance) const
@@ -45,6 +55,8 @@ private:
   [[nodiscard]] Json of(const Route &route) const
   {
     Json json = of(route.end);
+    if (answer_.is_span)
+      json["part"] = route.part.has_value() ? json_interval(units_.of(*route.part)) : Json(nullptr);
     json["hops"] = Json::array();
     for (const Hop &hop : route.hops) json["hops"].push_back(of(hop));
     if (!answer_.forward) return json;

@@ -6,6 +6,9 @@
 //         →  bus     chip:apb          0x3010      (8-bit MAUs)  chip.tdm:9
 //         →  memory  chip:uart         0x10        (8-bit MAUs)  chip.tdm:15
 //         =  space   chip:cpu:private  0x10        (8-bit MAUs)
+//
+// Of a span, the part that gets there is told first (⊆), and what none of the routes carries last
+// (<unused>).
 #include "map_output.h"
 
 #include <algorithm>
@@ -39,6 +42,7 @@ public:
     if (answer_.is_span) root.text += "  " + human_size_of(at);
     root.text += "  " + units_.name(at.low.mau);
     for (const Route &route : answer_.routes) root.children.push_back(of(route));
+    if (!answer_.routes.empty()) add_unused(root);
     return root;
   }
 
@@ -62,9 +66,40 @@ private:
     return {std::move(text), details_of(route), {}};
   }
 
+  /// Like the rows of a space that show no memory.
+  void add_unused(Node &root) const
+  {
+    if (!answer_.is_span) return;
+    if (!answer_.unused.has_value())
+      root.children.push_back(
+          {"<unused>  not told: the patterns of the parts repeat too late", {}, {}});
+    else
+      for (const tdm_interval &unused : *answer_.unused) {
+        const tdm_interval at = units_.of(unused);
+        std::string text = "<unused>  " + span_text(at) + "  " + human_size_of(at) + "  " +
+                           units_.name(at.low.mau);
+        if (!is_plain(unused)) text += "  " + mask_text(unused);
+        root.children.push_back({std::move(text), {}, {}});
+      }
+  }
+
+  /// What of the span that was asked for gets there.
+  void add_part(Table &table, const Route &route) const
+  {
+    if (!answer_.is_span) return;
+    if (route.part.has_value()) {
+      Facts facts;
+      facts.add(mask_text(*route.part));
+      add(table, "⊆", answer_.from, *route.part, facts);
+    } else {
+      table.add({"⊆", answer_.from.kind, answer_.from.name, "<nothing>"});
+    }
+  }
+
   [[nodiscard]] std::vector<std::string> details_of(const Route &route) const
   {
     Table table;
+    add_part(table, route);
     for (const Hop &hop : route.hops) {
       if (route.hops.size() == 1) break; // told with the end
       Facts facts;

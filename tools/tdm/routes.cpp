@@ -1,24 +1,14 @@
 #include "routes.h"
 
-#include <stdexcept>
 #include <tuple>
 #include <utility>
 
+#include "parts.h"
 #include "session.h"
 
 namespace tool {
 
 namespace {
-
-/// Calls, and throws what the library says if that failed.
-template <class Call> auto checked(Call call)
-{
-  const int64_t failures_before = tdm_inspect_failure_count();
-  auto result = call();
-  if (tdm_inspect_failure_count() != failures_before)
-    throw std::runtime_error(tdm_inspect_failure_text());
-  return result;
-}
 
 /// The hops of all routes, sorted out.
 std::vector<Route> routes_of(const std::vector<tdm_inspect_hop> &hops, bool forward)
@@ -93,6 +83,7 @@ Answer routes_from(tdm_space *space, const Place &place)
   for (size_t i = 0; i < hops.size(); ++i)
     if (i + 1 == hops.size() || hops[i + 1].route != hops[i].route)
       answer.routes[static_cast<size_t>(hops[i].route)].also = other_appearances(answer, hops[i]);
+  if (answer.is_span) tell_parts(answer);
   return answer;
 }
 
@@ -115,6 +106,7 @@ Answer routes_from(tdm_memory *memory, const std::optional<Place> &place)
     });
     for (Route &route : routes_of(hops, false)) answer.routes.push_back(std::move(route));
   }
+  if (answer.is_span) tell_parts(answer);
   return answer;
 }
 

@@ -2,6 +2,7 @@
 // end show up.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <tdm_c/tdm_inspect.h>
@@ -28,7 +29,9 @@ struct Hop {
 
 struct Route {
   Appearance end;
-  std::vector<Hop> hops;        ///< never empty; the last one leads to the end
+  std::vector<Hop> hops; ///< never empty; the last one leads to the end
+  /// Of a span: what of it reaches the end, in units of the start; nothing if not one bit does.
+  std::optional<tdm_interval> part;
   std::vector<Appearance> also; ///< forward: the spaces that lead to the same cells
 };
 
@@ -40,6 +43,8 @@ struct Answer {
   bool is_span = false;
   bool forward = true;
   std::vector<Route> routes;
+  /// Of a span: what no route carries, in ascending order; nothing if no interval can say that.
+  std::optional<std::vector<tdm_interval>> unused;
 };
 
 /// From a space to memories. Throws std::runtime_error if the library can't translate that.

@@ -1,11 +1,12 @@
 // The library from start to end, around one description.
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <tdm_c/tdm.h>
-#include <tdm_c/tdm_inspect_source.h>
+#include <tdm_c/tdm_inspect.h>
 
 #include "file_names.h"
 #include "options.h"
@@ -53,6 +54,16 @@ template <class Element> std::vector<Element> take_elements(tdm_arr *arr)
   std::vector<Element> elements(items, items + arr->count);
   tdm_arr_del(arr);
   return elements;
+}
+
+/// Calls, and throws what the library says if that failed.
+template <class Call> auto checked(Call call)
+{
+  const int64_t failures_before = tdm_inspect_failure_count();
+  auto result = call();
+  if (tdm_inspect_failure_count() != failures_before)
+    throw std::runtime_error(tdm_inspect_failure_text());
+  return result;
 }
 
 /// "" for null.
