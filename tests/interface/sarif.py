@@ -4,8 +4,8 @@
     sarif.py TRANSCRIPT...
 
 sarif-2.1.0-rtm.5.json is the schema of the committee behind the format, unchanged, as the package
-@microsoft/jest-sarif carries it. What a schema can't say is asked here: a result finds its rule. Without
-python3-jsonschema nothing is looked at: exit code 77.
+@microsoft/jest-sarif carries it. What a schema can't say is asked here: a result finds its rule, and it
+stands somewhere. Without python3-jsonschema nothing is looked at: exit code 77.
 """
 import json
 import sys
@@ -34,6 +34,8 @@ def faults(report, validator):
         for result in run["results"]:
             if rules[result["ruleIndex"]]["id"] != result["ruleId"]:
                 yield f"{result['ruleId']} is not rule {result['ruleIndex']}"
+            if not result["locations"]:
+                yield f"{result['ruleId']} is nowhere: {result['message']['text']}"
 
 
 def main():

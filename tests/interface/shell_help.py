@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Manual page and completions know every option, and the shells take them.
+"""Manual page and completions know every option, and the shells take them. Help isn't too wide.
 
     shell_help.py TDM SCRIPT
 
@@ -11,6 +11,8 @@ import shutil
 import subprocess
 import sys
 import tempfile
+
+MOST_COLUMNS = 100
 
 # (words in front of the cursor, what bash offers; None: names of files)
 COMPLETIONS = (
@@ -42,6 +44,13 @@ def option_faults(tool, made):
                     lines = [line for line in lines if verb["name"] in line]
                 if not any(spelled[file] in line for line in lines):
                     yield f"{file}: nothing of {verb['name']} {name}"
+
+
+def width_faults(tdm, tool):
+    for verb in tool["verbs"]:
+        for line in run(tdm, verb["name"], "--help", cwd=".").stdout.splitlines():
+            if len(line) > MOST_COLUMNS:
+                yield f"tdm {verb['name']} --help: {len(line)} columns: {line}"
 
 
 def completion_faults(directory):
@@ -78,7 +87,7 @@ def main():
         subprocess.run([sys.executable, script, tdm, directory], check=True)
         made = {path.name: path.read_text(encoding="utf-8")
                 for path in pathlib.Path(directory).iterdir()}
-        faults = [*option_faults(tool, made), *completion_faults(directory),
+        faults = [*option_faults(tool, made), *width_faults(tdm, tool), *completion_faults(directory),
                   *syntax_faults(directory)]
     print("\n".join(faults) or "manual and completions are complete")
     return 1 if faults else 0

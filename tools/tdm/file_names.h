@@ -17,16 +17,24 @@ public:
   /// For the library.
   [[nodiscard]] std::string absolute(const std::string &name) const;
 
-  /// For the user, a name of the library's: relative to the working directory, or to one above it,
-  /// unless the user gave it as an absolute one.
+  /// For the user, a name of the library's: relative to the working directory, or to one above it;
+  /// absolute if that is how the user gave it, or where it is found, or else the first name of all.
   [[nodiscard]] std::string shown(std::string_view name) const;
 
+  /// The same without detours through "." and "..", if the file is still found then.
+  [[nodiscard]] std::string shown_plainly(const std::string &name) const;
+
 private:
-  [[nodiscard]] bool is_kept(std::string_view name, size_t longer_than) const;
+  /// A file, or with a "/" behind it a directory, by its plain absolute name.
+  struct Given {
+    std::string name;
+    bool absolute; ///< as the user gave it
+  };
+
+  [[nodiscard]] bool is_absolute(std::string_view name) const;
 
   std::string directory_; ///< ends with "/"
-  /// Directories that the user gave by absolute names, each with its "/".
-  std::vector<std::string> kept_;
+  std::vector<Given> given_;
 };
 
 } // namespace tool

@@ -41,17 +41,16 @@ struct NamingText {
 constexpr NamingText naming_texts[] = {{"cannot open \"", "\""},
                                        {"the file ", " could not be opened"}};
 
-std::string with_shown_name(std::string_view text, const FileNames &names)
+void set_text(Finding &finding, std::string_view text, const FileNames &names)
 {
+  finding.text = text;
   for (const auto &[before, after] : naming_texts)
     if (text.size() > before.size() + after.size() && text.starts_with(before) &&
         text.ends_with(after)) {
       const size_t length = text.size() - before.size() - after.size();
-      return std::string(before)
-          .append(names.shown(text.substr(before.size(), length)))
-          .append(after);
+      finding.file = names.shown(text.substr(before.size(), length));
+      finding.text = std::string(before).append(finding.file).append(after);
     }
-  return std::string(text);
 }
 
 const char *severity_name(char letter)
@@ -84,7 +83,7 @@ Finding finding_of(const tdm_inspect_message &message, const FileNames &names)
   Finding finding;
   finding.severity = severity_name(message.letter);
   finding.number = message.letter + std::to_string(message.number);
-  finding.text = with_shown_name(text_of(message.text), names);
+  set_text(finding, text_of(message.text), names);
   finding.place = place_of(text_of(message.position.file), message.position.line,
                            message.position.column, names);
   finding.included_from = include_chain_of(finding.place, names);
@@ -124,7 +123,7 @@ Failure parse_failure(const std::string &text)
 Finding finding_of(const Failure &failure, const FileNames &names)
 {
   Finding finding;
-  finding.text = with_shown_name(failure.text, names);
+  set_text(finding, failure.text, names);
   finding.place = place_of(failure.file, failure.line, failure.column, names);
   finding.included_from = include_chain_of(finding.place, names);
   return finding;

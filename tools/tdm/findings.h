@@ -21,6 +21,7 @@ struct Finding {
   std::string number;             ///< "E948"; empty for what isn't of the preprocessor
   std::string text;               ///< with the names of files as the user knows them
   SourcePlace place;
+  std::string file; ///< of which the text says that it can't be opened, as the user knows it
   std::vector<SourcePlace> included_from; ///< the #include lines on the way, the nearest first
   std::vector<Finding> notes;
 };

@@ -68,13 +68,13 @@ void add_limits(CLI::App &verb, Options &options)
   add(
       "--timeout", "SECONDS", is_time,
       [to](const std::string &given) { to->timeout = *seconds_of(given); },
-      "Stop after that time: 60 s is the default, 0 for no end. Waiting for whoever\n"
-      "takes the output doesn't count");
+      "Stop after that time: 60 s is the default, 0 for no end. Waiting for\n"
+      "whoever takes the output doesn't count");
   add(
       "--max-memory", "SIZE", is_size,
       [to](const std::string &given) { to->max_memory = *parse_number(given); },
-      "Stop when more memory is needed, in bytes or with k, m or g behind the number:\n"
-      "2g is the default, 0 for all that there is");
+      "Stop when more memory is needed, in bytes or with k, m or g behind\n"
+      "the number: 2g is the default, 0 for all that there is");
 }
 
 /// What every verb that reads a description takes. A repeated option takes one value each time, so
@@ -102,9 +102,9 @@ void add_check(CLI::App &verb, Options &options)
   verb.add_flag("--each", options.each,
                 "Each FILE is a description of its own; a last line sums up");
   add_choice(verb, "--format", options.format, "text|json|sarif|github",
-             "How to report: for people, on the standard error output (the default); as\n"
-             "JSON; as SARIF 2.1.0; as commands for a workflow of GitHub. The last three go\n"
-             "to the standard output");
+             "How to report: for people, on the standard error output (the default);\n"
+             "as JSON; as SARIF 2.1.0; as commands for a workflow of GitHub. The\n"
+             "last three go to the standard output");
   CLI::Option *depfile = verb.add_option("--depfile", options.depfile,
                                          "Write the files that were read to FILE, as a Makefile "
                                          "rule")
@@ -137,7 +137,7 @@ void add_preprocess(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
   verb.add_flag("-P,--no-line-markers", options.no_markers,
-                "Leave out the lines that tell where the text comes from, and empty ones");
+                "Leave out the lines that tell where the text is from, and empty ones");
   verb.callback([&options] { options.verb = Verb::preprocess; });
   verb.footer(
       "Writes what is left of the files for the language, as cpp does: each token on the\n"
@@ -163,19 +163,19 @@ void add_map(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
   verb.add_option("--space", options.space,
-                  "The address is one of a space: show every route to memory, and where else it\n"
-                  "shows up. NAME is processor:core:space, or the plain name if there is one such\n"
-                  "space")
+                  "The address is one of a space: show every route to memory, and where\n"
+                  "else it shows up. NAME is processor:core:space, or the plain name if\n"
+                  "there is one such space")
       ->type_name("NAME");
   verb.add_option("--memory", options.memory,
                   "The address is one of a memory: show every route back to spaces and\n"
                   "buses. NAME is processor:memory, or the plain name")
       ->type_name("NAME");
   verb.add_option("--at", options.at,
-                  "Where, in units (MAUs) of the space or memory; END isn't part of the span.\n"
-                  "Numbers are decimal, hex (0x10) or octal (010), and k, m, g multiply by\n"
-                  "1024, 1024^2, 1024^3. Left out: a table of the space, of all spaces, or the\n"
-                  "whole memory")
+                  "Where, in units (MAUs) of the space or memory; END isn't part of the\n"
+                  "span. Numbers are decimal, hex (0x10) or octal (010), and k, m, g\n"
+                  "multiply by 1024, 1024^2, 1024^3. Left out: a table of the space, of\n"
+                  "all spaces, or the whole memory")
       ->type_name("[BANK:]ADDRESS[.BIT][..END]");
   verb.add_option("--unit", options.unit, "Show addresses in units of so many bits")
       ->type_name("BITS")
@@ -194,6 +194,8 @@ void add_map(CLI::App &verb, Options &options)
     if (has_place) options.place = parse_place(options.at);
   });
   verb.footer("Ends with 3 if there is no route. Addresses are shown in the form that --at takes.\n"
+              "Of a span, each route tells the part that it carries, and <unused> is what none\n"
+              "does.\n"
               "Examples:\n"
               "  tdm map chip.tdm --space linear\n"
               "  tdm map chip.tdm --space linear --at 0x10000100\n"
@@ -267,13 +269,14 @@ void add_eval(CLI::App &verb, Options &options)
   add_expression(verb, options);
   add_walk(verb, options);
   verb.add_option("--symbol", options.symbols,
-                  "A symbol and its value, a number as a description has it or with - before it")
+                  "A symbol and its value, a number as a description has it, or one with\n"
+                  "- before it")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
-  verb.add_option(
-          "--defined", options.defined,
-          "That symbol is defined, though its value isn't known. defined() is 0 in arithmetic\n"
-          "all the same; whether the expression names such a symbol is told behind the value")
+  verb.add_option("--defined", options.defined,
+                  "That symbol is defined, though its value isn't known. defined() is 0\n"
+                  "in arithmetic all the same; whether the expression names such a symbol\n"
+                  "is told behind the value")
       ->type_name("NAME")
       ->allow_extra_args(false);
   verb.callback([&options] { options.verb = Verb::eval; });
@@ -307,7 +310,7 @@ void add_deps(CLI::App &verb, Options &options)
 {
   add_input(verb, options);
   verb.add_option("--target", options.target,
-                  "What depends on the files; by default the first FILE with the ending .d")
+                  "What depends on the files; by default the first FILE, ending in .d")
       ->type_name("NAME");
   verb.callback([&options] { options.verb = Verb::deps; });
   verb.footer("Example:\n"

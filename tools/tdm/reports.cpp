@@ -76,7 +76,7 @@ public:
   explicit SarifReport(const std::vector<Checked> &descriptions)
   {
     for (const Checked &checked : descriptions)
-      for (const Finding &finding : checked.findings) add(finding);
+      for (const Finding &finding : checked.findings) add(finding, checked.files.front());
     for (const Checked &checked : descriptions) successful_ = successful_ && checked.in_order;
   }
 
@@ -113,6 +113,12 @@ private:
     return {{"physicalLocation", std::move(physical)}};
   }
 
+  static SourcePlace place_of(const Finding &finding, const std::string &description)
+  {
+    if (!finding.place.file.empty()) return finding.place;
+    return {"", finding.file.empty() ? description : finding.file, 0, 0};
+  }
+
   size_t rule_index(const Finding &finding)
   {
     const std::string &id = rule_of(finding);
@@ -129,14 +135,14 @@ private:
     return rules_.size() - 1;
   }
 
-  void add(const Finding &finding)
+  /// What stands at no place is about a file that can't be opened, or about all of a description.
+  void add(const Finding &finding, const std::string &description)
   {
     Json result = {{"ruleId", rule_of(finding)},
                    {"ruleIndex", rule_index(finding)},
                    {"level", finding.severity},
                    {"message", {{"text", finding.text}}},
-                   {"locations", Json::array()}};
-    if (!finding.place.file.empty()) result["locations"].push_back(location(finding.place));
+                   {"locations", Json::array({location(place_of(finding, description))})}};
     Json related = Json::array();
     const auto relate = [&](const SourcePlace &place, const std::string &text) {
       if (place.file.empty()) return;
@@ -181,7 +187,8 @@ void write_github(const Finding &finding, std::ostream &out)
 {
   const bool is_note = std::string_view(finding.severity) == "note";
   out << "::" << (is_note ? "notice" : finding.severity) << ' ';
-  if (!finding.place.file.empty()) out << "file=" << escaped(finding.place.file, true) << ',';
+  const std::string &file = finding.place.file.empty() ? finding.file : finding.place.file;
+  if (!file.empty()) out << "file=" << escaped(file, true) << ',';
   if (finding.place.line > 0)
     out << "line=" << finding.place.line << ",col=" << finding.place.column << ',';
   out << "title=tdm" << (finding.number.empty() ? "" : " ") << finding.number

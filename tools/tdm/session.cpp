@@ -65,7 +65,7 @@ FileNames names_of(const Options &options)
 {
   std::vector<std::string> names = options.files;
   for (const std::string &directory : options.include_dirs) names.push_back(directory + "/");
-  names.push_back(options.sections);
+  if (options.sections != "-") names.push_back(options.sections);
   return {std::filesystem::current_path().string(), names};
 }
 

@@ -1,11 +1,11 @@
 // The files that a description is made of, as a Makefile rule: the verb deps, and what check
-// leaves.
-#include "verbs.h"
-#include "make_rule.h"
+// leaves. Make takes names as texts, so each file has one: the plainest.
+#include <algorithm>
 
 #include <tdm_c/tdm_inspect.h>
 
-#include <algorithm>
+#include "make_rule.h"
+#include "verbs.h"
 
 namespace tool {
 
@@ -44,7 +44,7 @@ std::vector<std::string> files_read(const Session &session)
 {
   std::vector<std::string> files;
   for (const auto &file : take_elements<tdm_inspect_source_file>(tdm_inspect_source_files())) {
-    std::string name = session.names().shown(file.name);
+    std::string name = session.names().shown_plainly(file.name);
     if (std::find(files.begin(), files.end(), name) == files.end())
       files.push_back(std::move(name));
   }
@@ -53,12 +53,8 @@ std::vector<std::string> files_read(const Session &session)
 
 int deps(const Options &options, const Session &session, std::ostream &out)
 {
-  std::vector<std::string> files;
-  for (const char *file :
-       take_elements<const char *>(tdm_spec_get_file_dependencies(session.spec())))
-    files.push_back(session.names().shown(file));
   write_make_rule(options.target.empty() ? default_target(options.files.front()) : options.target,
-                  files, out);
+                  files_read(session), out);
   return exit_ok;
 }
 
