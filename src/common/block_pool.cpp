@@ -78,19 +78,15 @@ struct alignas(BlockPool::grain) BlockPool::Slab {
 };
 
 // What is left of the slab before is lost.
-void *pool_cut(std::size_t grains)
+void *pool_cut(std::size_t size)
 {
-  const std::size_t size = grains * BlockPool::grain;
-  if (static_cast<std::size_t>(block_pool.end - block_pool.cursor) < size) {
-    const std::size_t last = block_pool.slabs == nullptr ? 0 : block_pool.slabs->size;
-    const std::size_t room = std::clamp(last * 2, first_slab, largest_slab);
-    auto *const slab = new (allocate_slab(room)) BlockPool::Slab{block_pool.slabs, room};
-    block_pool.slabs = slab;
-    block_pool.cursor = reinterpret_cast<char *>(slab + 1);
-    block_pool.end = reinterpret_cast<char *>(slab) + room;
-  }
-  void *const block = block_pool.cursor;
-  block_pool.cursor += size;
+  const std::size_t last = block_pool.slabs == nullptr ? 0 : block_pool.slabs->size;
+  const std::size_t room = std::clamp(last * 2, first_slab, largest_slab);
+  auto *const slab = new (allocate_slab(room)) BlockPool::Slab{block_pool.slabs, room};
+  block_pool.slabs = slab;
+  void *const block = slab + 1;
+  block_pool.cursor = static_cast<char *>(block) + size;
+  block_pool.end = reinterpret_cast<char *>(slab) + room;
   ++block_pool.in_use;
   return block;
 }

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <new>
+#include <vector>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define TDM_PLAIN_BLOCKS 1
@@ -55,16 +56,22 @@ struct BlockPool {
 };
 [[gnu::visibility("hidden")]] extern BlockPool block_pool;
 
-/// A new block of so many grains.
-[[nodiscard]] void *pool_cut(std::size_t grains);
+/// A block of so many bytes, a multiple of the grain, at the beginning of a new slab.
+[[nodiscard]] void *pool_cut(std::size_t size);
 
 [[nodiscard]] inline void *pool_allocate(std::size_t size)
 {
   if (size > BlockPool::largest) return ::operator new(size);
   const std::size_t grains = (size + BlockPool::grain - 1) / BlockPool::grain;
-  BlockPool::FreeBlock *const block = block_pool.free[grains];
-  if (block == nullptr) return pool_cut(grains);
-  block_pool.free[grains] = block->next;
+  if (BlockPool::FreeBlock *const block = block_pool.free[grains]) {
+    block_pool.free[grains] = block->next;
+    ++block_pool.in_use;
+    return block;
+  }
+  const std::size_t whole = grains * BlockPool::grain;
+  if (static_cast<std::size_t>(block_pool.end - block_pool.cursor) < whole) return pool_cut(whole);
+  void *const block = block_pool.cursor;
+  block_pool.cursor += whole;
   ++block_pool.in_use;
   return block;
 }
@@ -99,6 +106,9 @@ template <typename T> struct PoolAllocator {
 
   friend bool operator==(PoolAllocator, PoolAllocator) { return true; }
 };
+
+/// A vector that keeps its elements in the pool: for the short lists of the many.
+template <typename T> using PooledVector = std::vector<T, PoolAllocator<T>>;
 
 /// A base that makes objects live in the pool. What derives from it needs a virtual destructor, or
 /// must be deleted as what it is.
