@@ -1,64 +1,103 @@
 // Finds the objects of a list by name: of each name, the place of the first that has it.
 //
-// A hash table with linear probing. It keeps its own copy of the names, all in one text, so that it
-// can hold names that no object stores as they are asked for, such as full names.
+// The table holds places alone and reads the names where they stand, through a function from a
+// place to its name. Names that are made of parts are compared part by part, so that none is
+// composed. Most lists are so short that going through them beats any table; a longer one gets a
+// hash table with linear probing.
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <vector>
 
+#include "common/block_pool.h"
 #include "common/text_hash.h"
 
 namespace tdm {
+
+[[nodiscard]] inline uint32_t name_hash(std::string_view name)
+{
+  return static_cast<uint32_t>(text_hash(name));
+}
+[[nodiscard]] inline bool same_name(std::string_view a, std::string_view b)
+{
+  return a.size() == b.size() && same_bytes(a.data(), b.data(), a.size());
+}
 
 class NameTable {
 public:
   static constexpr uint32_t none = UINT32_MAX;
 
-  /// Makes room for so many names.
-  void reserve(size_t count);
+  /// How many names it knows, repeated ones too.
+  [[nodiscard]] uint32_t size() const { return count_; }
 
-  /// Does nothing if the name is known.
-  void add(std::string_view name, uint32_t place);
-
-  /// The place of the name, or `none`. The hash is that of the name.
-  [[nodiscard]] uint32_t find(std::string_view name, uint32_t hash) const
+  /// Makes room for so many names in all.
+  template <typename NameAt> void reserve(size_t count, NameAt name_at)
   {
-    if (slots_.empty()) return none;
-    return slots_[slot_of(name, hash)].place;
+    if (count <= few || count <= slots_.size() / 3 * 2) return;
+    const bool first = slots_.empty();
+    resize(count);
+    if (!first) return;
+    for (uint32_t place = 0; place < count_; ++place) enter(place, name_at);
   }
-  [[nodiscard]] uint32_t find(std::string_view name) const
+
+  /// Takes in the name at the next place. Gives the place of the first that has it, which is the
+  /// next place itself unless the name is a repeated one.
+  template <typename NameAt> uint32_t append(NameAt name_at)
   {
-    return find(name, static_cast<uint32_t>(text_hash(name)));
+    reserve(size_t{count_} + 1, name_at);
+    const uint32_t place = count_++;
+    return slots_.empty() ? first_of(name_at(place), name_at) : enter(place, name_at);
+  }
+
+  /// The place of the name, or `none`.
+  template <typename Name, typename NameAt>
+  [[nodiscard]] uint32_t find(const Name &name, NameAt name_at) const
+  {
+    if (slots_.empty()) return first_of(name, name_at);
+    return slots_[slot_of(name, name_hash(name), name_at)].place;
   }
 
 private:
+  static constexpr uint32_t few = 4;
+
   struct Slot {
     uint32_t hash = 0;
-    uint32_t begin = 0; ///< in the texts
-    uint32_t length = 0;
     uint32_t place = none; ///< none: free
   };
 
-  /// The slot that holds the name, or the free one where it belongs. There is always a free one.
-  [[nodiscard]] size_t slot_of(std::string_view name, uint32_t hash) const
+  template <typename Name, typename NameAt>
+  [[nodiscard]] uint32_t first_of(const Name &name, NameAt name_at) const
   {
-    const Slot *slots = slots_.data();
+    for (uint32_t place = 0; place < count_; ++place)
+      if (same_name(name_at(place), name)) return place;
+    return none;
+  }
+
+  /// The slot that holds the name, or the free one where it belongs. There is always a free one.
+  template <typename Name, typename NameAt>
+  [[nodiscard]] size_t slot_of(const Name &name, uint32_t hash, NameAt name_at) const
+  {
     const size_t last = slots_.size() - 1;
     for (size_t i = hash & last;; i = (i + 1) & last) {
-      const Slot &slot = slots[i];
-      if (slot.place == none || (slot.hash == hash && slot.length == name.size() &&
-                                 same_bytes(texts_.data() + slot.begin, name.data(), name.size())))
+      const Slot &slot = slots_[i];
+      if (slot.place == none || (slot.hash == hash && same_name(name_at(slot.place), name)))
         return i;
     }
   }
-  void resize(size_t slots);
 
-  std::vector<Slot> slots_; ///< a power of two, or none
-  std::string texts_;
-  size_t count_ = 0;
+  template <typename NameAt> uint32_t enter(uint32_t place, NameAt name_at)
+  {
+    const auto &name = name_at(place);
+    const uint32_t hash = name_hash(name);
+    Slot &slot = slots_[slot_of(name, hash, name_at)];
+    if (slot.place == none) slot = {hash, place};
+    return slot.place;
+  }
+
+  void resize(size_t count);
+
+  PooledVector<Slot> slots_; ///< a power of two; none for few names
+  uint32_t count_ = 0;
 };
 
 } // namespace tdm

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "common/source_location.h"
 
@@ -32,3 +34,36 @@ struct TDM_CLIENT_API TDMObject {
     return fallback;
   }
 };
+
+namespace tdm {
+
+/// Makes containers keep their elements where model objects live.
+template <typename T> struct ObjectAllocator {
+  /// What the elements are.
+  using value_type = T;
+
+  ObjectAllocator() = default;
+  /// All of them are alike.
+  template <typename Other> ObjectAllocator(const ObjectAllocator<Other> &) noexcept {}
+
+  /// Memory for so many elements.
+  [[nodiscard]] T *allocate(std::size_t count)
+  {
+    return static_cast<T *>(TDMObject::operator new(count * sizeof(T)));
+  }
+  /// Gives it back.
+  void deallocate(T *elements, std::size_t count) noexcept
+  {
+    TDMObject::operator delete(elements, count * sizeof(T));
+  }
+
+  /// All of them are alike.
+  friend bool operator==(ObjectAllocator, ObjectAllocator) { return true; }
+};
+
+/// A list in an object of which there are many.
+template <typename T> using ObjectList = std::vector<T, ObjectAllocator<T>>;
+/// A text in an object of which there are many.
+using ObjectText = std::basic_string<char, std::char_traits<char>, ObjectAllocator<char>>;
+
+} // namespace tdm

@@ -31,10 +31,13 @@ namespace tdm {
   return byte(0) << 16 | byte(count / 2) << 8 | byte(count - 1);
 }
 
+/// Both halves of the product, so that the low bits, by which tables are searched, depend on all
+/// bits of the word: names that are numbered differ in its highest byte.
 [[nodiscard]] inline std::uint64_t mix_hash(std::uint64_t h, std::uint64_t word)
 {
-  h = (h ^ word) * 0x9E3779B97F4A7C15;
-  return h ^ h >> 32;
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(h ^ word) * 0x9E3779B97F4A7C15;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
 [[nodiscard]] inline std::uint64_t text_hash(std::string_view text)

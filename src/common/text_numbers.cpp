@@ -4,11 +4,11 @@ namespace tdm {
 
 std::uint32_t TextNumbers::add(const char *text)
 {
-  if (const std::uint32_t known = numbers_.find(text); known != none) return known;
+  if (const std::uint32_t known = find(text); known != none) return known;
   const auto number = static_cast<std::uint32_t>(texts_.size());
   texts_.push_back(text);
   try {
-    numbers_.add(text, number);
+    numbers_.append(TextAt{texts_});
   } catch (...) {
     texts_.pop_back();
     throw;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "common/name_table.h"
@@ -19,7 +20,10 @@ public:
   [[nodiscard]] std::uint32_t add(const char *text);
 
   /// The number of the text, or `none`.
-  [[nodiscard]] std::uint32_t find(const char *text) const { return numbers_.find(text); }
+  [[nodiscard]] std::uint32_t find(const char *text) const
+  {
+    return numbers_.find(std::string_view(text), TextAt{texts_});
+  }
 
   /// The text of a number that add() gave.
   [[nodiscard]] const char *text(std::uint32_t number) const { return texts_[number]; }
@@ -29,6 +33,12 @@ public:
   void clear() { *this = {}; }
 
 private:
+  struct TextAt {
+    const std::vector<const char *> &texts;
+
+    std::string_view operator()(std::uint32_t number) const { return texts[number]; }
+  };
+
   NameTable numbers_;
   std::vector<const char *> texts_;
 };

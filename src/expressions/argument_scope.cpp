@@ -27,7 +27,7 @@ std::size_t count_terms(const TDMFileExpression &record)
   return terms;
 }
 
-/// Replaces the variables of copies, and counts the terms that come out over all of them.
+/// Replaces variables, and counts the terms that come out over all arguments.
 class Substitution {
 public:
   Substitution(const ArgumentScope &scope, const TDMSourceLocation &place)
@@ -35,7 +35,34 @@ public:
   {
   }
 
-  ExpressionPtr rewrite(const TDMFileExpression &argument)
+  Argument rewrite(const TDMFileExpression &argument)
+  {
+    if (argument.kind() == kExprVarRef)
+      return {value_of(static_cast<const TDMExprVarRef &>(argument)), nullptr};
+    if (!has_variables(argument)) {
+      count(count_terms(argument));
+      return {&argument, nullptr};
+    }
+    ExpressionPtr copy = rewritten_copy(argument);
+    const TDMFileExpression *record = copy.get();
+    return {record, std::move(copy)};
+  }
+
+private:
+  static bool has_variables(const TDMFileExpression &record)
+  {
+    WorkStack<const TDMFileExpression *> pending;
+    pending.push(&record);
+    while (!pending.empty()) {
+      const TDMFileExpression &next = *pending.pop();
+      if (next.kind() == kExprVarRef) return true;
+      const ExpressionOperands operands = operands_of(next);
+      for (std::size_t i = 0; i < operands.count; ++i) pending.push(operands.slots[i]->get());
+    }
+    return false;
+  }
+
+  ExpressionPtr rewritten_copy(const TDMFileExpression &argument)
   {
     struct Pair {
       const TDMFileExpression *from; // has the locations that its copy lacks
@@ -47,7 +74,7 @@ public:
     while (!pending.empty()) {
       const Pair pair = pending.pop();
       if (pair.from->kind() == kExprVarRef) {
-        *pair.copy = value_of(static_cast<const TDMExprVarRef &>(*pair.from));
+        *pair.copy = value_of(static_cast<const TDMExprVarRef &>(*pair.from))->clone();
         continue;
       }
       count(1);
@@ -59,8 +86,7 @@ public:
     return result;
   }
 
-private:
-  ExpressionPtr value_of(const TDMExprVarRef &variable)
+  const TDMFileExpression *value_of(const TDMExprVarRef &variable)
   {
     const ArgumentScope::Binding *binding = scope_.find(variable.name);
     if (binding == nullptr) {
@@ -69,7 +95,7 @@ private:
     }
     if (binding->terms == 0) binding->terms = count_terms(*binding->record);
     count(binding->terms);
-    return binding->record->clone();
+    return binding->record;
   }
 
   void count(std::size_t terms)
@@ -108,28 +134,61 @@ void report_too_large(const TDMSourceLocation &location)
   throw new TDMSyntaxException(location, "expression too large, the limit is 1000000 terms");
 }
 
-void ArgumentScope::bind(const FileParameters &parameters, const ExpressionList &arguments)
+Arguments arguments_of(const ExpressionList &list)
+{
+  Arguments arguments;
+  arguments.reserve(list.size());
+  for (const ExpressionPtr &record : list) arguments.push_back({record.get(), nullptr});
+  return arguments;
+}
+
+// Of parameters of one name the last one counts.
+void ArgumentScope::bind(const FileParameters &parameters, Arguments arguments)
 {
   if (arguments.size() > parameters.size()) throw new TDMTooManyArgumentsException;
-  bindings_.clear();
+  single_.reset();
+  bound_.clear();
+  bound_names_ = {};
+  bound_.reserve(parameters.size());
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     const bool is_given = i < arguments.size();
-    const ExpressionPtr &record = is_given ? arguments[i] : parameters[i].defaultValue;
-    if (!record) throw new TDMTooFewArgumentsException;
-    bind(parameters[i].name, record->clone());
+    const ExpressionPtr &otherwise = parameters[i].defaultValue;
+    if (!is_given && !otherwise) throw new TDMTooFewArgumentsException;
+    bound_.push_back(
+        {parameters[i].name, is_given ? Binding{arguments[i].record, std::move(arguments[i].owned)}
+                                      : Binding{otherwise.get(), nullptr}});
+    const uint32_t first = bound_names_.append(NameAt{bound_});
+    if (first != i) bound_[first].binding = std::move(bound_[i].binding);
   }
 }
 
 void ArgumentScope::bind(std::string name, ExpressionPtr record)
 {
-  bindings_.insert_or_assign(std::move(name), Binding{std::move(record)});
+  const TDMFileExpression *bound = record.get();
+  single(std::move(name)) = {bound, std::move(record)};
 }
 
-ExpressionList ArgumentScope::substitute(const ExpressionList &arguments,
-                                         const TDMSourceLocation &place) const
+/// The binding of a single name, which there is from now on.
+ArgumentScope::Binding &ArgumentScope::single(std::string name) const
+{
+  if (single_ == nullptr) single_ = std::make_unique<Bindings>();
+  return (*single_)[std::move(name)];
+}
+
+ArgumentScope ArgumentScope::copy() const
+{
+  ArgumentScope result;
+  for (std::size_t i = 0; i < bound_.size(); ++i)
+    if (bound_names_.find(bound_[i].name, NameAt{bound_}) == i)
+      result.bind(std::string(bound_[i].name), bound_[i].binding.record->clone());
+  return result;
+}
+
+Arguments ArgumentScope::substitute(const ExpressionList &arguments,
+                                    const TDMSourceLocation &place) const
 {
   Substitution substitution(*this, place);
-  ExpressionList result;
+  Arguments result;
   result.reserve(arguments.size());
   for (const ExpressionPtr &argument : arguments) result.push_back(substitution.rewrite(*argument));
   return result;
@@ -137,7 +196,10 @@ ExpressionList ArgumentScope::substitute(const ExpressionList &arguments,
 
 const ArgumentScope::Binding *ArgumentScope::find(std::string_view name) const
 {
-  if (const auto found = bindings_.find(name); found != bindings_.end()) return &found->second;
+  if (single_ != nullptr)
+    if (const auto found = single_->find(name); found != single_->end()) return &found->second;
+  if (const uint32_t place = bound_names_.find(name, NameAt{bound_}); place != NameTable::none)
+    return &bound_[place].binding;
   if (parameters_ != nullptr)
     if (const Binding *binding = parameters_->find(name)) return binding;
   return memories_ != nullptr ? find_memory(name) : nullptr;
@@ -151,9 +213,11 @@ const ArgumentScope::Binding *ArgumentScope::find_memory(std::string_view name) 
   else if (name.substr(0, memory_size_prefix.size()) == memory_size_prefix)
     value = memories_->memory_size(std::string(name.substr(memory_size_prefix.size())));
   if (!value) return nullptr;
-  const auto added =
-      bindings_.emplace(std::string(name), Binding{std::make_unique<TDMExprNumber>(*value)});
-  return &added.first->second;
+  ExpressionPtr record = std::make_unique<TDMExprNumber>(*value);
+  const TDMFileExpression *bound = record.get();
+  Binding &binding = single(std::string(name));
+  binding = {bound, std::move(record)};
+  return &binding;
 }
 
 } // namespace tdm

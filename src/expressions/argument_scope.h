@@ -8,11 +8,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
+#include "common/name_table.h"
 #include "common/source_location.h"
 #include "language/basic_records.h"
 #include "language/expr_records.h"
@@ -37,6 +39,16 @@ protected:
   ~MemoryReferences() = default;
 };
 
+/// What a parameter is to be bound to: a record of the text, which lives as long as any scope of
+/// the parse, or one that has been made for the purpose. Places in it are none of the reader's: an
+/// argument stands for its value, wherever it was written.
+struct Argument {
+  const TDMFileExpression *record;
+  ExpressionPtr owned; ///< the record if it was made, else null
+};
+
+using Arguments = PooledVector<Argument>;
+
 class ArgumentScope {
 public:
   /// The scope of the file level, without names, until bind().
@@ -52,21 +64,26 @@ public:
   ArgumentScope(ArgumentScope &&) = default;
   ArgumentScope &operator=(ArgumentScope &&) = default;
 
-  /// Binds each parameter to a copy of its argument, or of its default; what was bound before is
-  /// gone. Throws TDMTooManyArgumentsException * or TDMTooFewArgumentsException *.
-  void bind(const FileParameters &parameters, const ExpressionList &arguments);
+  /// Binds each parameter to its argument, or to its default; what was bound before is gone. Refers
+  /// to the parameters and to the records of the arguments. Throws TDMTooManyArgumentsException *
+  /// or TDMTooFewArgumentsException *.
+  void bind(const FileParameters &parameters, Arguments arguments);
 
   /// Binds a single name.
   void bind(std::string name, ExpressionPtr record);
 
-  /// A copy of the argument list for another template: each variable replaced by a copy of the
-  /// record that this scope has for it, which isn't rewritten in turn. A variable without one is
-  /// reported at its key `name`, else at the place.
-  [[nodiscard]] ExpressionList substitute(const ExpressionList &arguments,
-                                          const TDMSourceLocation &place) const;
+  /// The same names, bound to copies of all records.
+  [[nodiscard]] ArgumentScope copy() const;
+
+  /// The argument list for another template: each variable replaced by the record that this scope
+  /// has for it, which isn't rewritten in turn. Refers to the arguments and to this scope. A
+  /// variable without a record is reported at its key `name`, else at the place.
+  [[nodiscard]] Arguments substitute(const ExpressionList &arguments,
+                                     const TDMSourceLocation &place) const;
 
   struct Binding {
-    ExpressionPtr record;
+    const TDMFileExpression *record = nullptr;
+    ExpressionPtr owned; ///< the record if the scope owns it, else null
     /// The translation that is inside the record at present; see translate.cpp.
     mutable std::uint64_t busy_in = 0;
     /// The terms of the record, 0 while nobody has counted them.
@@ -77,6 +94,16 @@ public:
   [[nodiscard]] const Binding *find(std::string_view name) const;
 
 private:
+  struct Parameter {
+    std::string_view name;
+    Binding binding;
+  };
+  struct NameAt {
+    const PooledVector<Parameter> &parameters;
+
+    std::string_view operator()(uint32_t place) const { return parameters[place].name; }
+  };
+
   struct Hash {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const
@@ -88,12 +115,19 @@ private:
                                       PoolAllocator<std::pair<const std::string, Binding>>>;
 
   const Binding *find_memory(std::string_view name) const;
+  Binding &single(std::string name) const;
 
-  // Memories are added as they are asked for.
-  mutable Bindings bindings_;
+  PooledVector<Parameter> bound_;
+  NameTable bound_names_;
+  /// Single names, which come before the parameters; null as long as there are none. Memories are
+  /// added as they are asked for.
+  mutable std::unique_ptr<Bindings> single_;
   const ArgumentScope *parameters_ = nullptr;
   MemoryReferences *memories_ = nullptr;
 };
+
+/// The arguments as they were written.
+[[nodiscard]] Arguments arguments_of(const ExpressionList &list);
 
 /// Reports a name that a scope has no record for.
 [[noreturn]] void report_unbound(std::string_view name, const TDMSourceLocation &location);

@@ -36,13 +36,15 @@ public:
   Slot run(const TDMFileExpression &record)
   {
     Slot result;
-    pending_.push({&record, &result, nullptr});
+    pending_.push({&record, &result, nullptr, false});
     while (!pending_.empty()) {
       const Task task = pending_.pop();
-      if (task.left != nullptr)
+      if (task.left != nullptr) {
         task.left->busy_in = 0;
-      else
-        translate(*task.record, *task.slot);
+        continue;
+      }
+      in_binding_ = task.in_binding;
+      translate(*task.record, *task.slot);
     }
     return result;
   }
@@ -53,6 +55,7 @@ private:
     const TDMFileExpression *record;
     Slot *slot;
     const Binding *left;
+    bool in_binding; ///< the record is that of a variable, or part of it
   };
 
   void translate(const TDMFileExpression &record, Slot &slot)
@@ -83,13 +86,13 @@ private:
         tdm::expression_operands(const_cast<TDMFileExpression &>(record));
     if (record.kind() == tdm::kExprUnary &&
         static_cast<const TDMExprUnaryApplication &>(record).op == tdm::kUnaryParentheses) {
-      pending_.push({operands.slots[0]->get(), &slot, nullptr});
+      pending_.push({operands.slots[0]->get(), &slot, nullptr, in_binding_});
       return;
     }
     slot = without_children(record);
     for (std::size_t n = operands.count; n > 0; --n)
-      pending_.push(
-          {operands.slots[n - 1]->get(), &tdm::ExpressionTree::slot(*slot, n - 1), nullptr});
+      pending_.push({operands.slots[n - 1]->get(), &tdm::ExpressionTree::slot(*slot, n - 1),
+                     nullptr, in_binding_});
   }
 
   [[nodiscard]] Slot without_children(const TDMFileExpression &record) const
@@ -168,8 +171,8 @@ private:
     if (binding->busy_in == number_)
       throw new TDMSyntaxException(location, "TDM variable \"" + name + "\" is defined by itself");
     binding->busy_in = number_;
-    pending_.push({nullptr, nullptr, binding});
-    pending_.push({binding->record.get(), &slot, nullptr});
+    pending_.push({nullptr, nullptr, binding, true});
+    pending_.push({binding->record, &slot, nullptr, true});
   }
 
   [[nodiscard]] Slot binary(std::int32_t op) const
@@ -177,15 +180,17 @@ private:
     return std::make_unique<TDMBinaryApplication>(op, nullptr, nullptr, place_);
   }
 
-  static Slot located(Slot expression, const TDMFileExpression &record)
+  // What a variable is bound to counts as written where the variable is.
+
+  [[nodiscard]] Slot located(Slot expression, const TDMFileExpression &record) const
   {
-    expression->sourceLocations = record.sourceLocations;
+    if (!in_binding_) expression->sourceLocations = record.sourceLocations;
     return expression;
   }
 
   [[nodiscard]] TDMSourceLocation location(const TDMFileExpression &record, LocationKey key) const
   {
-    const TDMSourceLocation *found = record.find_location(key);
+    const TDMSourceLocation *found = in_binding_ ? nullptr : record.find_location(key);
     return found != nullptr ? *found : place_;
   }
 
@@ -193,6 +198,7 @@ private:
   const TDMSourceLocation &place_;
   const std::uint64_t number_ = ++last_number;
   std::size_t terms_ = 0;
+  bool in_binding_ = false;
   tdm::WorkStack<Task> pending_;
 };
 
@@ -244,6 +250,18 @@ private:
   int terms_ = 0;
 };
 
+/// What most records are: a number, or a variable that is bound to one. Else null.
+const TDMExprNumber *plain_number(const TDMFileExpression &record, const tdm::ArgumentScope &scope)
+{
+  const TDMFileExpression *meant = &record;
+  if (record.kind() == tdm::kExprVarRef) {
+    const Binding *binding = scope.find(static_cast<const TDMExprVarRef &>(record).name);
+    if (binding == nullptr) return nullptr;
+    meant = binding->record;
+  }
+  return meant->kind() == tdm::kExprNumber ? static_cast<const TDMExprNumber *>(meant) : nullptr;
+}
+
 } // namespace
 
 std::unique_ptr<TDMExpression> tdm_translate_expression(const TDMFileExpression *record,
@@ -251,6 +269,8 @@ std::unique_ptr<TDMExpression> tdm_translate_expression(const TDMFileExpression 
                                                         const TDMSourceLocation &place)
 {
   if (record == nullptr) return nullptr;
+  if (const TDMExprNumber *number = plain_number(*record, scope))
+    return std::make_unique<TDMNumber>(number->value);
   return Translation(scope, place).run(*record);
 }
 

@@ -10,13 +10,14 @@
 
 namespace tdm {
 
-template <class Object>
-[[nodiscard]] tdm_arr *handle_list(const std::vector<std::unique_ptr<Object>> &objects)
+template <class Object, class Allocator>
+[[nodiscard]] tdm_arr *handle_list(const std::vector<std::unique_ptr<Object>, Allocator> &objects)
 {
   return guarded_array<void *>([&] { return array_of_pointers(objects); });
 }
 
-template <class Object> [[nodiscard]] tdm_arr *handle_list(const std::vector<Object *> &objects)
+template <class Object, class Allocator>
+[[nodiscard]] tdm_arr *handle_list(const std::vector<Object *, Allocator> &objects)
 {
   return guarded_array<void *>(
       [&] { return array_of(objects, [](Object *object) { return object; }); });
@@ -25,7 +26,7 @@ template <class Object> [[nodiscard]] tdm_arr *handle_list(const std::vector<Obj
 template <typename Texts> [[nodiscard]] tdm_arr *text_list(const Texts &texts)
 {
   return guarded_array<const char *>(
-      [&] { return array_of(texts, [](const std::string &text) { return text_result(text); }); });
+      [&] { return array_of(texts, [](const auto &text) { return text_result(text); }); });
 }
 
 /// Of numbers by value, 32 bits each.

@@ -40,8 +40,9 @@ template <class Elements, class Convert>
 }
 
 /// A new array of pointers to the objects of a vector that owns them.
-template <class Object>
-[[nodiscard]] tdm_arr *array_of_pointers(const std::vector<std::unique_ptr<Object>> &objects)
+template <class Object, class Allocator>
+[[nodiscard]] tdm_arr *
+array_of_pointers(const std::vector<std::unique_ptr<Object>, Allocator> &objects)
 {
   return array_of(objects, [](const std::unique_ptr<Object> &object) { return object.get(); });
 }

@@ -86,7 +86,7 @@ private:
     if (record.op != kAssign && record.op != kAssignColon)
       fail_at(record, "op", "unsupported assignment operator, use = or :=");
     statement->plain = record.op == kAssign;
-    context_.names.assigned_symbols.push_back(record.symbolName);
+    context_.names.assigned_symbols.push_back(statement->symbol.c_str());
     return statement;
   }
 
@@ -104,7 +104,7 @@ private:
   {
     auto statement = build_selection(record);
     if (const std::string *name = statement->literal_section_name())
-      context_.names.referenced_names.push_back(*name);
+      context_.names.referenced_names.push_back(name->c_str());
     return statement;
   }
 
@@ -205,7 +205,7 @@ private:
   {
     if (!context_.names.group_names.insert(*record.name).second)
       fail_at(record, "group",
-              "group " + *record.name + " defined more than once for core " + context_.core);
+              "group " + *record.name + " defined more than once for core " + context_.core.text());
   }
 
   static void copy_rules(TDMGroup &group, const TDMFileGroup &record)
@@ -240,8 +240,10 @@ private:
     const TDMFileGroupLocation *location =
         group.is_run_address ? record.runAddress.get() : record.loadAddress.get();
     if (location != nullptr)
-      group.location = build_group_location(
-          *location, context_, place(record, group.is_run_address ? LocationKey("runAddress") : LocationKey("loadAddress")));
+      group.location =
+          build_group_location(*location, context_,
+                               place(record, group.is_run_address ? LocationKey("runAddress")
+                                                                  : LocationKey("loadAddress")));
   }
 
   std::unique_ptr<TDMExpression> translate(const TDMFileObject &record, LocationKey key,

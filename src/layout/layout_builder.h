@@ -20,13 +20,21 @@ namespace tdm {
 class ArgumentScope;
 struct SectionNames;
 
+/// The name of a core, which reports alone need in one piece.
+struct CoreName {
+  const std::string &processor;
+  const std::string &core;
+
+  [[nodiscard]] std::string text() const { return processor + ':' + core; }
+};
+
 /// Where a layout or a table lies, and what it can name from there.
 struct LayoutContext {
   const ArgumentScope &scope;
   const LayoutSpace &space;
   const MemoryLookup *memories; ///< null inside the definition of a space: none can be named there
   SectionNames &names;          ///< of the core
-  const std::string &core;      ///< its full name
+  CoreName core;
 };
 
 [[nodiscard]] std::unique_ptr<TDMSectionLayout>

@@ -22,6 +22,7 @@ inline TDMSourceLocation place_of(const TDMFileObject &record, LocationKey key)
 inline int64_t number_of(const TDMFileObject &record, LocationKey key,
                          const TDMFileExpression &value, const ArgumentScope &scope)
 {
+  if (value.kind() == kExprNumber) return static_cast<const TDMExprNumber &>(value).value;
   return evaluate(value, scope, place_of(record, key));
 }
 

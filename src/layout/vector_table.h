@@ -19,30 +19,30 @@ struct TDM_CLIENT_API TDMVectorValue final : TDMObject {
   enum Type : int32_t { symbol_value = 1, numbers = 2, loop = 3 };
 
   Type type = symbol_value;                   ///< tells which of the members below counts
-  std::string symbol;                         ///< of a symbol
-  std::vector<int64_t> values;                ///< of numbers
+  tdm::ObjectText symbol;                     ///< of a symbol
+  tdm::ObjectList<int64_t> values;            ///< of numbers
   std::unique_ptr<TDMExpression> loop_offset; ///< of a loop; may be null
 };
 
 struct TDM_CLIENT_API TDMVector final : TDMObject {
   /// The numbers of the vectors as ranges, both ends included, ascending, none next to another: a
   /// short text can name every number there is.
-  std::vector<std::pair<int32_t, int32_t>> ids;
+  tdm::ObjectList<std::pair<int32_t, int32_t>> ids;
   std::unique_ptr<TDMVectorValue> value; ///< null if not given
   bool optional = false;                 ///< its symbol need not be there
 };
 
 struct TDM_CLIENT_API TDMVectorTable final : TDMObject {
-  std::string name;                                ///< of the table
-  std::unique_ptr<TDMExpression> vector_size;      ///< of one vector, in MAUs of the space
-  std::unique_ptr<TDMExpression> size;             ///< number of vectors
-  std::optional<std::string> id_symbol_prefix;     ///< absent if not given
-  std::unique_ptr<TDMExpression> run_address;      ///< in the space; null if not given
-  std::string template_name;                       ///< the template section
-  std::string template_symbol_name;                ///< the symbol in it that stands for the target
-  std::optional<std::string> vector_name_prefix;   ///< absent if not given
-  std::unique_ptr<TDMVectorValue> default_value;   ///< null if not given
-  bool default_inline = true;                      ///< false with `no_inline`
-  bool copy = false;                               ///< `copy`
-  std::vector<std::unique_ptr<TDMVector>> vectors; ///< those that are defined one by one
+  std::string name;                              ///< of the table
+  std::unique_ptr<TDMExpression> vector_size;    ///< of one vector, in MAUs of the space
+  std::unique_ptr<TDMExpression> size;           ///< number of vectors
+  std::optional<std::string> id_symbol_prefix;   ///< absent if not given
+  std::unique_ptr<TDMExpression> run_address;    ///< in the space; null if not given
+  std::string template_name;                     ///< the template section
+  std::string template_symbol_name;              ///< the symbol in it that stands for the target
+  std::optional<std::string> vector_name_prefix; ///< absent if not given
+  std::unique_ptr<TDMVectorValue> default_value; ///< null if not given
+  bool default_inline = true;                    ///< false with `no_inline`
+  bool copy = false;                             ///< `copy`
+  tdm::ObjectList<std::unique_ptr<TDMVector>> vectors; ///< those that are defined one by one
 };

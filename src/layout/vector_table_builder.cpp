@@ -22,9 +22,11 @@ public:
   {
     copy_fields();
     if (record_.memoryName) map_run_address();
-    if (record_.templateName) context_.names.referenced_names.push_back(*record_.templateName);
+    if (record_.templateName)
+      context_.names.referenced_names.push_back(table_->template_name.c_str());
     require_items();
     if (names_symbol(table_->default_value)) require_symbol(table_->default_value->symbol);
+    table_->vectors.reserve(record_.vectors.size());
     for (const auto &vector : record_.vectors) add_vector(*vector);
     require_numbered_symbols();
     return std::move(table_);
@@ -43,7 +45,7 @@ private:
     table_->template_symbol_name = record_.templateSymbolName.value_or("");
     table_->vector_name_prefix = record_.vectorNamePrefix;
     table_->default_value =
-        make_value(record_.defaultValue.get(), place_of(record_, "default_value"));
+        make_value(record_.defaultValue.get(), record_.sourceLocations, "default_value");
     table_->default_inline = record_.defaultInline;
     table_->copy = record_.copy;
   }
@@ -81,32 +83,35 @@ private:
   {
     auto vector = std::make_unique<TDMVector>();
     vector->sourceLocations = record.sourceLocations;
-    vector->ids.assign(record.ids.ranges().begin(), record.ids.ranges().end());
-    const TDMSourceLocation *place = record.sourceLocations.find("value");
-    vector->value =
-        make_value(record.value.get(), place != nullptr ? *place : place_of(record_, "name"));
+    vector->ids.reserve(record.ids.ranges().size());
+    for (const auto &[low, high] : record.ids.ranges()) vector->ids.emplace_back(low, high);
+    vector->value = make_value(record.value.get(), record.sourceLocations, "value");
     vector->optional = record.optional;
     if (names_symbol(vector->value)) {
       if (vector->optional)
-        context_.names.optional_symbols.push_back(vector->value->symbol);
+        context_.names.optional_symbols.push_back(vector->value->symbol.c_str());
       else
         require_symbol(vector->value->symbol);
     }
     table_->vectors.push_back(std::move(vector));
   }
 
+  /// `places` are those of the definition that has the value, under `key`.
   std::unique_ptr<TDMVectorValue> make_value(const TDMFileVectorValue *record,
-                                             const TDMSourceLocation &place) const
+                                             const SourceLocations &places, LocationKey key) const
   {
     if (record == nullptr) return nullptr;
     auto value = std::make_unique<TDMVectorValue>();
     value->sourceLocations = record->sourceLocations;
     value->type = static_cast<TDMVectorValue::Type>(record->type);
     value->symbol = record->symbolName;
-    value->values = record->values;
-    if (record->loopOffset != nullptr)
-      value->loop_offset = tdm_translate_expression(record->loopOffset.get(), context_.scope,
-                                                    value->location_or("loop_offset", place));
+    if (!record->values.empty()) value->values.assign(record->values.begin(), record->values.end());
+    if (record->loopOffset != nullptr) {
+      const TDMSourceLocation *place = places.find(key);
+      value->loop_offset = tdm_translate_expression(
+          record->loopOffset.get(), context_.scope,
+          value->location_or("loop_offset", place != nullptr ? *place : place_of(record_, "name")));
+    }
     return value;
   }
 
@@ -115,16 +120,16 @@ private:
     return value != nullptr && value->type == TDMVectorValue::symbol_value;
   }
 
-  void require_symbol(const std::string &symbol)
+  void require_symbol(const ObjectText &symbol)
   {
-    context_.names.required_symbols.push_back({symbol});
+    context_.names.required_symbols.push_back({symbol.c_str()});
   }
 
   void require_numbered_symbols()
   {
     const int64_t size = table_->size->value();
     if (table_->id_symbol_prefix && size > 0)
-      context_.names.required_symbols.push_back({*table_->id_symbol_prefix, size});
+      context_.names.required_symbols.push_back({table_->id_symbol_prefix->c_str(), size});
   }
 
   std::unique_ptr<TDMExpression> translate(const ExpressionPtr &expression, LocationKey key) const

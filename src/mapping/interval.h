@@ -75,7 +75,10 @@ struct Interval {
     friend bool operator==(const Pattern &a, const Pattern &b);
 
     /// Whether all that `other` holds is held here. PatternOverflowException as for `&`.
-    [[nodiscard]] bool contains(const Pattern &other) const { return (*this & other) == other; }
+    [[nodiscard]] bool contains(const Pattern &other) const
+    {
+      return (width == 1 && bits == 1) || (*this & other) == other;
+    }
 
   private:
     static constexpr int32_t checked_width(int64_t width)

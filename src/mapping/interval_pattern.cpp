@@ -54,6 +54,10 @@ Interval::Pattern operator|(const Interval::Pattern &a, const Interval::Pattern 
 void Interval::Pattern::reduce(int32_t unit)
 {
   if (unit < 1 || unit > width / 2) return;
+  if (bits == mask(width) && width % unit == 0) {
+    *this = {unit, bits};
+    return;
+  }
   for (int32_t period = unit; period <= width / 2; period += unit) {
     if (width % period != 0) return;
     const Pattern head(period, bits);

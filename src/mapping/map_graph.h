@@ -5,7 +5,8 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
+
+#include "common/block_pool.h"
 
 struct TDMMapping;
 
@@ -16,7 +17,7 @@ struct TDMMapSource {
   virtual void get_full_name(std::string &out) const = 0;
   virtual void add_outgoing_mapping(TDMMapping *mapping) = 0;
   /// Those that leave this object, in the order in which a translation tries them.
-  virtual const std::vector<TDMMapping *> &outgoing_mappings() const = 0;
+  virtual const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const = 0;
 
 protected:
   ~TDMMapSource() = default;
@@ -29,7 +30,7 @@ struct TDMMapDestination {
   virtual void get_full_name(std::string &out) const = 0;
   virtual void add_incoming_mapping(TDMMapping *mapping) = 0;
   /// Those that reach this object, in the order in which a translation tries them.
-  virtual const std::vector<TDMMapping *> &incoming_mappings() const = 0;
+  virtual const tdm::PooledVector<TDMMapping *> &incoming_mappings() const = 0;
 
 protected:
   ~TDMMapDestination() = default;

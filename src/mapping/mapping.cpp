@@ -1,6 +1,7 @@
 // Building the edges of the mapping graph, and the intervals that translations work with.
 #include "mapping/mapping.h"
 
+#include <algorithm>
 #include <numeric>
 
 #include "common/failures.h"
@@ -21,10 +22,27 @@ Interval::Pattern line_pattern(const tdm::DataLines &lines, int32_t width)
   return {width, up_to_high & ~below_low};
 }
 
+/// A span of all lines: what the general form comes to for a mapping that moves by a distance.
+Interval shifted_span(const AddressValue &low, int64_t size)
+{
+  Interval span;
+  span.low = low;
+  span.high = AddressValue(low.value + size, 0, low.mau, low.bank);
+  span.pattern = {low.mau, Interval::Pattern::mask(low.mau)};
+  return span;
+}
+
 /// 0 and 0 at the end that an entry names stand for all lines.
 void default_lines(tdm::DataLines &lines, const tdm::MapEnd &end)
 {
   if (lines.low == 0 && lines.high == 0) lines.high = tdm::wrap_sub(end.width, 1);
+}
+
+/// The least common multiple of two widths, nearly all of which divide each other.
+int32_t common_width(int32_t a, int32_t b)
+{
+  const auto [narrow, wide] = std::minmax(a, b);
+  return wide % narrow == 0 ? wide : std::lcm(narrow, wide);
 }
 
 tdm::DataLines all_lines(const tdm::MapEnd &end)
@@ -118,32 +136,35 @@ void TDMMapping::rescale_size()
 
 void TDMMapping::compute_intervals()
 {
-  const Interval::Pattern source_lines = line_pattern(src_dbits, source_end_.width);
-  const Interval::Pattern destination_lines = line_pattern(dest_dbits, destination_end_.width);
   const AddressValue source_low(src_offset, 0, source_->get_mau_size(), bank);
-  const AddressValue source_size(size, 0, source_low.mau);
   const AddressValue destination_low(dest_offset, 0, destination_->get_mau_size(), dest_bank);
-  source_interval_ = Interval(source_low, source_low + source_size, source_lines);
-  destination_interval_ =
-      Interval(destination_low, destination_low + source_size.in_mau(destination_low.mau),
-               destination_lines);
-  shift_ = moves_by_distance();
+  shift_ = source_low.mau == destination_low.mau && moves_by_distance(source_low.mau);
+  if (shift_) {
+    source_interval_ = shifted_span(source_low, size);
+    destination_interval_ = shifted_span(destination_low, size);
+  } else {
+    const Interval::Pattern source_lines = line_pattern(src_dbits, source_end_.width);
+    const Interval::Pattern destination_lines = line_pattern(dest_dbits, destination_end_.width);
+    const AddressValue source_size(size, 0, source_low.mau);
+    source_interval_ = Interval(source_low, source_low + source_size, source_lines);
+    destination_interval_ =
+        Interval(destination_low, destination_low + source_size.in_mau(destination_low.mau),
+                 destination_lines);
+  }
   complete_ = true;
 }
 
-bool TDMMapping::moves_by_distance() const
+/// All lines of both ends in their order, in whole units, and no number wraps.
+bool TDMMapping::moves_by_distance(int32_t mau) const
 {
-  const int32_t mau = source_interval_.low.mau;
-  const auto all_connected = [mau](const Interval &span, const tdm::DataLines &lines,
-                                   const tdm::MapEnd &end) {
-    return span.low.mau == mau && span.pattern.width == mau &&
-           span.pattern.bits == Interval::Pattern::mask(mau) && lines.low == 0 &&
-           lines.high == end.width - 1;
+  const auto all_connected = [mau](const tdm::DataLines &lines, const tdm::MapEnd &end) {
+    return end.width > 0 && end.width <= Interval::Pattern::max_width && end.width % mau == 0 &&
+           lines.low == 0 && lines.high == end.width - 1;
   };
   int64_t end = 0;
-  return all_connected(source_interval_, src_dbits, source_end_) &&
-         all_connected(destination_interval_, dest_dbits, destination_end_) &&
-         std::lcm(source_end_.width, destination_end_.width) <= Interval::Pattern::max_width &&
+  return mau > 0 && all_connected(src_dbits, source_end_) &&
+         all_connected(dest_dbits, destination_end_) &&
+         common_width(source_end_.width, destination_end_.width) <= Interval::Pattern::max_width &&
          size > 0 && !__builtin_add_overflow(src_offset, size, &end) &&
          !__builtin_add_overflow(dest_offset, size, &end) && bank >= -1 && dest_bank >= -1;
 }

@@ -106,7 +106,7 @@ private:
   void store_destination(TDMMapDestination &object, const tdm::MapEnd &end);
   void rescale_size();
   void compute_intervals();
-  [[nodiscard]] bool moves_by_distance() const;
+  [[nodiscard]] bool moves_by_distance(int32_t mau) const;
 
   TDMMapSource *source_ = nullptr;
   TDMMapDestination *destination_ = nullptr;

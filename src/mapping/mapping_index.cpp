@@ -6,7 +6,7 @@
 
 namespace tdm {
 
-const MappingIndex *MappingIndex::of_long(const std::vector<TDMMapping *> &list,
+const MappingIndex *MappingIndex::of_long(const PooledVector<TDMMapping *> &list,
                                           MapDirection direction)
 {
   auto &index = direction == MapDirection::forward ? list.front()->outgoing_index_
@@ -19,7 +19,7 @@ const MappingIndex *MappingIndex::of_long(const std::vector<TDMMapping *> &list,
   return index.get();
 }
 
-MappingIndex::MappingIndex(const std::vector<TDMMapping *> &list, MapDirection direction)
+MappingIndex::MappingIndex(const PooledVector<TDMMapping *> &list, MapDirection direction)
 {
   const auto bank_of = [&](uint32_t position) {
     return std::max(near_interval(*list[position], direction).low.bank, -1);

@@ -52,7 +52,7 @@ public:
 
   /// The index of a node's list, made when it is first asked for; null for a short list and for one
   /// with a mapping that isn't complete yet.
-  [[nodiscard]] static const MappingIndex *of(const std::vector<TDMMapping *> &list,
+  [[nodiscard]] static const MappingIndex *of(const PooledVector<TDMMapping *> &list,
                                               MapDirection direction)
   {
     return list.size() < min_length ? nullptr : of_long(list, direction);
@@ -80,9 +80,10 @@ private:
     uint32_t end;
   };
 
-  MappingIndex(const std::vector<TDMMapping *> &list, MapDirection direction);
+  MappingIndex(const PooledVector<TDMMapping *> &list, MapDirection direction);
 
-  static const MappingIndex *of_long(const std::vector<TDMMapping *> &list, MapDirection direction);
+  static const MappingIndex *of_long(const PooledVector<TDMMapping *> &list,
+                                     MapDirection direction);
   void link(const Bank &bank);
   void find_in(const Bank &bank, const Reach &reach, Positions &positions) const;
 

@@ -36,7 +36,7 @@ struct Forward {
   using Node = TDMMapSource;
   static constexpr MapDirection direction = MapDirection::forward;
 
-  static const std::vector<TDMMapping *> &mappings(const Node &node)
+  static const PooledVector<TDMMapping *> &mappings(const Node &node)
   {
     return node.outgoing_mappings();
   }
@@ -52,7 +52,7 @@ struct Backward {
   using Node = TDMMapDestination;
   static constexpr MapDirection direction = MapDirection::backward;
 
-  static const std::vector<TDMMapping *> &mappings(const Node &node)
+  static const PooledVector<TDMMapping *> &mappings(const Node &node)
   {
     return node.incoming_mappings();
   }
@@ -76,7 +76,7 @@ template <class Value> using Hops = InlineStack<Hop<Value>, 16>;
 /// All mappings of a node have the node's unit at this side. The test is made once, so that
 /// mappings out of reach can be passed over without another look at the unit.
 template <class Way, class Value>
-void require_unit(const std::vector<TDMMapping *> &list, const Value &value)
+void require_unit(const PooledVector<TDMMapping *> &list, const Value &value)
 {
   for (const TDMMapping *mapping : list) {
     if (!mapping->is_complete()) continue;
@@ -91,7 +91,7 @@ void require_unit(const std::vector<TDMMapping *> &list, const Value &value)
 template <class Way, class Value>
 void append_hops(const typename Way::Node &node, const Value &value, Hops<Value> &hops)
 {
-  const std::vector<TDMMapping *> &list = Way::mappings(node);
+  const PooledVector<TDMMapping *> &list = Way::mappings(node);
   require_unit<Way>(list, value);
   const auto try_mapping = [&](const TDMMapping &mapping) {
     Hop<Value> hop{&mapping, {}};

@@ -28,7 +28,7 @@ TDMBus::TDMBus(const TDMFileBus &record, Form form, const tdm::ArgumentScope &sc
   address_width =
       tdm::number32_or(record, "busAddressWidth", record.busAddressWidth.get(), scope, -1);
 
-  owned_.reserve(record.mappings.size());
+  owned_.reserve(record.mappings.size() * 2); // with those of the opposite direction
   for (const auto &entry : record.mappings) {
     if (form == Form::reversed) {
       owned_.push_back(tdm::make_reversed_mapping(*entry, scope, *this, tdm::map_end(*this)));
@@ -66,12 +66,12 @@ void TDMBus::resolve_mappings(const TDMFileBus &record, Form form, const tdm::Bu
   // added here, go behind them.
   for (size_t i = 0; i < record.mappings.size(); ++i) {
     const TDMFileMapping &entry = *record.mappings[i];
-    const TDMSourceLocation place = tdm::place_of(entry, "destination");
-    const std::string wanted = tdm::prefixed_name(processor, core, entry.destination.value_or(""));
-    TDMBus *other = reach.find(wanted);
+    TDMBus *other = reach.find(*entry.destination);
     if (other == nullptr)
-      throw new TDMSyntaxException(place, "Could not find bus destination \"" + wanted +
-                                              "\" in a mapping from bus " + full_name());
+      throw new TDMSyntaxException(tdm::place_of(entry, "destination"),
+                                   "Could not find bus destination \"" +
+                                       tdm::prefixed_name(processor, core, *entry.destination) +
+                                       "\" in a mapping from bus " + full_name());
     std::unique_ptr<TDMMapping> opposite;
     if (form == Form::reversed) {
       owned_[i]->set_source(*other, tdm::map_end(*other));
@@ -87,6 +87,7 @@ void TDMBus::resolve_mappings(const TDMFileBus &record, Form form, const tdm::Bu
       owned_.back()->set_source(*other, tdm::map_end(*other));
     }
     if (entry.reserved)
-      throw new TDMSyntaxException(place, "reserved attribute not allowed in bus to bus mappings");
+      throw new TDMSyntaxException(tdm::place_of(entry, "destination"),
+                                   "reserved attribute not allowed in bus to bus mappings");
   }
 }

@@ -40,12 +40,12 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   void get_full_name(std::string &out) const override;
   void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
-  const std::vector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
-  const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
+  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
+  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
 
   [[nodiscard]] std::string full_name() const;
   /// Those that the definition of this object states, whichever way they go.
-  [[nodiscard]] const std::vector<std::unique_ptr<TDMMapping>> &own_mappings() const
+  [[nodiscard]] const tdm::PooledVector<std::unique_ptr<TDMMapping>> &own_mappings() const
   {
     return owned_;
   }
@@ -60,8 +60,8 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   bool wishbone = false;
 
 private:
-  std::vector<TDMMapping *> outgoing_;
-  std::vector<TDMMapping *> incoming_;
+  tdm::PooledVector<TDMMapping *> outgoing_;
+  tdm::PooledVector<TDMMapping *> incoming_;
   /// The mappings of this bus's own entries; those of others that reach it belong to the others.
-  std::vector<std::unique_ptr<TDMMapping>> owned_;
+  tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
 };

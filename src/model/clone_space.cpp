@@ -169,7 +169,7 @@ namespace {
 /// in the list of the spec before it is complete.
 TDMSpace *find_by_full_name(const std::string &full_name, const TDMSpec &spec,
                             const std::string &own_processor,
-                            const std::vector<std::unique_ptr<TDMCore>> &siblings)
+                            const tdm::PooledVector<std::unique_ptr<TDMCore>> &siblings)
 {
   const size_t first = full_name.find(':');
   const size_t second = first == std::string::npos ? first : full_name.find(':', first + 1);
@@ -177,7 +177,7 @@ TDMSpace *find_by_full_name(const std::string &full_name, const TDMSpec &spec,
   const std::string processor_name = full_name.substr(0, first);
   const std::string core_name = full_name.substr(first + 1, second - first - 1);
 
-  const auto find_in = [&](const std::vector<std::unique_ptr<TDMCore>> &cores) -> TDMSpace * {
+  const auto find_in = [&](const tdm::PooledVector<std::unique_ptr<TDMCore>> &cores) -> TDMSpace * {
     for (const auto &core : cores)
       if (core->name == core_name)
         if (TDMSpace *space = core->find_space_by_full_name(full_name)) return space;
@@ -205,10 +205,10 @@ TDMCloneSpace *TDMSpec::find_clone_space(const std::set<std::string> &names) con
   return found != clone_spaces.end() ? found->second : nullptr;
 }
 
-TDMCloneSpace *TDMSpec::create_clone_space(TDMCore &core,
-                                           const std::vector<std::unique_ptr<TDMCore>> &siblings,
-                                           const std::set<std::string> &names,
-                                           const TDMSourceLocation &place)
+TDMCloneSpace *
+TDMSpec::create_clone_space(TDMCore &core,
+                            const tdm::PooledVector<std::unique_ptr<TDMCore>> &siblings,
+                            const std::set<std::string> &names, const TDMSourceLocation &place)
 {
   std::vector<TDMSpace *> members;
   for (const std::string &full_name : names)

@@ -18,10 +18,9 @@ struct TDMCloneSpaceRegistry {
   /// Makes the clone space of the named spaces and gives it to the core; null if no name is known.
   /// `place` is the definition that asked, for reports.
   /// `siblings` are the cores of the core's processor, which the spec may not hold yet.
-  virtual TDMCloneSpace *create_clone_space(TDMCore &core,
-                                            const std::vector<std::unique_ptr<TDMCore>> &siblings,
-                                            const std::set<std::string> &names,
-                                            const TDMSourceLocation &place) = 0;
+  virtual TDMCloneSpace *
+  create_clone_space(TDMCore &core, const tdm::PooledVector<std::unique_ptr<TDMCore>> &siblings,
+                     const std::set<std::string> &names, const TDMSourceLocation &place) = 0;
 
 protected:
   ~TDMCloneSpaceRegistry() = default;

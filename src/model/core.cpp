@@ -2,7 +2,6 @@
 #include "model/core.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "language/records.h"
 #include "layout/record_values.h"
@@ -16,7 +15,6 @@ namespace tdm {
 namespace {
 
 using ArchitectureLevel = ChainLevel<TDMFileArchitecture>;
-using ArchitectureChain = std::vector<ArchitectureLevel>;
 
 /// Builds the objects of a core from its chain of architectures. The first pass creates, and the
 /// second wires by name once everything that a `map` entry may name exists.
@@ -27,21 +25,16 @@ public:
   {
   }
 
-  void create(const TDMFileArchitecture &first,
-              const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments)
+  void create(const TDMFileArchitecture &first, Arguments arguments)
   {
     const TDMFileArchitecture *record = &first;
-    tdm::RecordList<std::unique_ptr<TDMFileExpression>> passed_on;
-    const auto *bound = &arguments;
     while (record != nullptr) {
-      ArchitectureLevel level = bind(*record, *bound);
+      const ArchitectureLevel &level = chain_.emplace_back(bind(*record, std::move(arguments)));
       create_objects(*record, level.scope);
       merge_endianness(*record);
-      if (record->base) passed_on = substitute_arguments(*record, level.scope);
-      bound = &passed_on;
-      const TDMFileArchitecture *base = find_base(*record);
-      chain_.push_back(std::move(level));
-      record = base;
+      if (record->base)
+        arguments = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
+      record = find_base(*record);
     }
   }
 
@@ -61,16 +54,15 @@ public:
   }
 
 private:
-  ArchitectureLevel bind(const TDMFileArchitecture &record,
-                         const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments)
+  ArchitectureLevel bind(const TDMFileArchitecture &record, Arguments arguments)
   {
-    if (!visited_.insert(*record.name).second)
+    if (!visited_.add(*record.name))
       throw new TDMSyntaxException(place_of(record, "name"), "architecture " + *record.name +
                                                                  " used as recursive base in " +
-                                                                 listed(visited_));
+                                                                 listed_names(chain_));
     ArchitectureLevel level{&record, {}};
     try {
-      level.scope.bind(record.parameters, arguments);
+      level.scope.bind(record.parameters, std::move(arguments));
     } catch (TDMArgumentsException *failure) {
       const std::unique_ptr<TDMArgumentsException> owned(failure);
       throw new TDMSyntaxException(place_of(record, "name"), "cannot instantiate architecture \"" +
@@ -83,6 +75,7 @@ private:
 
   void create_objects(const TDMFileArchitecture &record, const ArgumentScope &scope)
   {
+    if (core_.buses.empty()) core_.buses.reserve(record.buses.size());
     for (const auto &bus_record : record.buses) {
       auto bus = std::make_unique<TDMBus>(*bus_record, TDMBus::Form::forward, scope);
       bus->core_name = &core_.name;
@@ -97,7 +90,7 @@ private:
   void merge_endianness(const TDMFileArchitecture &record)
   {
     if (core_.endianness.empty()) {
-      core_.endianness = record.endianness;
+      core_.endianness.assign(record.endianness.begin(), record.endianness.end());
       return;
     }
     bool offered[3] = {};
@@ -106,12 +99,6 @@ private:
       if (!offered[value])
         throw new TDMSyntaxException(place_of(record, "name"),
                                      "supported endiannesses not all declared for parent");
-  }
-
-  static tdm::RecordList<std::unique_ptr<TDMFileExpression>>
-  substitute_arguments(const TDMFileArchitecture &record, const ArgumentScope &scope)
-  {
-    return scope.substitute(record.baseArguments, place_of(record, "base"));
   }
 
   const TDMFileArchitecture *find_base(const TDMFileArchitecture &record) const
@@ -127,8 +114,8 @@ private:
 
   TDMCore &core_;
   const Templates &templates_;
-  std::set<std::string> visited_;
-  ArchitectureChain chain_;
+  NameSet visited_;
+  Chain<TDMFileArchitecture> chain_;
 };
 
 } // namespace
@@ -163,16 +150,17 @@ TDMCore::TDMCore(const TDMFileCore &record, const std::string &processor,
                  const tdm::Templates &templates, const tdm::ArgumentScope &scope)
     : TDMObject{record.sourceLocations}, name(record.name.value_or("")),
       architecture_name(record.archName.value_or("")), processor_name(&processor),
-      endianness(record.endianness), space_id_offset(record.spaceIdOffset)
+      endianness(record.endianness.begin(), record.endianness.end()),
+      space_id_offset(record.spaceIdOffset)
 {
   const TDMFileArchitecture *architecture = templates.architecture(architecture_name);
   if (architecture == nullptr)
     throw new TDMSyntaxException(tdm::place_of(record, "name"), "parent architecture " +
                                                                     architecture_name +
                                                                     " not found for core " + name);
-  const auto arguments = scope.substitute(record.arguments, tdm::place_of(record, "archName"));
+  tdm::Arguments arguments = scope.substitute(record.arguments, tdm::place_of(record, "archName"));
   tdm::ArchitectureInstance instance(*this, templates);
-  instance.create(*architecture, arguments);
+  instance.create(*architecture, std::move(arguments));
   instance.resolve();
 }
 
@@ -185,16 +173,14 @@ std::string TDMCore::full_name() const
 
 void TDMCore::add_space(std::unique_ptr<TDMSpace> space)
 {
-  const auto place = static_cast<uint32_t>(spaces.size());
-  by_name_.add(space->full_name(), place);
-  by_name_.add(space->name, place);
   largest_space_id_ = std::max(largest_space_id_, space->id);
   spaces.push_back(std::move(space));
+  by_name_.update();
 }
 
 TDMSpace *TDMCore::find_space(std::string_view wanted) const
 {
-  const uint32_t place = by_name_.find(wanted);
+  const uint32_t place = std::min(place_by_full_name(wanted), by_name_.place_of(wanted));
   return place != tdm::NameTable::none ? spaces[place].get() : nullptr;
 }
 
@@ -205,20 +191,31 @@ TDMSpace *TDMCore::find_space_by_id(int64_t id) const
   return nullptr;
 }
 
-// One kind of name alone: the place is right at once, unless a plain name reads like a full one.
-
 TDMSpace *TDMCore::find_space_by_full_name(std::string_view full_name) const
 {
-  for (size_t i = by_name_.find(full_name); i < spaces.size(); ++i)
-    if (spaces[i]->full_name() == full_name) return spaces[i].get();
-  return nullptr;
+  const uint32_t place = place_by_full_name(full_name);
+  return place != tdm::NameTable::none ? spaces[place].get() : nullptr;
 }
 
 TDMSpace *TDMCore::find_space_by_plain_name(std::string_view plain_name) const
 {
-  for (size_t i = by_name_.find(plain_name); i < spaces.size(); ++i)
-    if (spaces[i]->name == plain_name) return spaces[i].get();
-  return nullptr;
+  return by_name_.find(plain_name);
+}
+
+/// The plain name stands behind the second colon. The placeholder has another prefix than the
+/// others; so the first of that plain name needn't be the one.
+uint32_t TDMCore::place_by_full_name(std::string_view full_name) const
+{
+  const size_t first_colon = full_name.find(':');
+  if (first_colon == std::string_view::npos) return tdm::NameTable::none;
+  const size_t colon = full_name.find(':', first_colon + 1);
+  if (colon == std::string_view::npos) return tdm::NameTable::none;
+  const std::string_view plain_name = full_name.substr(colon + 1);
+  for (size_t i = by_name_.place_of(plain_name); i < spaces.size(); ++i)
+    if (tdm::is_prefixed_name(full_name, *spaces[i]->processor_name, *spaces[i]->core_name,
+                              spaces[i]->name))
+      return static_cast<uint32_t>(i);
+  return tdm::NameTable::none;
 }
 
 void TDMCore::check(const tdm::CheckRunner &runner)
@@ -237,33 +234,31 @@ void TDMCore::check(const tdm::CheckRunner &runner)
     if (space->copy_table != nullptr) set_copy_table_space(*space, space->location_or("table"));
 }
 
+// What stands before the plain names is the same for all objects of a core by now.
 void TDMCore::check_names() const
 {
-  std::unordered_set<std::string> space_names;
-  std::unordered_set<std::string> stack_names;
-  std::unordered_set<std::string> heap_names;
+  tdm::NameSet stack_names;
+  tdm::NameSet heap_names;
   for (const auto &space : spaces) {
-    if (!space_names.insert(space->full_name()).second)
+    if (space.get() == by_name_.first_repeated())
       throw new TDMSyntaxException(space->location_or("name"),
                                    "space " + space->full_name() +
                                        " defined more than once in core " + full_name());
     for (const auto &stack : space->stacks)
-      if (!stack_names.insert(stack->name).second)
+      if (!stack_names.add(stack->name))
         throw new TDMSyntaxException(stack->location_or("name"),
                                      "stack " + stack->name + " defined more than once in core " +
                                          full_name());
     for (const auto &heap : space->heaps)
-      if (!heap_names.insert(heap->name).second)
+      if (!heap_names.add(heap->name))
         throw new TDMSyntaxException(heap->location_or("name"),
                                      "heap " + heap->name + " defined more than once in core " +
                                          full_name());
   }
-  std::unordered_set<std::string> bus_names;
-  for (const auto &bus : buses)
-    if (!bus_names.insert(bus->full_name()).second)
-      throw new TDMSyntaxException(bus->location_or("name"),
-                                   "bus " + bus->full_name() + " defined more than once in core " +
-                                       full_name());
+  if (const TDMBus *bus = tdm::first_repeated(buses))
+    throw new TDMSyntaxException(bus->location_or("name"), "bus " + bus->full_name() +
+                                                               " defined more than once in core " +
+                                                               full_name());
 }
 
 void TDMCore::set_start_address(TDMSpace &space, const TDMSourceLocation &place)

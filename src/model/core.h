@@ -10,7 +10,7 @@
 #include "common/tdm_object.h"
 #include "layout/section_names.h"
 #include "model/bus.h"
-#include "common/name_table.h"
+#include "model/name_index.h"
 #include "model/space.h"
 #include "preprocessor/known_names.h"
 
@@ -59,20 +59,21 @@ struct TDMCore : TDMObject {
   mutable tdm::KnownNames known_names;
   std::string architecture_name;
   const std::string *processor_name;
-  std::vector<int32_t> endianness; ///< enum tdm_endianness, in the order of the text
-  std::vector<std::unique_ptr<TDMBus>> buses;
-  std::vector<std::unique_ptr<TDMSpace>> spaces;
+  tdm::PooledVector<int32_t> endianness; ///< enum tdm_endianness, in the order of the text
+  tdm::PooledVector<std::unique_ptr<TDMBus>> buses;
+  tdm::PooledVector<std::unique_ptr<TDMSpace>> spaces;
   const TDMStartAddress *start_address = nullptr;
   TDMSpace *start_address_space = nullptr;
   TDMSpace *copytable_space = nullptr;
   int32_t space_id_offset = 0;
   bool imported = false;
-  std::vector<TDMCore *> imported_cores;
+  tdm::PooledVector<TDMCore *> imported_cores;
   tdm::SectionNames section_names;
 
 private:
   void check_names() const;
+  [[nodiscard]] uint32_t place_by_full_name(std::string_view full_name) const;
 
-  tdm::NameTable by_name_; ///< place in `spaces` of the first of that full or plain name
+  tdm::NameIndex<TDMSpace> by_name_{spaces};
   int32_t largest_space_id_ = 0;
 };

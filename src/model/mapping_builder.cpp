@@ -25,13 +25,11 @@ template <typename Owner> void require(const TDMFileMapping &record, const Owner
                                    name);
 }
 
-std::optional<DataLines> data_lines(const TDMFileMapping &record, LocationKey key,
-                                    const std::optional<FileRange> &range,
-                                    const ArgumentScope &scope)
+DataLines data_lines(const TDMFileMapping &record, LocationKey key, const FileRange &range,
+                     const ArgumentScope &scope)
 {
-  if (!range) return std::nullopt;
-  return DataLines{number32_of(record, key, *range->low, scope),
-                   number32_of(record, key, *range->high, scope)};
+  return {number32_of(record, key, *range.low, scope),
+          number32_of(record, key, *range.high, scope)};
 }
 
 int64_t offset_or_zero(const TDMFileMapping &record, LocationKey key,
@@ -43,11 +41,14 @@ int64_t offset_or_zero(const TDMFileMapping &record, LocationKey key,
 MapEntry evaluate(const TDMFileMapping &record, const ArgumentScope &scope)
 {
   MapEntry entry;
-  entry.dest_dbits =
-      data_lines(record, "connectedDestinationLines", record.connectedDestinationLines, scope);
+  if (record.connectedDestinationLines)
+    entry.dest_dbits =
+        data_lines(record, "connectedDestinationLines", *record.connectedDestinationLines, scope);
   entry.dest_offset = offset_or_zero(record, "destinationOffset", record.destinationOffset, scope);
   entry.size = number_of(record, "size", *record.size, scope);
-  entry.src_dbits = data_lines(record, "connectedSourceLines", record.connectedSourceLines, scope);
+  if (record.connectedSourceLines)
+    entry.src_dbits =
+        data_lines(record, "connectedSourceLines", *record.connectedSourceLines, scope);
   entry.src_offset = offset_or_zero(record, "sourceOffset", record.sourceOffset, scope);
   entry.bank = record.bankNum;
   entry.dest_bank = record.destinationBankNum;
@@ -81,7 +82,7 @@ std::unique_ptr<TDMMapping> make_forward_mapping(const TDMFileMapping &record,
   require(record, source);
   auto mapping = TDMMapping::forward(evaluate(record, scope), source, end);
   mapping->sourceLocations = record.sourceLocations;
-  mapping->name = record.name;
+  if (record.name) mapping->name = record.name;
   return mapping;
 }
 
@@ -92,7 +93,7 @@ std::unique_ptr<TDMMapping> make_reversed_mapping(const TDMFileMapping &record,
   require(record, destination);
   auto mapping = TDMMapping::reversed(evaluate(record, scope), destination, end);
   mapping->sourceLocations = record.sourceLocations;
-  mapping->name = record.name;
+  if (record.name) mapping->name = record.name;
   return mapping;
 }
 

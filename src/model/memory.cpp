@@ -13,35 +13,36 @@ constexpr int32_t rom = 2;
 TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scope)
     : TDMObject{record.sourceLocations}, name(record.name.value_or(""))
 {
-  const TDMSourceLocation at_name = tdm::place_of(record, "name");
+  const auto at_name = [&] { return tdm::place_of(record, "name"); };
   if (record.mauSize == nullptr)
-    throw new TDMSyntaxException(at_name, "no mau size set for memory " + name);
+    throw new TDMSyntaxException(at_name(), "no mau size set for memory " + name);
   mau_size = tdm::number32_of(record, "mauSize", *record.mauSize, scope);
   if (mau_size == 0)
-    throw new TDMSyntaxException(at_name, "mau size of memory " + name + " is zero");
+    throw new TDMSyntaxException(at_name(), "mau size of memory " + name + " is zero");
   if (mau_size < 0)
-    throw new TDMSyntaxException(at_name, "mau size of memory " + name + " is negative");
+    throw new TDMSyntaxException(at_name(), "mau size of memory " + name + " is negative");
   if (record.size == nullptr)
-    throw new TDMSyntaxException(at_name, "no size set for memory " + name);
+    throw new TDMSyntaxException(at_name(), "no size set for memory " + name);
   size = tdm::number_of(record, "size", *record.size, scope);
-  if (size == 0) throw new TDMSyntaxException(at_name, "memory " + name + " has zero size");
+  if (size == 0) throw new TDMSyntaxException(at_name(), "memory " + name + " has zero size");
 
   priority = record.priority < 0 ? 1 : record.priority;
   exec_priority = record.execPriority < 0 ? priority : record.execPriority;
 
   owned_.reserve(record.mappings.size());
+  mappings_.reserve(record.mappings.size());
   for (const auto &entry : record.mappings) {
     owned_.push_back(tdm::make_reversed_mapping(*entry, scope, *this, tdm::map_end(*this)));
     mappings_.push_back(owned_.back().get());
   }
   if (mappings_.empty())
-    throw new TDMSyntaxException(at_name, "no mappings defined for memory " + name);
+    throw new TDMSyntaxException(at_name(), "no mappings defined for memory " + name);
 
   if (record.fillSpec != nullptr)
     fill_spec =
         std::make_unique<TDMFillSpec>(*record.fillSpec, scope, tdm::place_of(record, "fillSpec"));
   if (record.memtype == 0)
-    throw new TDMSyntaxException(at_name, "no type or attributes set for memory " + name);
+    throw new TDMSyntaxException(at_name(), "no type or attributes set for memory " + name);
   type = static_cast<int32_t>(record.memtype);
   reserved = record.reserved;
 
@@ -92,12 +93,11 @@ void TDMMemory::resolve_mappings(const TDMFileMemory &record, const tdm::BusesIn
   for (size_t i = 0; i < record.mappings.size(); ++i) {
     const TDMFileMapping &entry = *record.mappings[i];
     TDMMapping &mapping = *owned_[i];
-    const std::string wanted =
-        tdm::prefixed_name(processor, nullptr, entry.destination.value_or(""));
-    TDMBus *bus = reach.find(wanted);
+    TDMBus *bus = reach.find(*entry.destination);
     if (bus == nullptr)
       throw new TDMSyntaxException(tdm::place_of(entry, "destination"),
-                                   "could not find bus destination \"" + wanted +
+                                   "could not find bus destination \"" +
+                                       tdm::prefixed_name(processor, nullptr, *entry.destination) +
                                        "\" in mapping from memory " + full_name());
     mapping.set_source(*bus, tdm::map_end(*bus));
     // A bank that the mapping selects has no bearing on the bounds.

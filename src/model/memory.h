@@ -34,11 +34,11 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
   void add_incoming_mapping(TDMMapping *mapping) override { mappings_.push_back(mapping); }
-  const std::vector<TDMMapping *> &incoming_mappings() const override { return mappings_; }
+  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return mappings_; }
 
   [[nodiscard]] std::string full_name() const;
   /// Those that the definition of this object states, whichever way they go.
-  [[nodiscard]] const std::vector<std::unique_ptr<TDMMapping>> &own_mappings() const
+  [[nodiscard]] const tdm::PooledVector<std::unique_ptr<TDMMapping>> &own_mappings() const
   {
     return owned_;
   }
@@ -68,6 +68,6 @@ struct TDMMemory : TDMMapDestination, TDMObject {
 private:
   void read_ports_of(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
 
-  std::vector<TDMMapping *> mappings_;
-  std::vector<std::unique_ptr<TDMMapping>> owned_;
+  tdm::PooledVector<TDMMapping *> mappings_;
+  tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
 };

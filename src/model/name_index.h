@@ -1,34 +1,81 @@
-// Finds the objects of a finished list by name.
+// Finds the objects of a list by their member `name`.
 #pragma once
 
 #include <memory>
 #include <string_view>
-#include <vector>
 
 #include "common/name_table.h"
+#include "mapping/inline_stack.h"
 
 namespace tdm {
 
-/// The first object of each name. Built once the list is complete.
+/// Follows a list that only grows; names don't change once they have been taken in.
 template <typename Object> class NameIndex {
 public:
-  template <typename NameOf>
-  void build(const std::vector<std::unique_ptr<Object>> &objects, NameOf name_of)
+  using List = PooledVector<std::unique_ptr<Object>>;
+
+  explicit NameIndex(const List &objects) : objects_(objects) {}
+
+  /// Takes in what has been added to the list.
+  void update()
   {
-    objects_ = &objects;
-    places_.reserve(objects.size());
-    uint32_t place = 0;
-    for (const auto &object : objects) places_.add(name_of(*object), place++);
+    places_.reserve(objects_.size(), NameAt{objects_});
+    for (uint32_t place = places_.size(); place < objects_.size(); ++place)
+      if (places_.append(NameAt{objects_}) != place && first_repeated_ == nullptr)
+        first_repeated_ = objects_[place].get();
   }
 
+  /// The first object of the name, or null.
   [[nodiscard]] Object *find(std::string_view name) const
   {
-    const uint32_t place = places_.find(name);
-    return place != NameTable::none ? (*objects_)[place].get() : nullptr;
+    const uint32_t place = place_of(name);
+    return place != NameTable::none ? objects_[place].get() : nullptr;
+  }
+  /// Its place, or NameTable::none.
+  [[nodiscard]] uint32_t place_of(std::string_view name) const
+  {
+    return places_.find(name, NameAt{objects_});
+  }
+
+  /// The first object whose name an earlier one has, or null.
+  [[nodiscard]] const Object *first_repeated() const { return first_repeated_; }
+
+private:
+  struct NameAt {
+    const List &objects;
+
+    std::string_view operator()(uint32_t place) const { return objects[place]->name; }
+  };
+
+  const List &objects_;
+  NameTable places_;
+  const Object *first_repeated_ = nullptr;
+};
+
+/// The first object of a list whose member `name` an earlier one has, or null.
+template <typename Object>
+[[nodiscard]] const Object *first_repeated(const PooledVector<std::unique_ptr<Object>> &objects)
+{
+  NameIndex<Object> index(objects);
+  index.update();
+  return index.first_repeated();
+}
+
+/// Names that have been met. They belong to somebody else.
+class NameSet {
+public:
+  /// False if the name has been met before.
+  bool add(std::string_view name)
+  {
+    names_.push_back(name);
+    const auto name_at = [this](uint32_t place) -> const std::string_view & {
+      return names_[place];
+    };
+    return places_.append(name_at) + 1 == names_.size();
   }
 
 private:
-  const std::vector<std::unique_ptr<Object>> *objects_ = nullptr;
+  InlineStack<std::string_view, 8> names_;
   NameTable places_;
 };
 

@@ -1,9 +1,6 @@
 // Instantiates the chain of derivatives of a processor.
 #include "model/processor.h"
 
-#include <string_view>
-#include <unordered_set>
-
 #include "language/records.h"
 #include "layout/record_values.h"
 #include "mapping/interval_set.h"
@@ -16,13 +13,13 @@ namespace tdm {
 
 namespace {
 
-using Arguments = tdm::RecordList<std::unique_ptr<TDMFileExpression>>;
 using DerivativeLevel = ChainLevel<TDMFileDerivative>;
 
 /// Refuses reserved ranges of a space that overlap. They are taken in units of 8 bits, whatever
 /// the space counts in.
 void check_reserved_ranges(const TDMSpace &space)
 {
+  if (space.reserved_ranges.size() < 2) return; // nothing to meet
   IntervalSet occupied;
   for (const auto &range : space.reserved_ranges) {
     try {
@@ -45,20 +42,15 @@ public:
   {
   }
 
-  void create(const TDMFileDerivative &first, const Arguments &arguments)
+  void create(const TDMFileDerivative &first, Arguments arguments)
   {
     const TDMFileDerivative *record = &first;
-    Arguments passed_on;
-    const Arguments *bound = &arguments;
     while (record != nullptr) {
-      DerivativeLevel level = bind(*record, *bound);
+      const DerivativeLevel &level = chain_.emplace_back(bind(*record, std::move(arguments)));
       create_objects(*record, level.scope);
       if (record->base)
-        passed_on = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
-      bound = &passed_on;
-      const TDMFileDerivative *base = find_base(*record);
-      chain_.push_back(std::move(level));
-      record = base;
+        arguments = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
+      record = find_base(*record);
     }
   }
 
@@ -66,7 +58,7 @@ public:
   {
     BusesInReach reach;
     reach.add(processor_.buses);
-    for (const auto &core : processor_.cores) reach.add(core->buses);
+    for (const auto &core : processor_.cores) reach.add(core->buses, &core->name);
     size_t next_bus = 0;
     size_t next_memory = 0;
     for (const DerivativeLevel &level : chain_) {
@@ -91,19 +83,19 @@ public:
     }
   }
 
-  /// The scope of the first level; the instance is done then.
-  [[nodiscard]] ArgumentScope take_parameters() { return std::move(chain_.front().scope); }
+  /// The scope of the first level, to be kept when the records have gone.
+  [[nodiscard]] ArgumentScope copy_parameters() const { return chain_.front().scope.copy(); }
 
 private:
-  DerivativeLevel bind(const TDMFileDerivative &record, const Arguments &arguments)
+  DerivativeLevel bind(const TDMFileDerivative &record, Arguments arguments)
   {
-    if (!visited_.insert(*record.name).second)
+    if (!visited_.add(*record.name))
       throw new TDMSyntaxException(place_of(record, "name"), "derivative " + *record.name +
                                                                  " used as recursive base in " +
-                                                                 listed(visited_));
+                                                                 listed_names(chain_));
     DerivativeLevel level{&record, {}};
     try {
-      level.scope.bind(record.parameters, arguments);
+      level.scope.bind(record.parameters, std::move(arguments));
     } catch (TDMArgumentsException *failure) {
       const std::unique_ptr<TDMArgumentsException> owned(failure);
       throw new TDMSyntaxException(place_of(record, "name"),
@@ -120,12 +112,13 @@ private:
     for (const auto &core : record.cores) {
       processor_.cores.push_back(
           std::make_unique<TDMCore>(*core, processor_.name, templates_, scope));
-      core_index_.emplace(processor_.cores.back()->name, processor_.cores.back().get());
     }
+    if (processor_.buses.empty()) processor_.buses.reserve(record.buses.size());
     for (const auto &bus : record.buses) {
       processor_.buses.push_back(std::make_unique<TDMBus>(*bus, TDMBus::Form::forward, scope));
       processor_.buses.back()->processor_name = &processor_.name;
     }
+    if (processor_.memories.empty()) processor_.memories.reserve(record.memories.size());
     for (const auto &memory : record.memories) {
       processor_.memories.push_back(std::make_unique<TDMMemory>(*memory, scope));
       processor_.memories.back()->processor_name = &processor_.name;
@@ -146,17 +139,11 @@ private:
     return base;
   }
 
-  [[nodiscard]] TDMCore *find_core(const std::string &name) const
-  {
-    const auto found = core_index_.find(name);
-    return found != core_index_.end() ? found->second : nullptr;
-  }
-
   void resolve_core(const TDMFileCore &record)
   {
-    TDMCore &core = *find_core(*record.name);
+    TDMCore &core = *processor_.find_core(*record.name);
     if (record.copyTableCoreName) {
-      const TDMCore *other = find_core(*record.copyTableCoreName);
+      const TDMCore *other = processor_.find_core(*record.copyTableCoreName);
       if (other == nullptr)
         throw new TDMSyntaxException(place_of(record, "name"),
                                      "copy table core " + *record.copyTableCoreName +
@@ -164,7 +151,7 @@ private:
       core.copytable_space = other->find_space(record.copyTableSpaceName.value_or(""));
     }
     for (const std::string &name : record.imports) {
-      TDMCore *other = find_core(name);
+      TDMCore *other = processor_.find_core(name);
       if (other == nullptr)
         throw new TDMSyntaxException(place_of(record, "name"),
                                      "imported core " + name + " not found for core " + core.name);
@@ -175,20 +162,9 @@ private:
 
   TDMProcessor &processor_;
   const Templates &templates_;
-  std::set<std::string> visited_;
-  std::vector<DerivativeLevel> chain_;
-  std::unordered_map<std::string, TDMCore *> core_index_; ///< the first core of each name
+  NameSet visited_;
+  Chain<TDMFileDerivative> chain_;
 };
-
-/// The first object whose full name an earlier one has, or null.
-template <typename Object>
-const Object *first_repeated(const std::vector<std::unique_ptr<Object>> &objects)
-{
-  std::unordered_set<std::string> names;
-  for (const auto &object : objects)
-    if (!names.insert(object->full_name()).second) return object.get();
-  return nullptr;
-}
 
 } // namespace
 
@@ -204,7 +180,7 @@ TDMProcessor::TDMProcessor(const TDMFileCPU &record, const tdm::Templates &templ
     throw new TDMSyntaxException(tdm::place_of(record, "name"),
                                  "parent derivative " + derivative_name +
                                      " not found for processor " + name);
-  instantiate(*derivative, record.arguments, templates, registry, runner);
+  instantiate(*derivative, tdm::arguments_of(record.arguments), templates, registry, runner);
 }
 
 TDMProcessor::TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templates &templates,
@@ -217,27 +193,34 @@ TDMProcessor::TDMProcessor(const TDMFileDerivative &derivative, const tdm::Templ
 
 TDMProcessor::~TDMProcessor() = default;
 
-void TDMProcessor::instantiate(const TDMFileDerivative &derivative,
-                               const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments,
+void TDMProcessor::instantiate(const TDMFileDerivative &derivative, tdm::Arguments arguments,
                                const tdm::Templates &templates, TDMCloneSpaceRegistry &registry,
                                const tdm::CheckRunner &runner)
 {
   tdm::DerivativeInstance instance(*this, templates);
-  instance.create(derivative, arguments);
-  core_index_.build(cores, [](const TDMCore &core) { return core.name; });
-  memory_index_.build(memories, [](const TDMMemory &memory) { return memory.full_name(); });
+  instance.create(derivative, std::move(arguments));
+  core_index_.update();
+  memory_index_.update();
   instance.resolve();
   instance.add_section_items(registry);
-  parameters = instance.take_parameters();
-  std::unordered_set<std::string_view> seen;
+  parameters = instance.copy_parameters();
+  tdm::NameSet seen;
+  parameter_names.reserve(derivative.parameters.size());
   for (const tdm::FileParameter &parameter : derivative.parameters)
-    if (seen.insert(parameter.name).second) parameter_names.push_back(parameter.name);
+    if (seen.add(parameter.name)) parameter_names.push_back(parameter.name);
   for (const auto &core : cores) core->check(runner);
 }
 
+TDMMemory *TDMProcessor::find_memory(std::string_view full_name) const
+{
+  if (!full_name.starts_with(name) || full_name.substr(name.size(), 1) != ":") return nullptr;
+  return memory_index_.find(full_name.substr(name.size() + 1));
+}
+
+// The full names of the objects of one kind differ where their names do.
 void TDMProcessor::check_names() const
 {
-  if (const TDMCore *core = tdm::first_repeated(cores))
+  if (const TDMCore *core = core_index_.first_repeated())
     throw new TDMSyntaxException(core->location_or("name"),
                                  "core " + core->full_name() +
                                      " defined more than once in processor " + name);
@@ -245,7 +228,7 @@ void TDMProcessor::check_names() const
     throw new TDMSyntaxException(bus->location_or("name"),
                                  "bus " + bus->full_name() +
                                      " defined more than once in processor " + name);
-  if (const TDMMemory *memory = tdm::first_repeated(memories))
+  if (const TDMMemory *memory = memory_index_.first_repeated())
     throw new TDMSyntaxException(memory->location_or("name"),
                                  "memory " + memory->full_name() +
                                      " defined more than once in processor " + name);

@@ -41,9 +41,11 @@ struct TDMProcessor : TDMObject {
     return core_index_.find(core_name);
   }
   /// The first memory of that full name, `<processor>:<memory>`, or null.
-  [[nodiscard]] TDMMemory *find_memory(std::string_view full_name) const
+  [[nodiscard]] TDMMemory *find_memory(std::string_view full_name) const;
+  /// The first memory of that plain name, or null.
+  [[nodiscard]] TDMMemory *find_memory_by_plain_name(std::string_view plain_name) const
   {
-    return memory_index_.find(full_name);
+    return memory_index_.find(plain_name);
   }
 
   /// Refuses cores, buses and memories of one full name.
@@ -52,20 +54,19 @@ struct TDMProcessor : TDMObject {
   std::string name;
   mutable tdm::KnownNames known_names;
   std::string derivative_name;
-  std::vector<std::unique_ptr<TDMCore>> cores;
-  std::vector<std::unique_ptr<TDMBus>> buses;
-  std::vector<std::unique_ptr<TDMMemory>> memories;
+  tdm::PooledVector<std::unique_ptr<TDMCore>> cores;
+  tdm::PooledVector<std::unique_ptr<TDMBus>> buses;
+  tdm::PooledVector<std::unique_ptr<TDMMemory>> memories;
   /// Of its derivative, not of the bases, with copies of what they are bound to: for expressions
   /// that a caller brings after the parse.
   tdm::ArgumentScope parameters;
   std::vector<std::string> parameter_names; ///< in the order of the definition, each once
 
 private:
-  void instantiate(const TDMFileDerivative &derivative,
-                   const tdm::RecordList<std::unique_ptr<TDMFileExpression>> &arguments,
+  void instantiate(const TDMFileDerivative &derivative, tdm::Arguments arguments,
                    const tdm::Templates &templates, TDMCloneSpaceRegistry &registry,
                    const tdm::CheckRunner &runner);
 
-  tdm::NameIndex<TDMCore> core_index_;
-  tdm::NameIndex<TDMMemory> memory_index_;
+  tdm::NameIndex<TDMCore> core_index_{cores};
+  tdm::NameIndex<TDMMemory> memory_index_{memories};
 };

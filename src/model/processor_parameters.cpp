@@ -29,8 +29,8 @@ ParameterMeaning meaning_of(const std::string &name, const ArgumentScope &parame
 {
   ParameterMeaning meaning{&name, std::nullopt, std::nullopt};
   const ArgumentScope::Binding *binding = parameters.find(name);
-  const auto expression = if_possible(
-      [&] { return tdm_translate_expression(binding->record.get(), parameters, place); });
+  const auto expression =
+      if_possible([&] { return tdm_translate_expression(binding->record, parameters, place); });
   if (!expression) return meaning;
   meaning.text = source_text(**expression);
   meaning.value = if_possible([&] { return (*expression)->compute(nullptr); });

@@ -105,9 +105,11 @@ void SectionItems::with_context(const Target &target, const ArgumentScope &scope
   const TargetMemories memories(targets_, *target.processor);
   LayoutMemoryReferences references(memories, target.space->layout_view());
   const ArgumentScope names(scope, references);
-  const std::string core_full_name = target.core->full_name();
-  build(LayoutContext{names, target.space->layout_view(), &memories, target.core->section_names,
-                      core_full_name});
+  build(LayoutContext{names,
+                      target.space->layout_view(),
+                      &memories,
+                      target.core->section_names,
+                      {*target.core->processor_name, target.core->name}});
 }
 
 void SectionItems::add_layout(const TDMFileSectionLayout &record, const ArgumentScope &scope)

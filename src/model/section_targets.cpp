@@ -43,7 +43,7 @@ TDMSourceLocation place_of(const TDMFileObject &record, LocationKey key, Locatio
 }
 
 /// The one element of a list, or null if it has more or less.
-template <class Object> Object *only_one(const std::vector<std::unique_ptr<Object>> &objects)
+template <class Object> Object *only_one(const PooledVector<std::unique_ptr<Object>> &objects)
 {
   return objects.size() == 1 ? objects.front().get() : nullptr;
 }
@@ -216,7 +216,7 @@ TDMProcessor &SectionTargets::referenced_processor(const TDMFileCopySubTableSpac
 LayoutMemory SectionTargets::find_memory(const TDMProcessor &processor,
                                          const std::string &name) const
 {
-  const TDMMemory *memory = processor.find_memory(processor.name + ":" + name);
+  const TDMMemory *memory = processor.find_memory_by_plain_name(name);
   if (memory == nullptr) memory = processor.find_memory(name);
   if (memory == nullptr && spec_ != nullptr) memory = spec_->find_memory(name);
   return memory != nullptr ? LayoutMemory{memory, memory->size} : LayoutMemory{};

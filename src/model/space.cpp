@@ -78,6 +78,7 @@ TDMAllocSpace::TDMAllocSpace(const TDMFileSpace &record, TDMCore &core,
   create_definitions(record, core, scope);
 
   owned_.reserve(record.mappings.size());
+  outgoing_.reserve(record.mappings.size());
   for (const auto &entry : record.mappings) {
     owned_.push_back(tdm::make_forward_mapping(*entry, scope, *this, tdm::map_end(*this)));
     outgoing_.push_back(owned_.back().get());
@@ -112,9 +113,8 @@ void TDMAllocSpace::create_definitions(const TDMFileSpace &record, TDMCore &core
     copy_table = std::make_unique<TDMCopyTable>(*record.copyTable, scope);
   if (record.directInit != nullptr)
     direct_init = std::make_unique<TDMDirectInit>(*record.directInit, scope);
-  const std::string core_full_name = core.full_name();
-  const tdm::LayoutContext context{scope, layout_view(), nullptr, core.section_names,
-                                   core_full_name};
+  const tdm::LayoutContext context{
+      scope, layout_view(), nullptr, core.section_names, {*core.processor_name, core.name}};
   for (const auto &table : record.vectorTables)
     vector_tables.push_back(tdm::build_vector_table(*table, context));
   for (const auto &range : record.reservedRanges) {
@@ -131,15 +131,15 @@ void TDMAllocSpace::create_definitions(const TDMFileSpace &record, TDMCore &core
 void TDMAllocSpace::create_layouts(const TDMFileSpace &record, TDMCore &core,
                                    const tdm::ArgumentScope &scope)
 {
-  const std::string core_full_name = core.full_name();
-  const tdm::LayoutContext context{scope, layout_view(), nullptr, core.section_names,
-                                   core_full_name};
+  const tdm::LayoutContext context{
+      scope, layout_view(), nullptr, core.section_names, {*core.processor_name, core.name}};
   for (const auto &layout : record.sectionLayouts)
     section_layouts.push_back(tdm::build_section_layout(*layout, context));
 }
 
 void TDMAllocSpace::check_mappings() const
 {
+  if (outgoing_.size() < 2) return; // nothing to meet
   IntervalSet occupied;
   for (const TDMMapping *mapping : outgoing_) {
     // What connects no data line overlaps nothing, but would be cut at all that lies in its span.
@@ -162,8 +162,7 @@ void TDMAllocSpace::resolve_mappings(TDMCore &core, const tdm::BusesInReach &bus
 
   const tdm::CoreSpaceLookup lookup(core);
   if (bank_def != nullptr && bank_def->space_name) {
-    const TDMSpace *other = core.find_space_by_full_name(*processor_name + ":" + *core_name + ":" +
-                                                         *bank_def->space_name);
+    const TDMSpace *other = core.find_space_by_plain_name(*bank_def->space_name);
     if (other != nullptr && other->bank_def != nullptr && other != this)
       bank_def->banks = other->bank_def->banks;
   }
@@ -181,24 +180,27 @@ void TDMAllocSpace::resolve_mappings(TDMCore &core, const tdm::BusesInReach &bus
 void TDMAllocSpace::resolve_mapping(TDMMapping &mapping, const TDMFileMapping &record,
                                     TDMCore &core, const tdm::BusesInReach &buses)
 {
-  const TDMSourceLocation place = tdm::place_of(record, "destination");
-  const std::string wanted =
-      *processor_name + ":" + *core_name + ":" + record.destination.value_or("");
+  const auto wanted = [&] {
+    return tdm::prefixed_name(processor_name, core_name, *record.destination);
+  };
   if (record.destinationKind == 0) {
-    TDMSpace *space = core.find_space_by_full_name(wanted);
+    TDMSpace *space = core.find_space_by_plain_name(*record.destination);
     if (space == nullptr)
-      throw new TDMSyntaxException(place, "Could not find space \"" + wanted +
-                                              "\" for mapping in space " + full_name());
+      throw new TDMSyntaxException(tdm::place_of(record, "destination"),
+                                   "Could not find space \"" + wanted() +
+                                       "\" for mapping in space " + full_name());
     mapping.set_destination(*space, tdm::map_end(*space));
   } else {
-    TDMBus *bus = buses.find(wanted);
+    TDMBus *bus = buses.find(*record.destination);
     if (bus == nullptr)
-      throw new TDMSyntaxException(place, "Could not find bus \"" + wanted +
-                                              "\" for mapping in space " + full_name());
+      throw new TDMSyntaxException(tdm::place_of(record, "destination"),
+                                   "Could not find bus \"" + wanted() + "\" for mapping in space " +
+                                       full_name());
     mapping.set_destination(*bus, tdm::map_end(*bus));
   }
   if (record.reserved)
-    throw new TDMSyntaxException(place, "reserved attribute not allowed in space mappings");
+    throw new TDMSyntaxException(tdm::place_of(record, "destination"),
+                                 "reserved attribute not allowed in space mappings");
   if (bank_def != nullptr && record.bankNum >= 0)
     bank_def->add_bank(record.bankNum, tdm::place_of(record, "bankNum"));
 }

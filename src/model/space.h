@@ -40,7 +40,7 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
   void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
-  const std::vector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
+  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
 
   /// Refuses mappings that share addresses and data lines.
   virtual void check_mappings() const = 0;
@@ -53,14 +53,14 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   virtual void walk(TDMSpaceWalker &walker);
 
   void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
-  const std::vector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
+  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
 
   TDMSpace(const TDMSpace &) = delete;
   TDMSpace &operator=(const TDMSpace &) = delete;
 
   [[nodiscard]] std::string full_name() const;
   /// Those that the definition of this object states, whichever way they go.
-  [[nodiscard]] const std::vector<std::unique_ptr<TDMMapping>> &own_mappings() const
+  [[nodiscard]] const tdm::PooledVector<std::unique_ptr<TDMMapping>> &own_mappings() const
   {
     return owned_;
   }
@@ -80,17 +80,17 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   bool page_restrict_sections = false;
   int32_t locate_direction = 0; ///< enum tdm_locate_direction
   TDMSpace *address_literal_space = nullptr;
-  std::vector<std::unique_ptr<TDMStackDef>> stacks;
-  std::vector<std::unique_ptr<TDMHeapDef>> heaps;
+  tdm::PooledVector<std::unique_ptr<TDMStackDef>> stacks;
+  tdm::PooledVector<std::unique_ptr<TDMHeapDef>> heaps;
   std::unique_ptr<TDMCopyTable> copy_table;
   std::unique_ptr<TDMDirectInit> direct_init;
-  std::vector<std::unique_ptr<TDMVectorTable>> vector_tables;
-  std::vector<std::unique_ptr<TDMReservedRange>> reserved_ranges;
+  tdm::PooledVector<std::unique_ptr<TDMVectorTable>> vector_tables;
+  tdm::PooledVector<std::unique_ptr<TDMReservedRange>> reserved_ranges;
   std::unique_ptr<TDMStartAddress> start_address;
   std::unique_ptr<TDMBankDef> bank_def;
-  std::vector<std::unique_ptr<TDMSectionLayout>> section_layouts;
+  tdm::PooledVector<std::unique_ptr<TDMSectionLayout>> section_layouts;
   std::set<int32_t> prohibited_spaces; ///< ids of the spaces that sections here can't refer to
-  std::vector<std::unique_ptr<TDMInputModification>> input_modifications;
+  tdm::PooledVector<std::unique_ptr<TDMInputModification>> input_modifications;
 
 protected:
   TDMSpace() = default;
@@ -100,9 +100,9 @@ protected:
   void compute_valid_interval();
 
   Interval valid_interval_;
-  std::vector<TDMMapping *> outgoing_;
-  std::vector<TDMMapping *> incoming_;
-  std::vector<std::unique_ptr<TDMMapping>> owned_;
+  tdm::PooledVector<TDMMapping *> outgoing_;
+  tdm::PooledVector<TDMMapping *> incoming_;
+  tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
 
 private:
   class View final : public tdm::LayoutSpace {

@@ -83,8 +83,8 @@ void TDMSpec::build(const TDMFileInterface &records, const tdm::CheckRunner &run
 {
   create_processors(records, runner);
   create_globals(records);
-  processor_index_.build(processors, [](const TDMProcessor &object) { return object.name; });
-  memory_index_.build(memories, [](const TDMMemory &object) { return object.name; });
+  processor_index_.update();
+  memory_index_.update();
   add_section_items(records);
 }
 
@@ -136,7 +136,7 @@ void TDMSpec::create_globals(const TDMFileInterface &records)
   // Buses of cores are out of reach for what is global.
   tdm::BusesInReach reach;
   reach.add(buses);
-  for (const auto &processor : processors) reach.add(processor->buses);
+  for (const auto &processor : processors) reach.add(processor->buses, &processor->name);
   for (size_t i = 0; i < memories.size(); ++i)
     memories[i]->resolve_mappings(*records.memories[i], reach, nullptr);
   for (size_t i = 0; i < buses.size(); ++i)
@@ -147,6 +147,7 @@ void TDMSpec::create_globals(const TDMFileInterface &records)
 void TDMSpec::check() const
 {
   check_names();
+  if (tdm::memories_lie_apart(*this)) return;
   tdm::OverlapCheck overlaps;
   for (const auto &memory : memories) overlaps.add(*memory);
   for (const auto &processor : processors)
@@ -156,23 +157,15 @@ void TDMSpec::check() const
 void TDMSpec::check_names() const
 {
   // The full name of what is global is its name.
-  using Names = std::unordered_set<std::string_view, std::hash<std::string_view>, std::equal_to<>,
-                                   tdm::PoolAllocator<std::string_view>>;
-  Names names;
-  names.reserve(memories.size());
-  for (const auto &memory : memories)
-    if (!names.insert(memory->name).second)
-      throw new TDMSyntaxException(memory->location_or("name"), "global memory " +
-                                                                    memory->full_name() +
-                                                                    " defined more than once");
-  names.clear();
-  for (const auto &bus : buses)
-    if (!names.insert(bus->name).second)
-      throw new TDMSyntaxException(bus->location_or("name"),
-                                   "global bus " + bus->full_name() + " defined more than once");
-  names.clear();
+  if (const TDMMemory *memory = memory_index_.first_repeated())
+    throw new TDMSyntaxException(memory->location_or("name"), "global memory " +
+                                                                  memory->full_name() +
+                                                                  " defined more than once");
+  if (const TDMBus *bus = tdm::first_repeated(buses))
+    throw new TDMSyntaxException(bus->location_or("name"),
+                                 "global bus " + bus->full_name() + " defined more than once");
   for (const auto &processor : processors) {
-    if (!names.insert(processor->name).second)
+    if (processor.get() == processor_index_.first_repeated())
       throw new TDMSyntaxException(processor->location_or("name"),
                                    "Processor " + processor->name + " defined more than once");
     processor->check_names();

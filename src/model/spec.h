@@ -33,7 +33,7 @@ struct TDMSpec : TDMCloneSpaceRegistry {
 
   TDMCloneSpace *find_clone_space(const std::set<std::string> &names) const override;
   TDMCloneSpace *create_clone_space(TDMCore &core,
-                                    const std::vector<std::unique_ptr<TDMCore>> &siblings,
+                                    const tdm::PooledVector<std::unique_ptr<TDMCore>> &siblings,
                                     const std::set<std::string> &names,
                                     const TDMSourceLocation &place) override;
   virtual ~TDMSpec();
@@ -55,9 +55,9 @@ struct TDMSpec : TDMCloneSpaceRegistry {
   std::set<std::string> file_dependencies;
   std::optional<std::string> check_failure; ///< of a spec that is kept for reading all the same
   std::map<std::set<std::string>, TDMCloneSpace *> clone_spaces;
-  std::vector<std::unique_ptr<TDMBus>> buses;
-  std::vector<std::unique_ptr<TDMMemory>> memories;
-  std::vector<std::unique_ptr<TDMProcessor>> processors;
+  tdm::PooledVector<std::unique_ptr<TDMBus>> buses;
+  tdm::PooledVector<std::unique_ptr<TDMMemory>> memories;
+  tdm::PooledVector<std::unique_ptr<TDMProcessor>> processors;
 
 private:
   std::unique_ptr<TDMFileInterface> parse(const std::vector<std::string> &files);
@@ -70,6 +70,6 @@ private:
   void check() const;
   void check_names() const;
 
-  tdm::NameIndex<TDMProcessor> processor_index_;
-  tdm::NameIndex<TDMMemory> memory_index_;
+  tdm::NameIndex<TDMProcessor> processor_index_{processors};
+  tdm::NameIndex<TDMMemory> memory_index_{memories};
 };

@@ -1,6 +1,8 @@
 // Finds templates by name.
 #include "model/templates.h"
 
+#include <algorithm>
+
 namespace tdm {
 
 Templates::Templates(const tdm::RecordList<std::unique_ptr<TDMFileArchitecture>> &architectures,
@@ -22,10 +24,11 @@ const TDMFileDerivative *Templates::derivative(const std::string &name) const
   return found != derivatives_.end() ? found->second : nullptr;
 }
 
-std::string listed(const std::set<std::string> &names)
+std::string listed(std::vector<std::string_view> names)
 {
+  std::sort(names.begin(), names.end());
   std::string text = "{";
-  for (const std::string &name : names) text += " " + name;
+  for (const std::string_view name : names) text.append(1, ' ').append(name);
   return text + " }";
 }
 

@@ -2,8 +2,8 @@
 // the helpers that walk their chains of bases.
 #pragma once
 
+#include <list>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,7 +38,20 @@ template <typename Record> struct ChainLevel {
   ArgumentScope scope;
 };
 
-/// The names of a chain as a report lists them: sorted, `{ a b c }`.
-[[nodiscard]] std::string listed(const std::set<std::string> &names);
+/// The levels stay where they are as the chain grows.
+template <typename Record>
+using Chain = std::list<ChainLevel<Record>, PoolAllocator<ChainLevel<Record>>>;
+
+/// Names as a report lists them: sorted, `{ a b c }`.
+[[nodiscard]] std::string listed(std::vector<std::string_view> names);
+
+/// The names of the templates of a chain.
+template <typename Record> [[nodiscard]] std::string listed_names(const Chain<Record> &chain)
+{
+  std::vector<std::string_view> names;
+  names.reserve(chain.size());
+  for (const ChainLevel<Record> &level : chain) names.push_back(*level.record->name);
+  return listed(std::move(names));
+}
 
 } // namespace tdm

@@ -2,26 +2,36 @@
 // all loops over expressions stand.
 #include <gtest/gtest.h>
 
+#include <deque>
+
 #include "expressions/applications.h"
 #include "support.h"
 
 namespace {
 
-tdm::FileParameters parameters(std::initializer_list<const char *> names, int defaults_from = 99)
+/// Scopes refer to parameters and arguments, as records that outlive them.
+template <class List> List &kept(List list)
+{
+  static std::deque<List> lists;
+  return lists.emplace_back(std::move(list));
+}
+
+const tdm::FileParameters &parameters(std::initializer_list<const char *> names,
+                                      int defaults_from = 99)
 {
   tdm::FileParameters list;
   for (const char *name : names) {
     const bool has_default = static_cast<int>(list.size()) >= defaults_from;
     list.push_back({name, has_default ? binary(4, var("a"), num(1)) : nullptr});
   }
-  return list;
+  return kept(std::move(list));
 }
 
-ExpressionList arguments(std::initializer_list<std::int64_t> values)
+tdm::Arguments arguments(std::initializer_list<std::int64_t> values)
 {
   ExpressionList list;
   for (const std::int64_t value : values) list.push_back(num(value));
-  return list;
+  return tdm::arguments_of(kept(std::move(list)));
 }
 
 TEST(Scope, BindsArgumentsAndDefaults)
@@ -74,6 +84,16 @@ TEST(Scope, ReportsNamesWithoutARecord)
     EXPECT_EQ(failure_of([&] { (void)tdm::evaluate(*row.record, scope, here); }), row.text);
     EXPECT_EQ(failure_of([&] { (void)translated(*row.record, scope); }), row.text);
   }
+  // What an argument says counts as written where its parameter is used.
+  ExpressionList elsewhere;
+  elsewhere.push_back(binary(4, num(1), var("missing", true)));
+  elsewhere.push_back(unary(5, symbol("s", true)));
+  tdm::ArgumentScope receiver;
+  receiver.bind(parameters({"x", "y"}), tdm::arguments_of(elsewhere));
+  EXPECT_EQ(failure_of([&] { (void)translated(*binary(4, var("x"), num(1)), receiver); }),
+            at_place + "TDM variable \"missing\" is used but not defined");
+  EXPECT_EQ(translated(*var("y"), receiver)->location("name"), nullptr);
+  EXPECT_NE(translated(*elsewhere[1], receiver)->location("name"), nullptr);
   // The second use of a variable is no cycle.
   scope.bind("c", num(4));
   EXPECT_EQ(translated(*binary(1, var("c"), var("c")), scope)->value(), 16);
@@ -109,10 +129,8 @@ TEST(Scope, SubstitutesVariablesOnce)
   ExpressionList list;
   list.push_back(var("b"));
   list.push_back(binary(1, var("a"), conditional(var("b"), size_of(4, "m"), num(3))));
-  const ExpressionList passed = inner.substitute(list, here);
-
   tdm::ArgumentScope receiver;
-  receiver.bind(parameters({"x", "y"}), passed);
+  receiver.bind(parameters({"x", "y"}), inner.substitute(list, here));
   EXPECT_EQ(failure_of([&] { (void)tdm::evaluate(*var("x"), receiver, here); }),
             "[\"file\" 7/9] syntax error: TDM variable \"a\" is used but not defined");
   receiver.bind("a", num(100));
@@ -140,11 +158,11 @@ TEST(Scope, EndsExplosions)
   EXPECT_EQ(tdm::evaluate(*var("p12"), doubling, here), 4096);
   EXPECT_EQ(failure_of([&] { (void)tdm::evaluate(*var("p60"), doubling, here); }), too_large);
 
-  ExpressionList passed = arguments({1});
+  tdm::Arguments passed = arguments({1});
   const std::string text = failure_of([&] {
     for (int i = 0; i < 60; ++i) {
       tdm::ArgumentScope scope;
-      scope.bind(parameters({"a"}), passed);
+      scope.bind(parameters({"a"}), std::move(passed));
       ExpressionList next;
       next.push_back(binary(4, var("a"), var("a")));
       passed = scope.substitute(next, here);
@@ -223,8 +241,8 @@ void run_through_long_chains()
   ExpressionList list;
   list.push_back(deep(0));
   list.push_back(deep(1));
-  const ExpressionList copies = scope.substitute(list, here);
-  EXPECT_EQ(copies.size(), 2U);
+  list.push_back(binary(4, deep(0), var("p0")));
+  EXPECT_EQ(scope.substitute(list, here).size(), 3U);
 }
 
 TEST(Depth, TreesOnASmallStack)

@@ -21,9 +21,17 @@ protected:
   const tdm::ArgumentScope scope{};
   const EmptySpace space{};
   tdm::SectionNames names;
-  const std::string core = "c:k";
-  const tdm::LayoutContext context{scope, space, nullptr, names, core};
+  const std::string processor = "c";
+  const std::string core = "k";
+  const tdm::LayoutContext context{scope, space, nullptr, names, {processor, core}};
 };
+
+using Texts = std::vector<std::string>;
+
+Texts texts(const tdm::PooledVector<const char *> &list)
+{
+  return {list.begin(), list.end()};
+}
 
 tdm::ExpressionPtr number(int64_t value)
 {
@@ -74,8 +82,8 @@ TEST_F(Building, LayoutsMentionSymbolsSectionsAndGroups)
   ASSERT_EQ(statements.size(), 6U);
   EXPECT_TRUE(dynamic_cast<TDMAssignment &>(*statements[0]).plain);
   EXPECT_FALSE(dynamic_cast<TDMAssignment &>(*statements[1]).plain);
-  EXPECT_EQ(names.assigned_symbols, (tdm::PooledNames{"x", "y"}));
-  EXPECT_EQ(names.referenced_names, (tdm::PooledNames{"a", "c*", "d"}));
+  EXPECT_EQ(texts(names.assigned_symbols), (Texts{"x", "y"}));
+  EXPECT_EQ(texts(names.referenced_names), (Texts{"a", "c*", "d"}));
   EXPECT_EQ(names.group_names.count("g"), 1U);
 
   EXPECT_EQ(failure_of([&] { static_cast<void>(tdm::build_section_layout(layout, context)); }),
@@ -116,16 +124,16 @@ TEST_F(Building, VectorTablesRequireSymbols)
     table.vectors.push_back(std::move(vector));
   }
   const auto built = tdm::build_vector_table(table, context);
-  using Ids = std::vector<std::pair<int32_t, int32_t>>;
+  using Ids = tdm::ObjectList<std::pair<int32_t, int32_t>>;
   EXPECT_EQ(built->vectors[0]->ids, (Ids{{1, 1}, {5, 7}}));
   EXPECT_TRUE(built->vectors[1]->optional);
-  EXPECT_EQ(names.referenced_names, (tdm::PooledNames{"t"}));
-  EXPECT_EQ(names.optional_symbols, (tdm::PooledNames{"may"}));
+  EXPECT_EQ(texts(names.referenced_names), (Texts{"t"}));
+  EXPECT_EQ(texts(names.optional_symbols), (Texts{"may"}));
   ASSERT_EQ(names.required_symbols.size(), 3U);
-  EXPECT_EQ(names.required_symbols[0].name, "default");
-  EXPECT_EQ(names.required_symbols[1].name, "must");
+  EXPECT_STREQ(names.required_symbols[0].name, "default");
+  EXPECT_STREQ(names.required_symbols[1].name, "must");
   EXPECT_EQ(names.required_symbols[1].count, 0);
-  EXPECT_EQ(names.required_symbols[2].name, "_v");
+  EXPECT_STREQ(names.required_symbols[2].name, "_v");
   EXPECT_EQ(names.required_symbols[2].count, 4); // _v0 to _v3
 
   table.size = number(0);

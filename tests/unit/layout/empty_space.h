@@ -22,10 +22,10 @@ public:
   void get_full_name(std::string &out) const override { out = "c:k:s"; }
   void add_outgoing_mapping(TDMMapping *) override {}
   void add_incoming_mapping(TDMMapping *) override {}
-  const std::vector<TDMMapping *> &outgoing_mappings() const override { return none_; }
-  const std::vector<TDMMapping *> &incoming_mappings() const override { return none_; }
+  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return none_; }
+  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return none_; }
 
 private:
   std::vector<std::unique_ptr<TDMRange>> page_ranges_;
-  std::vector<TDMMapping *> none_;
+  tdm::PooledVector<TDMMapping *> none_;
 };
