@@ -3,6 +3,8 @@
 #include <charconv>
 #include <limits>
 
+#include <fmt/format.h>
+
 #include "format.h"
 #include "usage_error.h"
 
@@ -46,20 +48,20 @@ int take_base(std::string_view &text)
 
 [[noreturn]] void refuse(std::string_view text, const std::string &what)
 {
-  throw UsageError{"--at " + std::string(text) + ": " + what};
+  throw UsageError{fmt::format("--at {}: {}", text, what)};
 }
 
 int64_t require_number(std::string_view text, std::string_view whole)
 {
   if (const auto number = parse_number(text)) return *number;
-  refuse(whole, "\"" + std::string(text) + "\" is no number from 0 to 2^63 - 1");
+  refuse(whole, fmt::format("\"{}\" is no number from 0 to 2^63 - 1", text));
 }
 
 int32_t require_small_number(std::string_view text, std::string_view whole)
 {
   const int64_t number = require_number(text, whole);
   if (number > std::numeric_limits<int32_t>::max())
-    refuse(whole, "\"" + std::string(text) + "\" is too large");
+    refuse(whole, fmt::format("\"{}\" is too large", text));
   return static_cast<int32_t>(number);
 }
 
@@ -106,18 +108,15 @@ Place parse_place(std::string_view text)
 tdm_addressvalue address_of(const Place &place, const Place::Point &point, int mau)
 {
   if (point.bit >= mau)
-    throw UsageError{"--at: there is no bit " + std::to_string(point.bit) + " in units of " +
-                     std::to_string(mau) + " bits"};
+    throw UsageError{fmt::format("--at: there is no bit {} in units of {} bits", point.bit, mau)};
   return {point.value, point.bit, mau, place.bank};
 }
 
 std::string address_text(const tdm_addressvalue &address, int digits)
 {
-  std::string text;
-  if (address.bank >= 0) text += std::to_string(address.bank) + ":";
-  text += hex(address.value, digits);
-  if (address.bits != 0) text += "." + std::to_string(address.bits);
-  return text;
+  const std::string bank = address.bank >= 0 ? fmt::format("{}:", address.bank) : "";
+  const std::string bit = address.bits != 0 ? fmt::format(".{}", address.bits) : "";
+  return bank + hex(address.value, digits) + bit;
 }
 
 std::string span_text(const tdm_interval &interval, int digits)

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <unistd.h>
 
+#include <fmt/format.h>
+
 namespace tool {
 
 namespace {
@@ -38,8 +40,7 @@ void Diagnostics::print(const Finding &finding)
   const SourcePlace &place = finding.place;
   print_chain(finding.included_from);
   std::string where = place.file.empty() ? "tdm" : place.file;
-  if (place.line > 0)
-    where += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+  if (place.line > 0) where += fmt::format(":{}:{}", place.line, place.column);
   out_ << styled(bold, where + ":") << ' '
        << styled(style_of(finding.severity), std::string(finding.severity) + ":") << ' '
        << finding.text;
@@ -53,7 +54,7 @@ void Diagnostics::print_chain(const std::vector<SourcePlace> &included_from)
   std::string text;
   for (const SourcePlace &from : included_from) {
     text += text.empty() ? "In file included from " : ",\n                 from ";
-    text += styled(bold, from.file + ":" + std::to_string(from.line));
+    text += styled(bold, fmt::format("{}:{}", from.file, from.line));
   }
   if (!text.empty() && text != last_chain_) out_ << text << ":\n";
   last_chain_ = std::move(text);
@@ -64,11 +65,9 @@ void Diagnostics::print_source(const SourcePlace &place)
   const auto line = sources_.line(place.path, place.line);
   if (!line.has_value()) return;
   const Excerpt excerpt = excerpt_of(*line, place.column);
-  const std::string number = std::to_string(place.line);
-  const std::string margin(number.size() < 5 ? 5 - number.size() : 0, ' ');
-  out_ << margin << number << " | " << excerpt.source << '\n'
-       << std::string(margin.size() + number.size(), ' ') << " | " << styled(red, excerpt.caret)
-       << '\n';
+  const std::string number = fmt::format("{:5}", place.line);
+  out_ << fmt::format("{} | {}\n{:{}} | {}\n", number, excerpt.source, "", number.size(),
+                      styled(red, excerpt.caret));
 }
 
 std::string Diagnostics::styled(const char *style, const std::string &text) const

@@ -1,10 +1,10 @@
 // eval: an expression of the command line, in the scope of a space.
-#include <cinttypes>
 #include <map>
 #include <memory>
 #include <optional>
 #include <utility>
 
+#include <fmt/format.h>
 #include <tdm_c/tdm_inspect.h>
 
 #include "find.h"
@@ -129,9 +129,7 @@ struct Result {
 std::string hex_of(int64_t value)
 {
   if (value >= 0) return hex(value);
-  char text[24];
-  std::snprintf(text, sizeof text, "0x%" PRIX64, static_cast<uint64_t>(value));
-  return text;
+  return fmt::format("0x{:X}", static_cast<uint64_t>(value));
 }
 
 void write_text(const Result &result, bool tells_defined, const tdm_space *space, std::ostream &out)

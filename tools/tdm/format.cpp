@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cinttypes>
-#include <cstdio>
+
+#include <fmt/format.h>
 
 namespace tool {
 
@@ -12,40 +12,31 @@ std::string hex(int64_t number, int digits)
   const bool negative = number < 0;
   const uint64_t size =
       negative ? ~static_cast<uint64_t>(number) + 1 : static_cast<uint64_t>(number);
-  std::array<char, 24> text{};
-  std::snprintf(text.data(), text.size(), "%s0x%0*" PRIX64, negative ? "-" : "", digits, size);
-  return text.data();
+  return fmt::format("{}0x{:0{}X}", negative ? "-" : "", size, digits);
 }
 
 std::string human_size(int64_t units, int mau)
 {
   const double bits = static_cast<double>(units) * mau;
-  std::array<char, 40> text{};
-  if (mau % 8 != 0 && (bits < 8 || (units % 8 != 0 && bits < 8 * 1024))) {
-    std::snprintf(text.data(), text.size(), "%.0f bits", bits);
-    return text.data();
-  }
+  if (mau % 8 != 0 && (bits < 8 || (units % 8 != 0 && bits < 8 * 1024)))
+    return fmt::format("{:.0f} bits", bits);
   constexpr std::array names = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
   double size = bits / 8;
   size_t step = 0;
   for (; size >= 1024 && step + 1 < names.size(); ++step) size /= 1024;
-  std::snprintf(text.data(), text.size(), "%.4g %s", size, names[step]);
-  return text.data();
+  return fmt::format("{:.4g} {}", size, names[step]);
 }
 
 std::string counted(size_t number, std::string_view noun)
 {
-  std::string text = std::to_string(number) + " ";
-  if (number == 1) return text.append(noun);
-  if (noun.ends_with("y")) return text.append(noun.substr(0, noun.size() - 1)) + "ies";
-  return text.append(noun) + "s";
+  if (number == 1) return fmt::format("1 {}", noun);
+  if (noun.ends_with("y")) return fmt::format("{} {}ies", number, noun.substr(0, noun.size() - 1));
+  return fmt::format("{} {}s", number, noun);
 }
 
 std::string fixed_point(int32_t number)
 {
-  std::array<char, 40> text{};
-  std::snprintf(text.data(), text.size(), "%.6g", number / 65536.0);
-  return text.data();
+  return fmt::format("{:.6g}", number / 65536.0);
 }
 
 size_t columns_of(std::string_view text)
@@ -73,8 +64,8 @@ std::vector<std::string> Table::lines() const
     std::string line;
     for (size_t i = 0; i < row.size(); ++i) {
       if (i > 0 && widths[i] > 0) line += "  ";
-      const std::string padding(widths[i] - columns_of(row[i]), ' ');
-      line += is_right(i) ? padding + row[i] : row[i] + padding;
+      line += is_right(i) ? fmt::format("{:>{}}", row[i], widths[i])
+                          : fmt::format("{:<{}}", row[i], widths[i]);
     }
     line.erase(line.find_last_not_of(' ') + 1);
     lines.push_back(std::move(line));

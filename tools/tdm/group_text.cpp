@@ -1,5 +1,7 @@
 #include "group_text.h"
 
+#include <fmt/format.h>
+
 #include "format.h"
 #include "object_text.h"
 #include "session.h"
@@ -108,7 +110,7 @@ void add_rules(Facts &facts, const tdm_group *group)
     facts.add_if(rules.paged != 0, "page");
   if (rules.page_size != nullptr)
     facts.add("page_size " + address_text(rules.page_size) + pages_text(group));
-  if (rules.priority != 1) facts.add("priority " + std::to_string(rules.priority));
+  if (rules.priority != 1) facts.add(fmt::format("priority {}", rules.priority));
   facts.add(with_word("create_section", quoted(rules.output_section_name)));
   facts.add_if(rules.cross_references != 0, "allow_cross_references");
 }
@@ -137,7 +139,7 @@ void add_inherited(Facts &facts, const tdm_statement_env *outer, const tdm_group
   else
     add_flag(rules.paged, own.paged, "page");
   if (own.priority == 1 && rules.priority != 1)
-    facts.add("priority " + std::to_string(rules.priority));
+    facts.add(fmt::format("priority {}", rules.priority));
   if (own.output_section_name == nullptr)
     facts.add(with_word("create_section", quoted(rules.output_section_name)));
   add_flag(rules.allow_cross_references, own.cross_references, "allow_cross_references");

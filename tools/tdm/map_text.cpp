@@ -13,6 +13,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include "format.h"
 #include "tree.h"
 
@@ -35,18 +37,26 @@ public:
   [[nodiscard]] Node node() const
   {
     const tdm_interval at = units_.of(answer_.at);
-    Node root{std::string(answer_.from.kind) + " " + answer_.from.name + "  " +
-                  place_text(at, answer_.is_span),
-              {},
-              {}};
-    if (answer_.is_span) root.text += "  " + human_size_of(at);
-    root.text += "  " + units_.name(at.low.mau);
+    Node root{line_of(answer_.from, at), {}, {}};
     for (const Route &route : answer_.routes) root.children.push_back(of(route));
     if (!answer_.routes.empty()) add_unused(root);
     return root;
   }
 
 private:
+  /// A place in the units in which it is shown.
+  [[nodiscard]] std::string words_of(const tdm_interval &at) const
+  {
+    const std::string unit = units_.name(at.low.mau);
+    return answer_.is_span ? fmt::format("{}  {}  {}", span_text(at), human_size_of(at), unit)
+                           : fmt::format("{}  {}", address_text(at.low), unit);
+  }
+
+  [[nodiscard]] std::string line_of(const End &end, const tdm_interval &at) const
+  {
+    return fmt::format("{} {}  {}", end.kind, end.name, words_of(at));
+  }
+
   [[nodiscard]] Node of(const Route &route) const
   {
     const tdm_interval at = units_.of(route.end.at);
@@ -58,10 +68,7 @@ private:
       facts.add(lines_text(route.hops.front().mapping, answer_.forward));
       facts.add(place_of(route.hops.front()));
     }
-    std::string text = std::string(route.end.end.kind) + " " + route.end.end.name + "  " +
-                       place_text(at, answer_.is_span);
-    if (answer_.is_span) text += "  " + human_size_of(at);
-    text += "  " + units_.name(at.low.mau);
+    std::string text = line_of(route.end.end, at);
     if (!facts.text().empty()) text += "  " + facts.text();
     return {std::move(text), details_of(route), {}};
   }
@@ -76,8 +83,7 @@ private:
     else
       for (const tdm_interval &unused : *answer_.unused) {
         const tdm_interval at = units_.of(unused);
-        std::string text = "<unused>  " + span_text(at) + "  " + human_size_of(at) + "  " +
-                           units_.name(at.low.mau);
+        std::string text = fmt::format("<unused>  {}", words_of(at));
         if (!is_plain(unused)) text += "  " + mask_text(unused);
         root.children.push_back({std::move(text), {}, {}});
       }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include <fmt/format.h>
 #include <tdm_c/tdm_inspect.h>
 
 #include "format.h"
@@ -80,8 +81,7 @@ std::string human_size_of(const tdm_interval &interval)
 std::string mask_text(const tdm_interval &interval)
 {
   if (is_plain(interval)) return "";
-  return "bits " + hex(static_cast<int64_t>(interval.bits)) + " of " +
-         std::to_string(interval.width);
+  return fmt::format("bits 0x{:X} of {}", interval.bits, interval.width);
 }
 
 } // namespace tool

@@ -1,5 +1,6 @@
 #include "message_texts.h"
 
+#include <fmt/format.h>
 #include <tdm_c/tdm_inspect.h>
 
 namespace tool {
@@ -46,7 +47,7 @@ const char *severity_of(char letter)
 
 MessageText text_of(const tdm_inspect_message_kind &kind)
 {
-  return {kind.letter + std::to_string(kind.number), severity_of(kind.letter),
+  return {fmt::format("{}{}", kind.letter, kind.number), severity_of(kind.letter),
           title_of(kind.format), meaning_of(kind.meaning), message_example(kind.number)};
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "object_text.h"
+
 namespace tool {
 
 MappingNumbers::MappingNumbers(const tdm_spec *spec)
@@ -114,8 +116,7 @@ Json json_placed(const ModelContext &context, int kind, const void *object, Json
   for (const char *key : take_elements<const char *>(tdm_inspect_position_keys(kind, object))) {
     tdm_srcpos place;
     if (tdm_inspect_position(kind, object, key, &place) == 1)
-      origins[key] = context.names.shown(place.file) + ':' + std::to_string(place.line) + ':' +
-                     std::to_string(place.column);
+      origins[key] = place_text(context.names, place);
   }
   return json;
 }

@@ -3,6 +3,8 @@
 #include <optional>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "format.h"
 #include "session.h"
 
@@ -26,7 +28,7 @@ End end_of(tdm_mapdestination *destination)
 
 std::string unit_text(int mau)
 {
-  return "(" + std::to_string(mau) + "-bit MAUs)";
+  return fmt::format("({}-bit MAUs)", mau);
 }
 
 // ---- mappings
@@ -53,9 +55,8 @@ bool all(const Lines &lines)
 
 std::string text_of_lines(const Lines &lines)
 {
-  const std::string low = std::to_string(lines.low);
-  const std::string span = lines.low == lines.high ? low : low + ".." + std::to_string(lines.high);
-  return span + " of " + std::to_string(lines.width);
+  return lines.low == lines.high ? fmt::format("{} of {}", lines.low, lines.width)
+                                 : fmt::format("{}..{} of {}", lines.low, lines.high, lines.width);
 }
 
 } // namespace
@@ -66,7 +67,7 @@ std::string lines_text(const tdm_inspect_mapping &mapping, bool forward)
   Lines far{mapping.dest_line_low, mapping.dest_line_high, mapping.dest_width};
   if (!forward) std::swap(near, far);
   if (all(near) && all(far)) return "";
-  return "data lines " + text_of_lines(near) + " → " + text_of_lines(far);
+  return fmt::format("data lines {} → {}", text_of_lines(near), text_of_lines(far));
 }
 
 std::string priority_text(int32_t priority, int32_t exec_priority)
@@ -108,7 +109,8 @@ std::string size_text(const tdm_expression *expression, int mau)
 {
   if (expression == nullptr) return "";
   const auto value = value_of(expression);
-  return value ? hex(*value) + " (" + human_size(*value, mau) + ")" : source_text(expression);
+  return value ? fmt::format("{} ({})", hex(*value), human_size(*value, mau))
+               : source_text(expression);
 }
 
 std::string number_text(const tdm_expression *expression)
@@ -136,8 +138,12 @@ std::string fill_text(const tdm_fillspec *fill)
 
 std::string place_text(const FileNames &names, const tdm_srcpos &place)
 {
-  return names.shown(place.file) + ":" + std::to_string(place.line) + ":" +
-         std::to_string(place.column);
+  return fmt::format("{}:{}:{}", names.shown(place.file), place.line, place.column);
+}
+
+std::string line_text(const FileNames &names, const tdm_srcpos &place)
+{
+  return fmt::format("{}:{}", names.shown(place.file), place.line);
 }
 
 std::vector<std::string> origin_lines(const FileNames &names, int kind, const void *object)
@@ -155,8 +161,7 @@ std::string origin_text(const FileNames &names, int kind, const void *object)
 {
   for (const char *key : take_elements<const char *>(tdm_inspect_position_keys(kind, object))) {
     tdm_srcpos place;
-    if (tdm_inspect_position(kind, object, key, &place) == 1)
-      return names.shown(place.file) + ":" + std::to_string(place.line);
+    if (tdm_inspect_position(kind, object, key, &place) == 1) return line_text(names, place);
   }
   return "";
 }

@@ -42,8 +42,9 @@ struct End {
 /// "1, 255 aligned to 4"; "" for null.
 [[nodiscard]] std::string fill_text(const tdm_fillspec *fill);
 
-/// "chip.tdm:4:7"
+/// "chip.tdm:4:7", and "chip.tdm:4"
 [[nodiscard]] std::string place_text(const FileNames &names, const tdm_srcpos &place);
+[[nodiscard]] std::string line_text(const FileNames &names, const tdm_srcpos &place);
 
 /// Where each part of an object was written, a line each.
 [[nodiscard]] std::vector<std::string> origin_lines(const FileNames &names, int kind,

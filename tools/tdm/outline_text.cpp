@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "format.h"
 #include "location_banks.h"
+#include "object_text.h"
 #include "session.h"
 
 namespace tool {
@@ -39,19 +42,19 @@ public:
   std::string operator()(Size size) const
   {
     if (size.units == 0) return "";
-    return key_ + " " + hex(size.units) + " (" + human_size(size.units, mau_) + ")";
+    return fmt::format("{} {} ({})", key_, hex(size.units), human_size(size.units, mau_));
   }
   std::string operator()(Alignment align) const
   {
-    return align.units == 0 || align.units == 1 ? "" : key_ + " " + std::to_string(align.units);
+    return align.units == 0 || align.units == 1 ? "" : fmt::format("{} {}", key_, align.units);
   }
   std::string operator()(Address address) const { return key_ + " " + hex(address.value); }
   std::string operator()(const Range &range) const { return text_of(range); }
   std::string operator()(Vectors vectors) const { return quantity(vectors.number, "vector"); }
-  std::string operator()(Count count) const { return key_ + " " + std::to_string(count.number); }
+  std::string operator()(Count count) const { return fmt::format("{} {}", key_, count.number); }
   std::string operator()(Bank bank) const
   {
-    return bank.number >= 0 ? key_ + " " + std::to_string(bank.number) : "";
+    return bank.number >= 0 ? fmt::format("{} {}", key_, bank.number) : "";
   }
   std::string operator()(const std::vector<BankedRange> &ranges) const
   {
@@ -65,15 +68,15 @@ public:
   {
     std::string text;
     for (const Question &question : questions)
-      text += (text.empty() ? "" : ", ") + std::string(question.about) + " \"" + question.name +
-              "\": " + (question.answer ? "yes" : "no");
+      text += fmt::format("{}{} \"{}\": {}", text.empty() ? "" : ", ", question.about,
+                          question.name, question.answer ? "yes" : "no");
     return text;
   }
 
 private:
   static std::string quantity(int64_t number, const char *noun)
   {
-    return number < 0 ? std::to_string(number) + " " + noun + "s"
+    return number < 0 ? fmt::format("{} {}s", number, noun)
                       : counted(static_cast<size_t>(number), noun);
   }
 
@@ -106,8 +109,7 @@ private:
       if (fact.in_text) facts.add(std::visit(FactText(fact.key, mau_), fact.value));
     node.details = item.lines;
     if (annotate_) annotate_(item, facts, node);
-    if (item.place)
-      facts.add(names_.shown(item.place->file) + ":" + std::to_string(item.place->line));
+    if (item.place) facts.add(line_text(names_, *item.place));
     node.text = words_of(kind_name(item.kind));
     if (item.name.has_value()) {
       // Groups have names, all others texts.
@@ -136,7 +138,7 @@ private:
 
 Node outline_tree(const Outline &outline, const FileNames &names, const Annotate &annotate)
 {
-  return {"space " + outline.space + "  " + std::to_string(outline.mau) + "-bit MAUs",
+  return {fmt::format("space {}  {}-bit MAUs", outline.space, outline.mau),
           {},
           OutlineText(outline.mau, names, annotate).of(outline.items)};
 }

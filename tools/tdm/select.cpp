@@ -12,6 +12,7 @@
 
 #include "find.h"
 #include "format.h"
+#include "object_text.h"
 #include "outline_json.h"
 #include "outline_text.h"
 #include "section_list.h"
@@ -171,7 +172,7 @@ std::vector<std::string> lines_of(const Sections &sections)
 
 std::string place_text(const FileNames &names, const std::optional<tdm_srcpos> &place)
 {
-  return place ? names.shown(place->file) + ":" + std::to_string(place->line) : "";
+  return place ? line_text(names, *place) : "";
 }
 
 void add_selections(const std::vector<Item> &items, std::vector<const Item *> &selections)

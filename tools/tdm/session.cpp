@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include <fmt/format.h>
 #include <tdm_c/tdm_inspect.h>
 
 namespace tool {
@@ -116,8 +117,8 @@ const char *memory_type_name(const tdm_memory *memory)
 std::string place_text(const FileNames &names, const tdm_source_location *location)
 {
   if (location == nullptr) return "";
-  return names.shown(tdm_source_location_get_filename(location)) + ":" +
-         std::to_string(tdm_source_location_get_line_number(location));
+  return fmt::format("{}:{}", names.shown(tdm_source_location_get_filename(location)),
+                     tdm_source_location_get_line_number(location));
 }
 
 std::vector<tdm_memory *> memories_of(const tdm_spec *spec)

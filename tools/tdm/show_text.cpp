@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
 #include <tdm_c/tdm.h>
 #include <tdm_c/tdm_inspect.h>
 
@@ -89,7 +90,7 @@ private:
     if (const tdm_space *space = tdm_core_get_copytable_space(core))
       facts.add("copy table in " + text_of(tdm_space_get_name(space)));
     if (const int offset = tdm_inspect_core_space_id_offset(core))
-      facts.add("space ids from " + std::to_string(offset) + " on");
+      facts.add(fmt::format("space ids from {} on", offset));
     if (const std::string imported = names_of_cores(tdm_inspect_core_imported_cores(core));
         !imported.empty())
       facts.add("imports" + imported);
@@ -112,7 +113,7 @@ private:
   [[nodiscard]] Node of(const tdm_bus *bus) const
   {
     Facts facts;
-    facts.add(std::to_string(tdm_bus_get_mausize(bus)) + "-bit MAUs");
+    facts.add(fmt::format("{}-bit MAUs", tdm_bus_get_mausize(bus)));
     facts.add(counted(static_cast<size_t>(tdm_bus_get_width(bus)), "data line"));
     if (const int width = tdm_bus_get_address_width(bus); width >= 0)
       facts.add(counted(static_cast<size_t>(width), "address line"));
@@ -150,16 +151,15 @@ private:
   [[nodiscard]] static std::string facts_of(const tdm_memory *memory)
   {
     Facts facts;
-    facts.add(hex(tdm_memory_get_size(memory)) + " MAUs of " +
-              std::to_string(tdm_memory_get_mausize(memory)) + " bits");
+    facts.add(fmt::format("{} MAUs of {} bits", hex(tdm_memory_get_size(memory)),
+                          tdm_memory_get_mausize(memory)));
     facts.add_if(tdm_memory_is_reserved(memory) != 0, "reserved");
     const int priority = tdm_inspect_memory_priority(memory);
     const int exec_priority = tdm_inspect_memory_exec_priority(memory);
-    if (priority != 1) facts.add("priority " + std::to_string(priority));
-    if (exec_priority != priority)
-      facts.add("priority to execute " + std::to_string(exec_priority));
+    if (priority != 1) facts.add(fmt::format("priority {}", priority));
+    if (exec_priority != priority) facts.add(fmt::format("priority to execute {}", exec_priority));
     if (const int unit = tdm_inspect_memory_write_unit(memory); unit != 1)
-      facts.add("write unit " + std::to_string(unit));
+      facts.add(fmt::format("write unit {}", unit));
     if (const char *mode = tdm_memory_get_write_mode(memory)) facts.add(text_of("written ") + mode);
     facts.add(fill_text(tdm_memory_get_fillspec(memory)));
     const std::pair<const char *, int> figures[] = {
@@ -168,7 +168,7 @@ private:
         {"cycles", tdm_memory_get_cycles(memory)},
         {"area", tdm_memory_get_area(memory)}};
     for (const auto &[name, figure] : figures)
-      if (figure != 0) facts.add(std::string(name) + " " + std::to_string(figure));
+      if (figure != 0) facts.add(fmt::format("{} {}", name, figure));
     return facts.text();
   }
 

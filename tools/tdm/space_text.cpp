@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "address.h"
 #include "format.h"
 #include "session.h"
@@ -176,8 +178,8 @@ private:
     tdm_interval valid;
     tdm_space_get_valid_interval(space_, &valid);
     Facts facts;
-    facts.add("id " + std::to_string(tdm_space_get_id(space_)));
-    facts.add(std::to_string(mau_) + "-bit MAUs");
+    facts.add(fmt::format("id {}", tdm_space_get_id(space_)));
+    facts.add(fmt::format("{}-bit MAUs", mau_));
     facts.add(span_text(valid));
     if (const int alignment = tdm_space_get_alignment(space_))
       facts.add("align " + counted(static_cast<size_t>(alignment), "MAU"));
@@ -216,7 +218,7 @@ private:
     if (start == nullptr || tdm_inspect_get_start_address(start, &record) == 0) return;
     Facts facts;
     facts.add(with_word("run_addr", address_text(record.address)));
-    if (record.bank >= 0) facts.add("bank " + std::to_string(record.bank));
+    if (record.bank >= 0) facts.add(fmt::format("bank {}", record.bank));
     node.children.push_back(context_.node("start_address", quoted(record.symbol), facts,
                                           TDM_OBJECT_START_ADDRESS, start));
   }
@@ -244,7 +246,7 @@ private:
 
   static void add_room_facts(Facts &facts, int alignment, int fixed, int direction)
   {
-    if (alignment > 1) facts.add("align " + std::to_string(alignment));
+    if (alignment > 1) facts.add(fmt::format("align {}", alignment));
     facts.add_if(fixed != 0, "fixed");
     facts.add(grows_text(direction));
   }
@@ -284,10 +286,8 @@ private:
     tdm_inspect_bank_def record;
     if (banks != nullptr && tdm_inspect_get_bank_def(banks, &record) != 0) {
       Facts facts;
-      std::string numbers;
-      for (const int32_t number : take_elements<int32_t>(tdm_inspect_bank_def_banks(banks)))
-        numbers += (numbers.empty() ? "" : " ") + std::to_string(number);
-      facts.add(with_word("banks", numbers));
+      const auto numbers = take_elements<int32_t>(tdm_inspect_bank_def_banks(banks));
+      facts.add(with_word("banks", fmt::format("{}", fmt::join(numbers, " "))));
       facts.add(with_word("space", text_of(record.space_name)));
       facts.add(with_word("stub template", quoted(record.stub_template)));
       facts.add(with_word("switch template", quoted(record.switch_template)));
@@ -299,10 +299,10 @@ private:
                                    hex(tdm_reserved_range_get_high(range)),
                                {},
                                {}});
-    std::string ids;
-    for (const int32_t id : take_elements<int32_t>(tdm_inspect_space_prohibited_spaces(space_)))
-      ids += (ids.empty() ? "" : ", ") + std::to_string(id);
-    if (!ids.empty()) node.children.push_back({"prohibit_references_to  space ids " + ids, {}, {}});
+    const auto ids = take_elements<int32_t>(tdm_inspect_space_prohibited_spaces(space_));
+    if (!ids.empty())
+      node.children.push_back(
+          {fmt::format("prohibit_references_to  space ids {}", fmt::join(ids, ", ")), {}, {}});
     add_list(node, tdm_inspect_space_input_modifications(space_), &SpaceText::of_modification);
   }
 
@@ -342,8 +342,8 @@ Facts facts_of(const tdm_copy_table *copies)
   Facts facts;
   tdm_inspect_copy_table table;
   if (tdm_inspect_get_copy_table(copies, &table) == 0) return facts;
-  if (table.alignment > 1) facts.add("align " + std::to_string(table.alignment));
-  if (table.copy_unit > 0) facts.add("copy_unit " + std::to_string(table.copy_unit));
+  if (table.alignment > 1) facts.add(fmt::format("align {}", table.alignment));
+  if (table.copy_unit > 0) facts.add(fmt::format("copy_unit {}", table.copy_unit));
   facts.add_if(table.page_restrict_rom_copies != 0, "page");
   add_destinations(facts, table.default_destination, tdm_inspect_copy_table_destinations(copies));
   for (const auto *part :
@@ -358,7 +358,7 @@ Facts facts_of(const tdm_direct_init *direct)
   Facts facts;
   tdm_inspect_direct_init init;
   if (tdm_inspect_get_direct_init(direct, &init) == 0) return facts;
-  if (init.alignment > 1) facts.add("align " + std::to_string(init.alignment));
+  if (init.alignment > 1) facts.add(fmt::format("align {}", init.alignment));
   add_destinations(facts, init.default_destination, tdm_inspect_direct_init_destinations(direct));
   return facts;
 }

@@ -23,6 +23,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <fmt/format.h>
 #include <tdm_c/tdm_inspect.h>
 
 #include "format.h"
@@ -202,8 +203,8 @@ std::string reading(const Page &page, const Options &options)
 {
   if (page.file[0] == '\0') return "";
   const std::string name = names_of(options).shown(page.file.data());
-  return page.line == 0 ? ", opening " + name
-                        : ", reading " + name + ":" + std::to_string(page.line);
+  const int line = page.line;
+  return line == 0 ? ", opening " + name : fmt::format(", reading {}:{}", name, line);
 }
 
 int tell(const std::string &what, int exit_code)
@@ -214,11 +215,9 @@ int tell(const std::string &what, int exit_code)
 
 int tell_time(const Options &options, const std::string &place)
 {
-  std::array<char, 32> seconds{};
-  std::snprintf(seconds.data(), seconds.size(), "%g", options.timeout);
-  return tell(std::string("stopped after ") + seconds.data() + " s" + place +
-                  "; --timeout sets the limit",
-              exit_timeout);
+  return tell(
+      fmt::format("stopped after {:g} s{}; --timeout sets the limit", options.timeout, place),
+      exit_timeout);
 }
 
 int tell_memory(const Options &options, const std::string &place)

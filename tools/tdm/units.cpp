@@ -1,5 +1,7 @@
 #include "units.h"
 
+#include <fmt/format.h>
+
 #include "object_text.h"
 #include "usage_error.h"
 
@@ -13,8 +15,8 @@ tdm_addressvalue Units::of(const tdm_addressvalue &address) const
   const int64_t rest = address.value % bits_ * address.mau + address.bits;
   if (__builtin_mul_overflow(address.value / bits_, int64_t{address.mau}, &value) ||
       __builtin_add_overflow(value, rest / bits_, &value))
-    throw UsageError{"--unit " + std::to_string(bits_) +
-                     ": an address is too large to be told in such units"};
+    throw UsageError{
+        fmt::format("--unit {}: an address is too large to be told in such units", bits_)};
   auto bit = static_cast<int32_t>(rest % bits_);
   if (bit < 0) {
     bit += bits_;
@@ -25,7 +27,7 @@ tdm_addressvalue Units::of(const tdm_addressvalue &address) const
 
 std::string Units::name(int mau) const
 {
-  return bits_ == 0 ? unit_text(mau) : "(" + std::to_string(bits_) + "-bit units)";
+  return bits_ == 0 ? unit_text(mau) : fmt::format("({}-bit units)", bits_);
 }
 
 tdm_interval Units::of(const tdm_interval &interval) const
