@@ -456,8 +456,11 @@ void list_push(const std::vector<PpToken> &tokens, bool forwarded)
 
 bool macro_expand(tdm::PpToken &name)
 {
+  const bool exhausted_before = tdm::expansion.exhausted;
   const tdm::Begun begun = tdm::begin(name);
   if (begun == tdm::Begun::call) tdm::run_calls();
-  if (tdm::expansion.exhausted && begun != tdm::Begun::nothing) tdm::drop_everything();
+  // Also where the limit was met in a look for a "(": parts of parts can stand for more tokens than
+  // anybody will ever read.
+  if (tdm::expansion.exhausted && !exhausted_before) tdm::drop_everything();
   return begun != tdm::Begun::nothing;
 }
