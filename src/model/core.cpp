@@ -202,15 +202,22 @@ TDMSpace *TDMCore::find_space_by_plain_name(std::string_view plain_name) const
   return by_name_.find(plain_name);
 }
 
-/// The plain name stands behind the second colon. The placeholder has another prefix than the
-/// others; so the first of that plain name needn't be the one.
+/// The placeholder has another prefix than the others; so the first of that plain name needn't be
+/// the one.
 uint32_t TDMCore::place_by_full_name(std::string_view full_name) const
 {
-  const size_t first_colon = full_name.find(':');
-  if (first_colon == std::string_view::npos) return tdm::NameTable::none;
-  const size_t colon = full_name.find(':', first_colon + 1);
-  if (colon == std::string_view::npos) return tdm::NameTable::none;
-  const std::string_view plain_name = full_name.substr(colon + 1);
+  const size_t core_begin = processor_name->size() + 1;
+  const size_t name_begin = core_begin + name.size() + 1;
+  const auto is_colon = [full_name](size_t i) {
+    return i < full_name.size() && full_name[i] == ':';
+  };
+  std::string_view plain_name;
+  if (is_colon(core_begin - 1) && is_colon(name_begin - 1))
+    plain_name = full_name.substr(name_begin);
+  else if (is_colon(0) && is_colon(1))
+    plain_name = full_name.substr(2);
+  else
+    return tdm::NameTable::none;
   for (size_t i = by_name_.place_of(plain_name); i < spaces.size(); ++i)
     if (tdm::is_prefixed_name(full_name, *spaces[i]->processor_name, *spaces[i]->core_name,
                               spaces[i]->name))
