@@ -37,6 +37,17 @@ struct TDM_CLIENT_API TDMObject {
 
 namespace tdm {
 
+/// A base of what belongs to model objects without being one: it lives where they do.
+struct ObjectMemory {
+  /// Memory for an object; std::bad_alloc where there is none.
+  static void *operator new(std::size_t size) { return TDMObject::operator new(size); }
+  /// Gives the memory of an object back.
+  static void operator delete(void *object, std::size_t size) noexcept
+  {
+    TDMObject::operator delete(object, size);
+  }
+};
+
 /// Makes containers keep their elements where model objects live.
 template <typename T> struct ObjectAllocator {
   /// What the elements are.

@@ -86,11 +86,10 @@ tdm_arr *tdm_inspect_core_group_names(const tdm_core *core)
 {
   const auto &names = core->section_names.group_names;
   return guarded_array<const char *>([&] {
-    std::vector<const std::string *> sorted;
-    sorted.reserve(names.size());
-    for (const std::string &name : names) sorted.push_back(&name);
-    std::sort(sorted.begin(), sorted.end(), [](const auto *a, const auto *b) { return *a < *b; });
-    return tdm::array_of(sorted, [](const std::string *name) { return tdm::text_result(*name); });
+    std::vector<std::string_view> sorted(names.begin(), names.end());
+    std::sort(sorted.begin(), sorted.end());
+    return tdm::array_of(sorted,
+                         [](std::string_view name) { return tdm::text_result(name.data()); });
   });
 }
 

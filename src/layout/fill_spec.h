@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "common/tdm_object.h"
 #include "expressions/expression.h"
 
 class TDMFileFillSpec;
@@ -14,11 +15,11 @@ class ArgumentScope;
 } // namespace tdm
 
 /// Expressions stay open: they may ask for data that only the caller has.
-struct TDMFillSpec {
+struct TDMFillSpec : tdm::ObjectMemory {
   /// Made by the model alone.
   TDMFillSpec(const TDMFileFillSpec &record, const tdm::ArgumentScope &scope,
               const TDMSourceLocation &place);
 
-  std::vector<std::unique_ptr<TDMExpression>> values; ///< empty for a bare `fill`
-  std::unique_ptr<TDMExpression> alignment;           ///< null without a colon
+  tdm::ObjectList<std::unique_ptr<TDMExpression>> values; ///< empty for a bare `fill`
+  std::unique_ptr<TDMExpression> alignment;               ///< null without a colon
 };

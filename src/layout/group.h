@@ -37,7 +37,7 @@ struct TDM_CLIENT_API TDMGroup final : TDMStatement {
   std::unique_ptr<TDMExpression> page_number; ///< `page = `
   std::unique_ptr<TDMExpression> page_size;   ///< `page_size = `
   /// The ranges in brackets behind the page size.
-  std::vector<std::pair<std::unique_ptr<TDMExpression>, std::unique_ptr<TDMExpression>>> pages;
+  tdm::ObjectList<std::pair<std::unique_ptr<TDMExpression>, std::unique_ptr<TDMExpression>>> pages;
   std::unique_ptr<TDMGroupLocation> location;     ///< of `run_addr` if that is given
   bool cross_references = false;                  ///< `allow_cross_references`
   std::optional<std::string> output_section_name; ///< `create_section`; absent if not given

@@ -47,7 +47,7 @@ struct TDM_CLIENT_API TDMGroupLocation final : TDMObject {
 
   std::unique_ptr<TDMExpression> address; ///< null: ranges
   tdm::LayoutMemory memory;               ///< the memory that the address is an offset in, if any
-  std::vector<Range> ranges;              ///< none for an address
+  tdm::ObjectList<Range> ranges;          ///< none for an address
   const tdm::LayoutSpace *space;          ///< of the layout; not owned
   const TDMMapping *mapping = nullptr;    ///< of the memory, if one was named
   TDMSourceLocation group_place; ///< for reports where the location has no place of its own

@@ -190,7 +190,8 @@ private:
   std::unique_ptr<TDMStatement> group(const TDMFileGroup &record)
   {
     auto group = start<TDMGroup>(record);
-    if (record.name) enter_group_name(record);
+    group->name = record.name;
+    if (group->name) enter_group_name(*group->name, record);
     copy_rules(*group, record);
     translate_rules(*group, record);
     set_location(*group, record);
@@ -201,16 +202,15 @@ private:
     return group;
   }
 
-  void enter_group_name(const TDMFileGroup &record)
+  void enter_group_name(const std::string &name, const TDMFileGroup &record)
   {
-    if (!context_.names.group_names.insert(*record.name).second)
+    if (!context_.names.group_names.insert(name).second)
       fail_at(record, "group",
-              "group " + *record.name + " defined more than once for core " + context_.core.text());
+              "group " + name + " defined more than once for core " + context_.core.text());
   }
 
   static void copy_rules(TDMGroup &group, const TDMFileGroup &record)
   {
-    group.name = record.name;
     group.contiguous = record.contiguous;
     group.clustered = record.clustered;
     group.ordered = record.ordered;

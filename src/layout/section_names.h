@@ -4,7 +4,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -24,7 +24,7 @@ struct SectionNames {
   PooledVector<const char *> optional_symbols;
   std::vector<RequiredSymbol, PoolAllocator<RequiredSymbol>> required_symbols;
   PooledVector<const char *> referenced_names;
-  std::unordered_set<std::string> group_names;
+  std::unordered_set<std::string_view> group_names;
 };
 
 } // namespace tdm

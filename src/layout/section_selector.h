@@ -5,12 +5,13 @@
 #include <ostream>
 #include <string>
 
+#include "common/tdm_object.h"
 #include "common/tdm_types.h"
 #include "layout/attributes.h"
 
 struct TDMSection;
 
-struct TDM_CLIENT_API TDMSectionSelector {
+struct TDM_CLIENT_API TDMSectionSelector : tdm::ObjectMemory {
   virtual ~TDMSectionSelector();
   /// Whether the section is one of those that are asked for.
   virtual bool matches(const TDMSection &section) const = 0;

@@ -46,9 +46,9 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
   /// The name that alone is selected; null if there is none, or one with wildcards.
   const std::string *literal_section_name() const;
 
-  std::optional<std::string> section_name;                    ///< the pattern as it was written
-  std::vector<std::unique_ptr<TDMSectionSelector>> selectors; ///< all have to match
-  bool use_reference_tree = false;                            ///< `ref_tree`
+  std::optional<std::string> section_name;                        ///< the pattern as it was written
+  tdm::ObjectList<std::unique_ptr<TDMSectionSelector>> selectors; ///< all have to match
+  bool use_reference_tree = false;                                ///< `ref_tree`
 
 private:
   const TDMSelectionPattern *pattern_in(const TDMStatementEnv &env);

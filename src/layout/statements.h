@@ -32,7 +32,7 @@ struct TDM_CLIENT_API TDMAssignment final : TDMStatement {
 struct TDM_CLIENT_API TDMBlock final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::vector<std::unique_ptr<TDMStatement>> statements; ///< in the order of the text
+  tdm::ObjectList<std::unique_ptr<TDMStatement>> statements; ///< in the order of the text
 };
 
 struct TDM_CLIENT_API TDMIfStatement final : TDMStatement {
@@ -102,6 +102,6 @@ struct TDM_CLIENT_API TDMMemoryCopyStatement final : TDMStatement {
 struct TDM_CLIENT_API TDMStructStatement final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                                                        ///< of the section
-  std::vector<std::pair<std::unique_ptr<TDMExpression>, int32_t>> members; ///< value and size
+  std::string name;                                                            ///< of the section
+  tdm::ObjectList<std::pair<std::unique_ptr<TDMExpression>, int32_t>> members; ///< value and size
 };
