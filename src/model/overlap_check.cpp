@@ -52,6 +52,7 @@ private:
         return false;
       if (!shift(MapDirection::backward, *mapping, whole, claim)) continue;
       if (claim.low.bank != -1 || claim.low.bits != 0 || claim.high.bits != 0) return false;
+      if (claim.low.value >= claim.high.value) return false; // nothing, or past the last address
       claims_.push_back({mapping->source(), claim.low.value, claim.high.value});
     }
     return true;
