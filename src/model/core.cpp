@@ -27,14 +27,12 @@ public:
 
   void create(const TDMFileArchitecture &first, Arguments arguments)
   {
-    const TDMFileArchitecture *record = &first;
-    while (record != nullptr) {
+    for (const TDMFileArchitecture *record = &first;; record = &base_of(*record)) {
       const ArchitectureLevel &level = chain_.emplace_back(bind(*record, std::move(arguments)));
       create_objects(*record, level.scope);
       merge_endianness(*record);
-      if (record->base)
-        arguments = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
-      record = find_base(*record);
+      if (!record->base) break;
+      arguments = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
     }
   }
 
@@ -101,15 +99,14 @@ private:
                                      "supported endiannesses not all declared for parent");
   }
 
-  const TDMFileArchitecture *find_base(const TDMFileArchitecture &record) const
+  const TDMFileArchitecture &base_of(const TDMFileArchitecture &record) const
   {
-    if (!record.base) return nullptr;
     const TDMFileArchitecture *base = templates_.architecture(*record.base);
     if (base == nullptr)
       throw new TDMSyntaxException(place_of(record, "name"), "base architecture " + *record.base +
                                                                  " not found for architecture " +
                                                                  *record.name);
-    return base;
+    return *base;
   }
 
   TDMCore &core_;

@@ -44,13 +44,11 @@ public:
 
   void create(const TDMFileDerivative &first, Arguments arguments)
   {
-    const TDMFileDerivative *record = &first;
-    while (record != nullptr) {
+    for (const TDMFileDerivative *record = &first;; record = &base_of(*record)) {
       const DerivativeLevel &level = chain_.emplace_back(bind(*record, std::move(arguments)));
       create_objects(*record, level.scope);
-      if (record->base)
-        arguments = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
-      record = find_base(*record);
+      if (!record->base) break;
+      arguments = level.scope.substitute(record->baseArguments, place_of(*record, "base"));
     }
   }
 
@@ -128,15 +126,14 @@ private:
       for (const auto &space : processor_.cores[i]->spaces) check_reserved_ranges(*space);
   }
 
-  const TDMFileDerivative *find_base(const TDMFileDerivative &record) const
+  const TDMFileDerivative &base_of(const TDMFileDerivative &record) const
   {
-    if (!record.base) return nullptr;
     const TDMFileDerivative *base = templates_.derivative(*record.base);
     if (base == nullptr)
       throw new TDMSyntaxException(place_of(record, "name"), "base derivative " + *record.base +
                                                                  " not found for derivative " +
                                                                  *record.name);
-    return base;
+    return *base;
   }
 
   void resolve_core(const TDMFileCore &record)

@@ -322,6 +322,12 @@ void drop_everything()
   expansion.output.clear();
 }
 
+// Strings that macros have made can be long, and be read any number of times.
+std::uint64_t reading_work(const PpToken &item)
+{
+  return 1 + item.length / 256;
+}
+
 bool comes_whole(const TokenPart &part, Parts whole)
 {
   switch (whole) {
@@ -390,7 +396,7 @@ Read read_item(PpToken &item, Parts whole)
       pop_list();
       continue;
     }
-    if (!count_work(1, list.position)) return Read::end;
+    if (!count_work(reading_work(*list.cursor), list.position)) return Read::end;
     item = *list.cursor++;
     if (list.positioned) item.position = list.position;
     expansion.forwarding = list.forwarded;
@@ -413,7 +419,7 @@ bool list_next_plain(PpToken &token)
   if (list.cursor == list.end || list.cursor->number == item_part ||
       expansion_work.done >= expansion_work.allowed)
     return false;
-  ++expansion_work.done;
+  expansion_work.done += reading_work(*list.cursor);
   token = *list.cursor++;
   if (list.positioned) token.position = list.position;
   expansion.forwarding = list.forwarded;

@@ -140,6 +140,7 @@ private:
         take_first(token);
         taken = result_.size();
       }
+      return !expansion.exhausted;
     });
     while (taken > 0 && result_.size() > taken && is_white(result_.back().number))
       result_.pop_back();
@@ -179,10 +180,13 @@ private:
     scratch.text.append('"');
     // What is left between two tokens when a macro between them expands to nothing is one blank.
     bool blank = false;
-    for_each_token(argument.begin, argument.end, [&blank](const PpToken &token) {
+    for_each_token(argument.begin, argument.end, [&](const PpToken &token) {
+      // Counted before it is copied: a few tokens can stand for any length of text.
+      count_work(1 + token.length / text_per_token, call_.name.position);
+      if (expansion.exhausted) return false;
       if (is_white(token.number) || token.number == tNEWLINE) {
         blank = scratch.text.length() > 1;
-        return;
+        return true;
       }
       if (blank) scratch.text.append(' ');
       blank = false;
@@ -190,17 +194,17 @@ private:
                           token.number == tCHAR || token.number == tWCHAR;
       if (!quoted) {
         scratch.text.append(token.view());
-        return;
+        return true;
       }
       for (const char c : token.view()) {
         if (c == '\\' || c == '"') scratch.text.append('\\');
         scratch.text.append(c);
       }
+      return true;
     });
     scratch.text.append('"');
     argument.string = intern(scratch.text.view());
     argument.string_length = scratch.text.length();
-    count_work(scratch.text.length() / text_per_token, call_.name.position);
   }
 
   // ---- ## ----

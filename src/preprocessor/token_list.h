@@ -69,8 +69,8 @@ private:
   Mark top_;
 };
 
-/// Calls the function with each token of the items in order, those of parts included. Parts nest as
-/// deep as macro calls do, so this keeps a stack of its own.
+/// Calls the function with each token of the items in order, those of parts included, until it gives
+/// false. Parts nest as deep as macro calls do, so this keeps a stack of its own.
 template <class Function>
 void for_each_token(const PpToken *begin, const PpToken *end, Function function)
 {
@@ -87,7 +87,7 @@ void for_each_token(const PpToken *begin, const PpToken *end, Function function)
     }
     const PpToken &item = *begin++;
     if (item.number != item_part) {
-      function(item);
+      if (!function(item)) return;
       continue;
     }
     if (begin != end) open.push_back({begin, end});

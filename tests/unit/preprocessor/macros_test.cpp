@@ -96,6 +96,12 @@ TEST(Macros, GrowthBeyondReasonIsCutOff)
   outcome = preprocess("#define f(x) x x\n" + repeated("f(", 60) + "1" + repeated(")", 60) + "\ny");
   EXPECT_EQ(outcome.messages, "2:1" + limit);
   EXPECT_EQ(squeezed(outcome.text).back(), 'y');
+
+  // A string that doubles with each #, made one of a hundred thousand of them.
+  outcome = preprocess("#define S(x) #x\n#define r(x) S(x)\n#define d(x) x x x x x x x x x x\nr(" +
+                       repeated("d(", 5) + repeated("r(", 18) + "1" + repeated(")", 24) + "\ny");
+  EXPECT_EQ(outcome.messages, "4:1" + limit);
+  EXPECT_EQ(squeezed(outcome.text), "y");
 }
 
 } // namespace
