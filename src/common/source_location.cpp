@@ -73,7 +73,7 @@ constexpr std::uint32_t capacity_above(std::uint32_t count)
 std::size_t SourceLocations::block_size(std::uint32_t capacity)
 {
   const std::size_t size = sizeof(List) + capacity * sizeof(Entry);
-  return capacity <= flat_limit ? size : size + (capacity + 1) * 2 * sizeof(std::uint32_t);
+  return capacity <= flat_limit ? size : size + (std::size_t{capacity} + 1) * 2 * sizeof(std::uint32_t);
 }
 
 SourceLocations::List *SourceLocations::make_list(std::uint32_t capacity)

@@ -4,7 +4,6 @@
 #include "preprocessor/string_pool.h"
 
 using tdm::TokenSet;
-using tdm::TokenSets;
 
 // copytable_definition: "copytable" ["(" copytable_property ("," copytable_property)* ")"]
 void TDMParser::copytable_definition(TDMFileCopyTable &table)

@@ -2,7 +2,6 @@
 #include "common/failures.h"
 #include "language/parser.h"
 
-using tdm::TokenSet;
 using tdm::TokenSets;
 
 // vector_table_definition: "vector_table" string_value

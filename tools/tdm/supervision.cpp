@@ -151,8 +151,8 @@ rlim_t memory_limit(const Options &options)
 /// makes room for all above it: for more than the work takes, if the system allows that much.
 [[gnu::noinline]] void make_room_for_stack()
 {
-  constexpr rlim_t wanted = 384 * 1024;
-  constexpr rlim_t in_use = 64 * 1024;
+  constexpr rlim_t wanted = rlim_t{384} << 10;
+  constexpr rlim_t in_use = rlim_t{64} << 10;
   rlimit stack{};
   getrlimit(RLIMIT_STACK, &stack);
   if (stack.rlim_cur <= in_use) return;
