@@ -49,8 +49,8 @@ typedef struct tdm_inspect_overlap {
 } tdm_inspect_overlap;
 
 /**
- * All overlaps of memories on buses, one step back from each memory.
- *
+ * All overlaps of memories on buses, one step back from each memory, but for those that would take
+ * a pattern of more than 64 bits to compare.
  * @return a new array of tdm_inspect_overlap by value, in the order of the second mapping and then
  *         of the first; empty if there are none. At most 10,000 of them are told.
  */

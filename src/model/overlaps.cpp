@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <memory>
 #include <unordered_map>
 
 #include "mapping/translation.h"
@@ -53,6 +54,18 @@ int64_t bits_held(const Interval &interval)
   return held;
 }
 
+/// Whether the step succeeded. What would need a mask of more than 64 bits is passed over, so that
+/// the rest can be told.
+template <typename Step> bool unless_too_wide(Step step)
+{
+  try {
+    return step();
+  } catch (const Interval::PatternOverflowException *failure) {
+    const std::unique_ptr<const Interval::PatternOverflowException> owned(failure);
+    return false;
+  }
+}
+
 class Search {
 public:
   /// Claims are given in the order in which they are to be told.
@@ -97,7 +110,7 @@ private:
   void compare(const Claim &a, const Claim &b)
   {
     Interval range;
-    if (!a.interval.intersect(b.interval, range)) return;
+    if (!unless_too_wide([&] { return a.interval.intersect(b.interval, range); })) return;
     found_.push_back(a.order < b.order ? Pair{a, b, range} : Pair{b, a, range});
   }
 
@@ -111,7 +124,7 @@ void add_memory(Search &search, const TDMMemory &memory)
 {
   for (TDMMapping *mapping : memory.incoming_mappings()) {
     Interval interval;
-    if (map_back(*mapping, memory.address_range(), interval))
+    if (unless_too_wide([&] { return map_back(*mapping, memory.address_range(), interval); }))
       search.add(*mapping, &memory, interval);
   }
 }

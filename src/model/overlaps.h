@@ -38,8 +38,9 @@ struct MappingOverlap {
 /// The search ends with so many: n mappings at one place overlap in n * n / 2 ways.
 inline constexpr size_t most_overlaps = 10'000;
 
-/// In the order of the second mapping and then of the first; both in the order of the check.
-/// PatternOverflowException, MauException.
+/// In the order of the second mapping and then of the first; both in the order of the check. What
+/// would need a mask of more than 64 bits is passed over: the check may have failed before it.
+/// MauException.
 [[nodiscard]] std::vector<Overlap> find_overlaps(const TDMSpec &spec);
 
 /// The same for the mappings of each space that a description defines.

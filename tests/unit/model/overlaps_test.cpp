@@ -164,6 +164,28 @@ TEST_F(Overlaps, TheFirstFailureIsTheOneThatIsTold)
   }
 }
 
+/// Data lines of 12 and of 32 bits have no pattern together that an interval could hold.
+TEST_F(Overlaps, WhatCannotBeComparedHidesNoOther)
+{
+  const auto memory = [](const std::string &name, int mau, int offset) {
+    return "memory " + name + " { type = ram; mau = " + std::to_string(mau) +
+           "; size = 4; map (size = 4, dest = bus:c:b, dest_offset = " + std::to_string(offset) +
+           "); }\n";
+  };
+  const auto spec = parse("architecture arc { bus b { mau = 12; width = 12; }\n"
+                          "space lin { id = 1; mau = 12; map (size = 64, dest = bus:b); } }\n"
+                          "derivative d { core c { architecture = arc; }\n" +
+                              memory("m1", 12, 8) + memory("m2", 12, 10) + memory("m3", 32, 12) +
+                              memory("m4", 12, 30) + memory("m5", 12, 33) + "}\n",
+                          TDMSpec::Checks::kept_for_reading);
+  ASSERT_TRUE(spec->check_failure.has_value());
+  std::string told;
+  for (const tdm::Overlap &overlap : tdm::find_overlaps(*spec))
+    told += overlap.first->name + " " + overlap.second->name + " " + std::to_string(overlap.bits) +
+            "\n";
+  EXPECT_EQ(told, "m1 m2 24\nm4 m5 12\n");
+}
+
 /// A space of many mappings: what never ends and holds nothing, lanes beside each other, and at the
 /// end one that meets many. Comparing all would take minutes.
 TEST_F(Overlaps, ManyMappingsAreNotComparedEachWithEach)
