@@ -65,19 +65,6 @@ SourcePlace place_of(const std::string &path, int line, int column, const FileNa
   return {path, names.shown(path), line, column};
 }
 
-std::vector<SourcePlace> include_chain_of(const SourcePlace &place, const FileNames &names)
-{
-  std::vector<SourcePlace> chain;
-  if (place.path.empty() || place.line == 0) return chain;
-  tdm_srcpos position{};
-  position.file = place.path.c_str();
-  position.line = place.line;
-  position.column = place.column;
-  for (const tdm_srcpos &from : take_elements<tdm_srcpos>(tdm_inspect_include_chain(&position)))
-    chain.push_back(place_of(text_of(from.file), from.line, from.column, names));
-  return chain;
-}
-
 Finding finding_of(const tdm_inspect_message &message, const FileNames &names)
 {
   Finding finding;
@@ -99,6 +86,19 @@ std::vector<tdm_inspect_message> all_messages()
 }
 
 } // namespace
+
+std::vector<SourcePlace> include_chain_of(const SourcePlace &place, const FileNames &names)
+{
+  std::vector<SourcePlace> chain;
+  if (place.path.empty() || place.line == 0) return chain;
+  tdm_srcpos position{};
+  position.file = place.path.c_str();
+  position.line = place.line;
+  position.column = place.column;
+  for (const tdm_srcpos &from : take_elements<tdm_srcpos>(tdm_inspect_include_chain(&position)))
+    chain.push_back(place_of(text_of(from.file), from.line, from.column, names));
+  return chain;
+}
 
 Failure parse_failure(const std::string &text)
 {

@@ -37,6 +37,10 @@ struct Failure {
 /// From `["<file>" <line>/<column>] <label>: <text>`, or a text without position.
 [[nodiscard]] Failure parse_failure(const std::string &text);
 
+/// The #include lines on the way to a place, the nearest first.
+[[nodiscard]] std::vector<SourcePlace> include_chain_of(const SourcePlace &place,
+                                                        const FileNames &names);
+
 [[nodiscard]] Finding finding_of(const Failure &failure, const FileNames &names);
 
 /// The messages of the preprocessor, in the order of their reports, each note with the message

@@ -56,6 +56,7 @@ private:
         tdm_inspect_position(TDM_OBJECT_MAPPING, mapping, keys.front(), &position) != 0)
       note.place = {text_of(position.file), names_.shown(text_of(position.file)), position.line,
                     position.column};
+    note.included_from = include_chain_of(note.place, names_);
     notes_.push_back(std::move(note));
   }
 

@@ -138,10 +138,13 @@ private:
   /// What stands at no place is about a file that can't be opened, or about all of a description.
   void add(const Finding &finding, const std::string &description)
   {
+    std::string whole = finding.text;
+    for (const Finding &note : finding.notes) // how many more there are, for instance
+      if (note.place.file.empty()) whole += "; " + note.text;
     Json result = {{"ruleId", rule_of(finding)},
                    {"ruleIndex", rule_index(finding)},
                    {"level", finding.severity},
-                   {"message", {{"text", finding.text}}},
+                   {"message", {{"text", whole}}},
                    {"locations", Json::array({location(place_of(finding, description))})}};
     Json related = Json::array();
     const auto relate = [&](const SourcePlace &place, const std::string &text) {
