@@ -72,7 +72,8 @@ std::string human_size_of(const tdm_interval &interval)
   const int32_t mau = interval.low.mau;
   const int64_t rest = int64_t{interval.high.bits} - interval.low.bits;
   int64_t bits = 0;
-  if (rest == 0 || !is_plain(interval) || __builtin_mul_overflow(units, int64_t{mau}, &bits) ||
+  if (!is_plain(interval)) return human_size(units + (interval.high.bits > 0 ? 1 : 0), mau);
+  if (rest == 0 || __builtin_mul_overflow(units, int64_t{mau}, &bits) ||
       __builtin_add_overflow(bits, rest, &bits))
     return human_size(units, mau);
   return human_size(bits, 1);

@@ -47,6 +47,7 @@ int32_t phase_of(const tdm_addressvalue &address, int32_t period)
 /// How many bits lie between the two, if that is no more than the most.
 int32_t distance(const tdm_addressvalue &low, const tdm_addressvalue &high, int32_t most)
 {
+  if (!comes_before(low, high)) return 0;
   const int64_t units = high.value - low.value;
   if (units > most + int64_t{1}) return most;
   return static_cast<int32_t>(std::clamp<int64_t>(units * low.mau + high.bits - low.bits, 0, most));
@@ -65,12 +66,6 @@ uint64_t bits_between(const tdm_addressvalue &low, const tdm_addressvalue &high,
     if (phase + count > period) met |= lowest(phase + count - period);
   }
   return bits & met;
-}
-
-/// Whether any bit is in it at all.
-bool holds_something(const tdm_interval &interval)
-{
-  return bits_between(interval.low, interval.high, {interval.width, interval.bits}) != 0;
 }
 
 /// Of a place that was translated back, what lies in the one that the route came through. That
@@ -215,6 +210,11 @@ private:
 };
 
 } // namespace
+
+bool holds_something(const tdm_interval &interval)
+{
+  return bits_between(interval.low, interval.high, {interval.width, interval.bits}) != 0;
+}
 
 void tell_parts(Answer &answer)
 {

@@ -40,11 +40,18 @@ bool comes_before(const tdm_addressvalue &a, const tdm_addressvalue &b)
   return std::tuple(a.value, a.bits) < std::tuple(b.value, b.bits);
 }
 
-/// Whether a place lies in another one of the same space.
-bool lies_in(const tdm_interval &part, const tdm_interval &whole)
+/// Whether a place is part of what was asked for.
+bool lies_in(const tdm_interval &part, const Answer &answer)
 {
-  return !comes_before(part.low, whole.low) && !comes_before(whole.high, part.high) &&
-         (whole.low.bank < 0 || whole.low.bank == part.low.bank);
+  const tdm_interval &whole = answer.at;
+  if (whole.low.bank >= 0 && whole.low.bank != part.low.bank) return false;
+  if (!answer.is_span) return part.low.value == whole.low.value && part.low.bits == whole.low.bits;
+  // Translated back, a span on some of the data lines may reach farther than its bits.
+  tdm_interval below = part;
+  tdm_interval above = part;
+  if (comes_before(whole.low, below.high)) below.high = whole.low;
+  if (comes_before(above.low, whole.high)) above.low = whole.high;
+  return !holds_something(below) && !holds_something(above);
 }
 
 /// All spaces that lead to the end of a route, but for where it began.
@@ -59,9 +66,11 @@ std::vector<Appearance> other_appearances(const Answer &answer, const tdm_inspec
             : tdm_inspect_addressvalue_routes_back(last.destination, TDM_ROUTE_TO_SPACE, &at.low));
   });
   std::vector<Appearance> others;
-  for (Route &route : routes_of(back, false))
-    if (route.end.end.name != answer.from.name || !lies_in(route.end.at, answer.at))
+  for (Route &route : routes_of(back, false)) {
+    if (answer.is_span && !holds_something(route.end.at)) continue;
+    if (route.end.end.name != answer.from.name || !lies_in(route.end.at, answer))
       others.push_back(std::move(route.end));
+  }
   return others;
 }
 

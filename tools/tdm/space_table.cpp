@@ -13,14 +13,23 @@ bool is_below(const tdm_addressvalue &a, const tdm_addressvalue &b)
   return std::tuple(a.value, a.bits) < std::tuple(b.value, b.bits);
 }
 
-/// What a region shows of its memory: the way back there.
+auto length_of(const tdm_interval &interval)
+{
+  return std::tuple(size_of(interval), interval.high.bits - interval.low.bits);
+}
+
+/// What a region shows of its memory: the way back there. Over a bus that is passed twice, less of
+/// it may be seen at the same addresses, so the longest one counts.
 std::optional<tdm_interval> part_of(const tdm_space *space, const Region &region)
 {
   tdm_arr *results = nullptr;
   tdm_space_map_interval_forward_to_memory(space, &region.span, &results);
+  std::optional<tdm_interval> part;
   for (const auto &result : take_elements<tdm_map_interval_result>(results))
-    if (result.object == region.memory) return result.interval;
-  return std::nullopt;
+    if (result.object == region.memory &&
+        (!part.has_value() || length_of(*part) < length_of(result.interval)))
+      part = result.interval;
+  return part;
 }
 
 SpaceRow unused(tdm_addressvalue low, tdm_addressvalue high)
