@@ -16,7 +16,7 @@ std::string escaped(const std::string &name)
 {
   std::string result;
   for (const char c : name) {
-    if (c == ' ' || c == '#') result += '\\';
+    if (c == ' ' || c == '#' || c == ':') result += '\\';
     if (c == '$') result += '$';
     result += c;
   }
