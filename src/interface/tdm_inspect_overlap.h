@@ -45,7 +45,7 @@ typedef struct tdm_inspect_overlap {
   tdm_mapping *second_mapping; /**< the same of the second */
   tdm_interval range;          /**< what both take, in MAUs of the source; the mask has the data
                                     lines that they share */
-  int64_t bits;                /**< how much that is: bits of the range that its mask holds */
+  int64_t bits;                /**< bits that range and mask hold, at most 2^63 - 1 */
 } tdm_inspect_overlap;
 
 /**
@@ -63,7 +63,7 @@ typedef struct tdm_inspect_mapping_overlap {
   tdm_mapping *second; /**< the later one in that order */
   tdm_interval range;  /**< what both take, in MAUs of the space; the mask has the data lines that
                             they share */
-  int64_t bits;        /**< how much that is: bits of the range that its mask holds */
+  int64_t bits;        /**< bits that range and mask hold, at most 2^63 - 1 */
 } tdm_inspect_mapping_overlap;
 
 /**
