@@ -111,8 +111,10 @@ private:
       Facts facts;
       facts.add(lines_text(hop.mapping, answer_.forward));
       facts.add_if(hop.mapping.reserved != 0, "reserved");
-      const int32_t sign = answer_.forward ? 1 : -1;
-      facts.add(priority_text(sign * hop.mapping.priority, sign * hop.mapping.exec_priority));
+      const int32_t priority = hop.mapping.priority;
+      const int32_t exec_priority = hop.mapping.exec_priority;
+      facts.add(answer_.forward ? priority_text(priority, exec_priority)
+                                : priority_text(negated(priority), negated(exec_priority)));
       facts.add(place_of(hop));
       add(table, answer_.forward ? "→" : "←", hop.end, hop.at, facts);
     }
@@ -159,11 +161,9 @@ std::vector<std::string> row_of(const SpaceRow &row, const Units &units, int dig
     cells.emplace_back("<unused>");
     return cells;
   }
-  constexpr int32_t one = 0x10000;
   Facts facts;
   facts.add_if(row.reserved, "reserved");
-  if (row.span.priority != one || row.span.exec_priority != one)
-    facts.add(priority_text(row.span.priority, row.span.exec_priority));
+  facts.add(priority_text(row.span.priority, row.span.exec_priority));
   facts.add(mask_text(row.span));
   std::string part;
   std::string unit;

@@ -35,10 +35,14 @@ void MemoryMap::add(const tdm_memory *memory)
 {
   tdm_interval whole;
   tdm_memory_get_addressrange(memory, &whole);
+  whole.priority = whole.exec_priority = 0;
   const int64_t failures_before = tdm_inspect_failure_count();
   tdm_arr *results = nullptr;
   tdm_memory_map_interval_backward_to_space(memory, &whole, &results);
-  for (const auto &result : take_elements<tdm_map_interval_result>(results)) {
+  for (auto &result : take_elements<tdm_map_interval_result>(results)) {
+    // On the way back all is taken off that the way there adds.
+    result.interval.priority = negated(result.interval.priority);
+    result.interval.exec_priority = negated(result.interval.exec_priority);
     const tdm_space *space = tdm_mapsource_get_space(static_cast<tdm_mapsource *>(result.object));
     regions_[space].push_back({memory, result.interval, result.reserved != 0});
   }

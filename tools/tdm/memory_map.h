@@ -13,7 +13,7 @@ namespace tool {
 /// A memory in a space.
 struct Region {
   const tdm_memory *memory;
-  tdm_interval span; ///< in units of the space
+  tdm_interval span; ///< in units of the space; with what the way to the memory adds to priorities
   bool reserved;
 };
 
@@ -32,6 +32,12 @@ private:
   std::map<const tdm_space *, std::vector<Region>> regions_;
   std::vector<std::string> failures_;
 };
+
+/// A priority that is taken off; they wrap, as they do in the library.
+[[nodiscard]] constexpr int32_t negated(int32_t priority)
+{
+  return static_cast<int32_t>(0U - static_cast<uint32_t>(priority));
+}
 
 /// Whether the interval holds every bit of its span, for units of `mau` bits.
 [[nodiscard]] bool is_plain(const tdm_interval &interval);
