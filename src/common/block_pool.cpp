@@ -6,8 +6,8 @@
 #include "common/block_pool.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <sys/mman.h>
+
+#include "common/huge_pages.h"
 
 namespace tdm {
 
@@ -20,38 +20,18 @@ void pool_trim() noexcept {}
 namespace {
 
 constexpr std::size_t first_slab = std::size_t{64} << 10;
-constexpr std::size_t largest_slab = std::size_t{2} << 20;
+constexpr std::size_t largest_slab = huge_page;
 constexpr std::align_val_t page{4096};
 
-/// As operator new does, it lets the handler try when there is none.
-char *map_memory(std::size_t size)
+// As operator new does, it lets the handler try when there is none.
+void *map_large_slab()
 {
   for (;;) {
-    void *const mapped =
-        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped != MAP_FAILED) return static_cast<char *>(mapped);
+    if (void *const slab = map_huge_pages(largest_slab)) return slab;
     const std::new_handler handler = std::get_new_handler();
     if (handler == nullptr) throw std::bad_alloc();
     handler();
   }
-}
-
-// One huge page, at an address that is a multiple of its size.
-void *map_large_slab()
-{
-  constexpr std::size_t asked = largest_slab * 2;
-  char *const begin = map_memory(asked);
-  const std::size_t lead = -reinterpret_cast<std::uintptr_t>(begin) % largest_slab;
-  if (lead != 0) munmap(begin, lead);
-  if (lead != largest_slab) munmap(begin + lead + largest_slab, largest_slab - lead);
-    // Neither has to succeed: pages are then small, or come one by one.
-#ifdef MADV_HUGEPAGE
-  static_cast<void>(madvise(begin + lead, largest_slab, MADV_HUGEPAGE));
-#endif
-#ifdef MADV_POPULATE_WRITE
-  static_cast<void>(madvise(begin + lead, largest_slab, MADV_POPULATE_WRITE));
-#endif
-  return begin + lead;
 }
 
 // Slabs double in size until they are large.
@@ -63,7 +43,7 @@ void *allocate_slab(std::size_t size)
 void free_slab(void *slab, std::size_t size)
 {
   if (size == largest_slab)
-    munmap(slab, size);
+    unmap_huge_pages(slab, size);
   else
     ::operator delete(slab, page);
 }

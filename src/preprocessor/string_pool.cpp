@@ -1,16 +1,20 @@
 // An index over an arena. A text is interned for nearly every token that is read, so this is one of
 // the busiest places of a parse.
 //
-// The index is open-addressed with a power of two of slots, and keeps the whole hash next to each
-// text, so that a search looks at one text only and growing looks at none.
+// The index is open-addressed with a power of two of slots. A search looks at a byte of the hash
+// for each slot first: these lie close together, so that they are at hand however large the index
+// is, and a text that is new is nearly always found to be so without a look at anything else. The
+// hashes are kept so that growing looks at no text.
 #include "preprocessor/string_pool.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
+#include "common/huge_pages.h"
 #include "common/source_location.h"
 #include "common/text_hash.h"
-#include "preprocessor/c_memory.h"
 #include "preprocessor/orderly_stop.h"
 
 namespace tdm {
@@ -19,16 +23,89 @@ std::uint32_t detail::pool_number = 0;
 
 namespace {
 
-struct Slot {
-  std::uint64_t hash;
-  const char *text; ///< null where the slot is free
+// Zero-filled memory; ends the process if there is none.
+void *allocate_zeroed(std::size_t size, const char *failure)
+{
+  void *const memory = size % huge_page == 0 ? map_huge_pages(size) : std::calloc(1, size);
+  if (memory == nullptr) stop_no_memory(failure);
+  return memory;
+}
+
+void free_zeroed(void *memory, std::size_t size)
+{
+  if (memory == nullptr) return;
+  if (size % huge_page == 0)
+    unmap_huge_pages(memory, size);
+  else
+    std::free(memory);
+}
+
+// The texts, one behind the other.
+class TextArena {
+public:
+  // Zero-filled; the size must be a multiple of 8.
+  void *allocate(std::size_t size)
+  {
+    if (left_ < size) {
+      const std::size_t needed = sizeof(Chunk) + size;
+      if (needed > next_size_ / 4) return new_chunk(needed) + 1;
+      cursor_ = reinterpret_cast<char *>(new_chunk(next_size_) + 1);
+      left_ = next_size_ - sizeof(Chunk);
+      next_size_ = std::min(next_size_ * 2, huge_page);
+    }
+    char *const item = cursor_;
+    cursor_ += size;
+    left_ -= size;
+    return item;
+  }
+
+  void clear()
+  {
+    while (chunks_ != nullptr) {
+      Chunk *const chunk = chunks_;
+      chunks_ = chunk->next;
+      free_zeroed(chunk, chunk->size);
+    }
+    *this = {};
+  }
+
+private:
+  struct Chunk {
+    Chunk *next;
+    std::size_t size;
+  };
+
+  Chunk *new_chunk(std::size_t size)
+  {
+    chunks_ =
+        new (allocate_zeroed(size, "c-memory.c: Cannot allocate memory.\n")) Chunk{chunks_, size};
+    return chunks_;
+  }
+
+  Chunk *chunks_ = nullptr;
+  char *cursor_ = nullptr;
+  std::size_t left_ = 0;
+  std::size_t next_size_ = std::size_t{8} << 10;
+};
+
+// The arrays lie in one block, in this order.
+struct Index {
+  const char **texts = nullptr;
+  std::uint32_t *hashes = nullptr; ///< the low halves
+  std::uint8_t *tags = nullptr;    ///< of the high halves; 0 where the slot is free
+  std::size_t mask = 0;            ///< the number of slots less one
+
+  [[nodiscard]] std::size_t size() const
+  {
+    const std::size_t size = (mask + 1) * (sizeof *texts + sizeof *hashes + sizeof *tags);
+    return size < huge_page ? size : (size + huge_page - 1) / huge_page * huge_page;
+  }
 };
 
 struct {
-  MemoryArena arena;
-  Slot *slots = nullptr; ///< at least a third of them is free
-  std::size_t mask = 0;  ///< their number less one
-  std::size_t used = 0;
+  TextArena arena;
+  Index index;                   ///< at least a third of it is free
+  std::size_t used = 0;          ///< slots
   std::uint32_t last_number = 0; ///< of all pools so far
 } pool;
 
@@ -39,25 +116,47 @@ bool equal(const char *pooled_text, std::string_view text)
          same_bytes(pooled_text, text.data(), text.size());
 }
 
-void allocate_slots(std::size_t count)
+std::uint8_t tag_of(std::uint64_t hash)
 {
-  pool.slots = static_cast<Slot *>(std::calloc(count, sizeof(Slot)));
-  if (pool.slots == nullptr) stop_no_memory("hashtab_calloc: Cannot allocate memory.\n");
-  pool.mask = count - 1;
+  return static_cast<std::uint8_t>(hash >> 56 | 1);
+}
+
+Index allocate_index(std::size_t slots)
+{
+  Index index;
+  index.mask = slots - 1;
+  index.texts = static_cast<const char **>(
+      allocate_zeroed(index.size(), "hashtab_calloc: Cannot allocate memory.\n"));
+  index.hashes = reinterpret_cast<std::uint32_t *>(index.texts + slots);
+  index.tags = reinterpret_cast<std::uint8_t *>(index.hashes + slots);
+  return index;
+}
+
+void free_index(const Index &index)
+{
+  free_zeroed(index.texts, index.size());
+}
+
+void put(const Index &index, std::size_t place, const char *text, std::uint32_t hash,
+         std::uint8_t tag)
+{
+  index.texts[place] = text;
+  index.hashes[place] = hash;
+  index.tags[place] = tag;
 }
 
 void grow()
 {
-  Slot *const old = pool.slots;
-  const std::size_t count = pool.mask + 1;
-  allocate_slots(count * 2);
-  for (const Slot *slot = old; slot != old + count; ++slot) {
-    if (slot->text == nullptr) continue;
-    std::size_t place = slot->hash & pool.mask;
-    while (pool.slots[place].text != nullptr) place = (place + 1) & pool.mask;
-    pool.slots[place] = *slot;
+  const Index old = pool.index;
+  const Index index = allocate_index((old.mask + 1) * 2);
+  for (std::size_t i = 0; i <= old.mask; ++i) {
+    if (old.tags[i] == 0) continue;
+    std::size_t place = old.hashes[i] & index.mask;
+    while (index.tags[place] != 0) place = (place + 1) & index.mask;
+    put(index, place, old.texts[i], old.hashes[i], old.tags[i]);
   }
-  std::free(old);
+  free_index(old);
+  pool.index = index;
 }
 
 [[gnu::noinline]] const char *add(std::string_view text, std::uint64_t hash, std::size_t place)
@@ -68,8 +167,8 @@ void grow()
   record->length = text.size();
   char *copy = reinterpret_cast<char *>(record + 1);
   if (!text.empty()) std::memcpy(copy, text.data(), text.size()); // zero-filled: terminated
-  pool.slots[place] = {hash, copy};
-  if (++pool.used * 3 > pool.mask * 2) grow();
+  put(pool.index, place, copy, record->hash, tag_of(hash));
+  if (++pool.used * 3 > pool.index.mask * 2) grow();
   return copy;
 }
 
@@ -78,16 +177,16 @@ void grow()
 void string_pool_start()
 {
   if (string_pool_started()) return;
-  allocate_slots(1024);
+  pool.index = allocate_index(1024);
   if (++pool.last_number == 0) ++pool.last_number;
   detail::pool_number = pool.last_number;
 }
 
 void string_pool_end()
 {
-  std::free(pool.slots);
-  pool.slots = nullptr;
-  pool.mask = pool.used = 0;
+  free_index(pool.index);
+  pool.index = {};
+  pool.used = 0;
   pool.arena.clear();
   detail::pool_number = 0;
   forget_location_texts();
@@ -95,16 +194,17 @@ void string_pool_end()
 
 bool string_pool_started()
 {
-  return pool.slots != nullptr;
+  return pool.index.texts != nullptr;
 }
 
 const char *intern(std::string_view text)
 {
   const std::uint64_t hash = text_hash(text);
-  std::size_t place = hash & pool.mask;
-  for (; pool.slots[place].text != nullptr; place = (place + 1) & pool.mask)
-    if (pool.slots[place].hash == hash && equal(pool.slots[place].text, text))
-      return pool.slots[place].text;
+  const Index &index = pool.index;
+  const std::uint8_t tag = tag_of(hash);
+  std::size_t place = static_cast<std::uint32_t>(hash) & index.mask;
+  for (; index.tags[place] != 0; place = (place + 1) & index.mask)
+    if (index.tags[place] == tag && equal(index.texts[place], text)) return index.texts[place];
   return add(text, hash, place);
 }
 
