@@ -79,7 +79,9 @@ std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> 
   }
 }
 
-void TDMSpec::build(const TDMFileInterface &records, const tdm::CheckRunner &runner)
+/// Records that nothing else refers to are freed as soon as they have been used: they are at hand
+/// then, and their memory serves what is built next.
+void TDMSpec::build(TDMFileInterface &records, const tdm::CheckRunner &runner)
 {
   create_processors(records, runner);
   create_globals(records);
@@ -88,12 +90,15 @@ void TDMSpec::build(const TDMFileInterface &records, const tdm::CheckRunner &run
   add_section_items(records);
 }
 
-void TDMSpec::add_section_items(const TDMFileInterface &records)
+void TDMSpec::add_section_items(TDMFileInterface &records)
 {
   const tdm::ArgumentScope no_parameters;
   tdm::SectionItems items((tdm::SectionTargets(*this)));
   for (const auto &setup : records.sectionSetups) items.apply_setup(*setup, no_parameters);
-  for (const auto &layout : records.sectionLayouts) items.add_layout(*layout, no_parameters);
+  for (auto &layout : records.sectionLayouts) {
+    items.add_layout(*layout, no_parameters);
+    layout.reset();
+  }
 }
 
 void TDMSpec::create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner)
@@ -124,7 +129,7 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
   }
 }
 
-void TDMSpec::create_globals(const TDMFileInterface &records)
+void TDMSpec::create_globals(TDMFileInterface &records)
 {
   const tdm::ArgumentScope no_parameters;
   memories.reserve(records.memories.size());
@@ -137,8 +142,10 @@ void TDMSpec::create_globals(const TDMFileInterface &records)
   tdm::BusesInReach reach;
   reach.add(buses);
   for (const auto &processor : processors) reach.add(processor->buses, &processor->name);
-  for (size_t i = 0; i < memories.size(); ++i)
+  for (size_t i = 0; i < memories.size(); ++i) {
     memories[i]->resolve_mappings(*records.memories[i], reach, nullptr);
+    records.memories[i].reset();
+  }
   for (size_t i = 0; i < buses.size(); ++i)
     buses[i]->resolve_mappings(*records.buses[i], TDMBus::Form::reversed, reach, nullptr, nullptr,
                                no_parameters);

@@ -61,12 +61,12 @@ struct TDMSpec : TDMCloneSpaceRegistry {
 
 private:
   std::unique_ptr<TDMFileInterface> parse(const std::vector<std::string> &files);
-  void build(const TDMFileInterface &records, const tdm::CheckRunner &runner);
+  void build(TDMFileInterface &records, const tdm::CheckRunner &runner);
   void create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner);
   void create_default_processors(const TDMFileInterface &records, const tdm::Templates &templates,
                                  const tdm::CheckRunner &runner);
-  void create_globals(const TDMFileInterface &records);
-  void add_section_items(const TDMFileInterface &records);
+  void create_globals(TDMFileInterface &records);
+  void add_section_items(TDMFileInterface &records);
   void check() const;
   void check_names() const;
 
