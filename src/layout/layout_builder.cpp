@@ -70,6 +70,14 @@ private:
     }
   }
 
+  /// A text of a record. It isn't read there again, but for the records of a template, which is
+  /// built any number of times.
+  template <class Text> Text take(const Text &text) const
+  {
+    if (context_.takes_texts) return std::move(const_cast<Text &>(text));
+    return text;
+  }
+
   template <class Statement> std::unique_ptr<Statement> start(const TDMFileObject &record)
   {
     auto statement = std::make_unique<Statement>();
@@ -80,7 +88,7 @@ private:
   std::unique_ptr<TDMStatement> assignment(const TDMFileAssignment &record)
   {
     auto statement = start<TDMAssignment>(record);
-    statement->symbol = record.symbolName;
+    statement->symbol = take(record.symbolName);
     statement->op = record.op;
     statement->value = translate(record, "value", record.value);
     if (record.op != kAssign && record.op != kAssignColon)
@@ -102,7 +110,7 @@ private:
 
   std::unique_ptr<TDMStatement> selection(const TDMFileSelectSectionStatement &record)
   {
-    auto statement = build_selection(record);
+    auto statement = build_selection(record, take(record.sectionName));
     if (const std::string *name = statement->literal_section_name())
       context_.names.referenced_names.push_back(name->c_str());
     return statement;
@@ -111,7 +119,7 @@ private:
   std::unique_ptr<TDMStatement> heap(const TDMFileHeapStatement &record)
   {
     auto statement = start<TDMHeapStatement>(record);
-    statement->name = record.sectionName;
+    statement->name = take(record.sectionName);
     statement->size = translate(record, "size", record.size);
     return statement;
   }
@@ -119,7 +127,7 @@ private:
   std::unique_ptr<TDMStatement> stack(const TDMFileStackStatement &record)
   {
     auto statement = start<TDMStackStatement>(record);
-    statement->name = record.name;
+    statement->name = take(record.name);
     statement->size = translate(record, "size", record.size);
     return statement;
   }
@@ -127,7 +135,7 @@ private:
   std::unique_ptr<TDMStatement> reserved(const TDMFileReservedStatement &record)
   {
     auto statement = start<TDMReservedStatement>(record);
-    statement->name = record.sectionName;
+    statement->name = take(record.sectionName);
     statement->size = translate(record, "size", record.size);
     statement->attributes = attributes_of(record.attributes);
     statement->fill = fill(record, record.fillSpec);
@@ -139,9 +147,9 @@ private:
   std::unique_ptr<TDMStatement> create_section(const TDMFileSectionCreationStatement &record)
   {
     auto statement = start<TDMCreateSectionStatement>(record);
-    statement->name = record.sectionName;
+    statement->name = take(record.sectionName);
     set_section_size(*statement, record);
-    statement->overflow_name = record.overflowSectionName;
+    statement->overflow_name = take(record.overflowSectionName);
     statement->attributes = attributes_of(record.attributes);
     statement->fill = fill(record, record.fillSpec);
     statement->statement = block(*record.statement);
@@ -154,21 +162,20 @@ private:
   {
     if (record.size == nullptr && record.blockSize == nullptr)
       fail_at(record, "sectionName",
-              "neither size nor blocksize specified for linker-created section " +
-                  record.sectionName);
+              "neither size nor blocksize specified for linker-created section " + statement.name);
     statement.size = translate(record, "size", record.size);
     statement.block_size = translate(record, "blockSize", record.blockSize);
     if (statement.size == nullptr) statement.size = statement.block_size->clone();
     if (statement.size->value() <= 0)
       fail_at(record, "sectionName",
               "the specified size or blocksize is invalid for linker-created section " +
-                  record.sectionName);
+                  statement.name);
   }
 
   std::unique_ptr<TDMStatement> memory_copy(const TDMFileMemCopyStatement &record)
   {
     auto statement = start<TDMMemoryCopyStatement>(record);
-    statement->name = record.sectionName;
+    statement->name = take(record.sectionName);
     if (!record.memName)
       fail_at(record, "sectionName", "memory attribute required for memory copy statement");
     statement->memory = find_memory(context_, *record.memName, "a memcopy memory reference",
@@ -180,7 +187,7 @@ private:
   std::unique_ptr<TDMStatement> struct_statement(const TDMFileStructStatement &record)
   {
     auto statement = start<TDMStructStatement>(record);
-    statement->name = record.sectionName;
+    statement->name = take(record.sectionName);
     statement->members.reserve(record.members.size());
     for (const auto &member : record.members)
       statement->members.emplace_back(translate(record, "sectionName", member.value), member.size);
@@ -190,7 +197,7 @@ private:
   std::unique_ptr<TDMStatement> group(const TDMFileGroup &record)
   {
     auto group = start<TDMGroup>(record);
-    group->name = record.name;
+    group->name = take(record.name);
     if (group->name) enter_group_name(*group->name, record);
     copy_rules(*group, record);
     translate_rules(*group, record);
@@ -209,7 +216,7 @@ private:
               "group " + name + " defined more than once for core " + context_.core.text());
   }
 
-  static void copy_rules(TDMGroup &group, const TDMFileGroup &record)
+  void copy_rules(TDMGroup &group, const TDMFileGroup &record) const
   {
     group.contiguous = record.contiguous;
     group.clustered = record.clustered;
@@ -220,7 +227,7 @@ private:
     if (record.attributes) group.attributes = attributes_of(*record.attributes);
     group.paged = record.paged;
     group.cross_references = record.crossReferences;
-    group.output_section_name = record.outputSectionName;
+    group.output_section_name = take(record.outputSectionName);
     group.load_time = record.loadTimeGroup;
     group.priority = record.priority;
   }
@@ -291,15 +298,20 @@ std::unique_ptr<TDMSectionLayout> build_section_layout(const TDMFileSectionLayou
   return layout;
 }
 
-std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record)
+std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record,
+                                                       std::optional<std::string> name)
 {
-  auto statement =
-      std::make_unique<TDMSelectionStatement>(record.sourceLocations, record.sectionName);
+  auto statement = std::make_unique<TDMSelectionStatement>(record.sourceLocations, std::move(name));
   statement->use_reference_tree = record.referenceTree;
   statement->selectors.reserve(record.selectors.size());
   for (const auto &selector : record.selectors)
     statement->selectors.push_back(build_selector(*selector));
   return statement;
+}
+
+std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record)
+{
+  return build_selection(record, record.sectionName);
 }
 
 std::unique_ptr<TDMSectionSelector> build_selector(const TDMFileSelector &record)

@@ -10,14 +10,6 @@
 
 namespace {
 
-/// What shows of a pattern at first sight. Most patterns need neither translation nor graph to be
-/// read.
-enum class Kind : std::uint8_t {
-  plain, ///< a name without any operator of a pattern or of an expression
-  right, ///< has wildcards, and nothing can be wrong with it
-  unclear
-};
-
 /// Whether each character is an operator of a pattern or of an expression.
 constexpr std::array<bool, 256> operators = [] {
   std::array<bool, 256> result{};
@@ -41,21 +33,6 @@ std::size_t plain_set(std::string_view text)
       at += 2;
     }
   return at > first && at < text.size() && text[at] == ']' ? at + 1 : 0;
-}
-
-Kind kind_of(std::string_view pattern)
-{
-  Kind kind = Kind::plain;
-  for (std::size_t at = 0; at < pattern.size(); ++at) {
-    const char c = pattern[at];
-    if (!operators[static_cast<unsigned char>(c)]) continue;
-    kind = Kind::right;
-    if (c == '*' || c == '?') continue;
-    const std::size_t set = c == '[' ? plain_set(pattern.substr(at)) : 0;
-    if (set == 0) return Kind::unclear;
-    at += set - 1;
-  }
-  return kind;
 }
 
 /// The expression for one character of a pattern that isn't escaped.
@@ -85,6 +62,21 @@ void append_unescaped(std::string &expression, char c, bool behind_bracket)
 } // namespace
 
 namespace tdm {
+
+PatternKind kind_of_pattern(std::string_view pattern)
+{
+  PatternKind kind = PatternKind::plain;
+  for (std::size_t at = 0; at < pattern.size(); ++at) {
+    const char c = pattern[at];
+    if (!operators[static_cast<unsigned char>(c)]) continue;
+    kind = PatternKind::right;
+    if (c == '*' || c == '?') continue;
+    const std::size_t set = c == '[' ? plain_set(pattern.substr(at)) : 0;
+    if (set == 0) return PatternKind::unclear;
+    at += set - 1;
+  }
+  return kind;
+}
 
 TranslatedPattern translate_pattern(std::string_view pattern)
 {
@@ -119,9 +111,9 @@ TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
                                          const TDMSourceLocation &location)
     : text_(pattern_text)
 {
-  const Kind kind = kind_of(pattern_text);
-  literal_ = kind == Kind::plain;
-  if (kind != Kind::unclear) return;
+  const tdm::PatternKind kind = tdm::kind_of_pattern(pattern_text);
+  literal_ = kind == tdm::PatternKind::plain;
+  if (kind != tdm::PatternKind::unclear) return;
   tdm::TranslatedPattern translated = tdm::translate_pattern(pattern_text);
   try {
     auto expression = std::make_unique<RegularExpression>(std::move(translated.expression), true);

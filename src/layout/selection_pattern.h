@@ -6,6 +6,7 @@
 /// wildcards is a plain name, which is compared as text and can be looked up in an index.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,20 @@
 
 namespace tdm {
 class NameMatcher;
+} // namespace tdm
+
+namespace tdm {
+
+/// What shows of a pattern at first sight. Most patterns need neither translation nor graph to be
+/// read.
+enum class PatternKind : std::uint8_t {
+  plain,  ///< a name without any operator of a pattern or of an expression
+  right,  ///< has wildcards, and nothing can be wrong with it
+  unclear ///< only compiling tells whether it has wildcards or is wrong
+};
+
+[[nodiscard]] PatternKind kind_of_pattern(std::string_view pattern);
+
 } // namespace tdm
 
 /// A pattern, ready to compare names with.

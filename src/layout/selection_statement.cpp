@@ -14,8 +14,9 @@ TDMSelectionStatement::TDMSelectionStatement(SourceLocations locations,
     : section_name(std::move(name))
 {
   sourceLocations = std::move(locations);
-  if (section_name)
-    pattern_.emplace(*section_name, location_or("sectionName", location_or("select")));
+  if (!section_name) return;
+  kind_ = tdm::kind_of_pattern(*section_name);
+  if (kind_ == tdm::PatternKind::unclear) compile();
 }
 
 TDMSelectionStatement::~TDMSelectionStatement() = default;
@@ -28,14 +29,25 @@ void TDMSelectionStatement::walk(TDMSpaceWalker &walker, TDMStatementEnv &env,
 
 const std::string *TDMSelectionStatement::literal_section_name() const
 {
+  if (!section_name) return nullptr;
+  if (kind_ == tdm::PatternKind::plain) return &*section_name;
   return pattern_ ? pattern_->literal_name() : nullptr;
+}
+
+void TDMSelectionStatement::compile()
+{
+  pattern_ = std::make_unique<TDMSelectionPattern>(
+      *section_name, location_or("sectionName", location_or("select")));
 }
 
 /// The load-time copy of a section has the section's name in square brackets.
 const TDMSelectionPattern *TDMSelectionStatement::pattern_in(const TDMStatementEnv &env)
 {
-  if (!pattern_) return nullptr;
-  if (!env.load_time) return &*pattern_;
+  if (!section_name) return nullptr;
+  if (!env.load_time) {
+    if (!pattern_) compile();
+    return pattern_.get();
+  }
   if (!load_time_pattern_)
     load_time_pattern_ = std::make_unique<TDMSelectionPattern>(
         "\\[" + *section_name + "\\]", location_or("sectionName", location_or("select")));

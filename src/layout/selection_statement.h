@@ -26,7 +26,7 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
     ~SectionFunction() = default;
   };
 
-  /// Compiles the pattern, if there is a name. A wrong one is refused at key "sectionName".
+  /// A wrong pattern is refused at key "sectionName".
   TDMSelectionStatement(SourceLocations locations, std::optional<std::string> name);
   ~TDMSelectionStatement() override;
 
@@ -52,6 +52,7 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
 
 private:
   const TDMSelectionPattern *pattern_in(const TDMStatementEnv &env);
+  void compile();
   bool selectors_match(const TDMSection &section) const;
   bool offer(TDMSection &section, TDMStatementEnv &env, SectionFunction &function, bool by_name,
              bool verbose) const;
@@ -59,9 +60,10 @@ private:
                          const std::vector<TDMSection *> &taken, SectionFunction &function,
                          bool verbose) const;
 
-  std::optional<TDMSelectionPattern> pattern_;
-  /// For the load-time copies of sections; made when it is first needed.
-  std::unique_ptr<TDMSelectionPattern> load_time_pattern_;
+  tdm::PatternKind kind_ = tdm::PatternKind::plain; ///< of the name
+  /// Made when it is first needed, but where only that tells whether it is right.
+  std::unique_ptr<TDMSelectionPattern> pattern_;
+  std::unique_ptr<TDMSelectionPattern> load_time_pattern_; ///< for the load-time copies of sections
 };
 
 /// Calls a plain function with the section's handle.

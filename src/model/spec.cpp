@@ -95,10 +95,7 @@ void TDMSpec::add_section_items(TDMFileInterface &records)
   const tdm::ArgumentScope no_parameters;
   tdm::SectionItems items((tdm::SectionTargets(*this)));
   for (const auto &setup : records.sectionSetups) items.apply_setup(*setup, no_parameters);
-  for (auto &layout : records.sectionLayouts) {
-    items.add_layout(*layout, no_parameters);
-    layout.reset();
-  }
+  for (auto &layout : records.sectionLayouts) items.add_layout(std::move(layout), no_parameters);
 }
 
 void TDMSpec::create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner)
