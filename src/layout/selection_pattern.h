@@ -27,6 +27,7 @@ enum class PatternKind : std::uint8_t {
   unclear ///< only compiling tells whether it has wildcards or is wrong
 };
 
+/// One look at each character of the pattern.
 [[nodiscard]] PatternKind kind_of_pattern(std::string_view pattern);
 
 } // namespace tdm
