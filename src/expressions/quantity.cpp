@@ -143,8 +143,8 @@ private:
       return {Kind::address, units_.space_mau()};
     case kExprSizeOf: {
       const auto &size = static_cast<const TDMExprSizeOf &>(record);
-      return {Kind::size,
-              size.objType == kSizeMemory ? units_.memory_mau(size.objName) : units_.space_mau()};
+      return {Kind::size, size.objType == kSizeMemory ? units_.memory_mau(size.objName.str())
+                                                      : units_.space_mau()};
     }
     default:
       return {Kind::number, 0};

@@ -18,9 +18,9 @@ using Binding = tdm::ArgumentScope::Binding;
 using Slot = std::unique_ptr<TDMExpression>;
 
 /// What a memory reference is called in a scope.
-std::string memory_name(std::string_view prefix, const std::string &memory)
+std::string memory_name(std::string_view prefix, std::string_view memory)
 {
-  return std::string(prefix) + memory;
+  return std::string(prefix).append(memory);
 }
 
 /// Numbers translations, so that each tells its own marks in bindings from older ones.
@@ -130,16 +130,16 @@ private:
       break;
     case tdm::kExprSymbolRef: {
       const auto &symbol = static_cast<const TDMExprSymbolRef &>(record);
-      slot = located(std::make_unique<TDMSymbolRef>(symbol.name, place_), record);
+      slot = located(std::make_unique<TDMSymbolRef>(symbol.name.str(), place_), record);
       break;
     }
     case tdm::kExprDefined:
       slot = std::make_unique<TDMDefinedSymbol>(
-          static_cast<const TDMExprDefined &>(record).symbolName);
+          static_cast<const TDMExprDefined &>(record).symbolName.str());
       break;
     case tdm::kExprExists:
       slot = std::make_unique<TDMSectionExists>(
-          static_cast<const TDMExprExists &>(record).sectionName, place_);
+          static_cast<const TDMExprExists &>(record).sectionName.str(), place_);
       break;
     case tdm::kExprAddress: {
       const auto &address = static_cast<const TDMExprAddress &>(record);
@@ -147,7 +147,8 @@ private:
         return enter_variable(memory_name(tdm::memory_address_prefix, address.objName),
                               location(record, "objName"), slot);
       slot = located(
-          std::make_unique<TDMAddressExpression>(address.objType, address.objName, place_), record);
+          std::make_unique<TDMAddressExpression>(address.objType, address.objName.str(), place_),
+          record);
       break;
     }
     default: {
@@ -155,7 +156,7 @@ private:
       if (size.objType == tdm::kSizeMemory)
         return enter_variable(memory_name(tdm::memory_size_prefix, size.objName),
                               location(record, "objName"), slot);
-      slot = located(std::make_unique<TDMSizeOf>(size.objType, size.objName, place_), record);
+      slot = located(std::make_unique<TDMSizeOf>(size.objType, size.objName.str(), place_), record);
       break;
     }
     }
@@ -164,12 +165,13 @@ private:
   /// Goes on with the record that the name is bound to. While that is under way the binding carries
   /// the number of this translation, so that a variable which leads back to itself is seen. A
   /// number that a failed translation has left behind is never used again.
-  void enter_variable(const std::string &name, const TDMSourceLocation &location, Slot &slot)
+  void enter_variable(std::string_view name, const TDMSourceLocation &location, Slot &slot)
   {
     const Binding *binding = scope_.find(name);
     if (binding == nullptr) tdm::report_unbound(name, location);
     if (binding->busy_in == number_)
-      throw new TDMSyntaxException(location, "TDM variable \"" + name + "\" is defined by itself");
+      throw new TDMSyntaxException(location, "TDM variable \"" + std::string(name) +
+                                                 "\" is defined by itself");
     binding->busy_in = number_;
     pending_.push({nullptr, nullptr, binding, true});
     pending_.push({binding->record, &slot, nullptr, true});

@@ -28,7 +28,7 @@ enum FileEndianness : std::int32_t { kEndiannessBig = 1, kEndiannessLittle = 2 }
 
 /// A parameter of a template: no place of its own.
 struct FileParameter {
-  std::string name;
+  tdm::Text name;
   ExpressionPtr defaultValue; ///< null if the text gives none
 };
 
@@ -36,8 +36,8 @@ using FileParameters = tdm::RecordList<FileParameter>;
 
 /// `dest source = destination` of a copy table or direct init.
 struct FileDestination {
-  std::string source;
-  std::string destination;
+  tdm::Text source;
+  tdm::Text destination;
 };
 
 } // namespace tdm
@@ -54,7 +54,7 @@ public:
 /// "exec_priority".
 class TDMFileMapping : public TDMFileObject {
 public:
-  std::optional<std::string> destination; ///< a bus with a core is `core:bus`
+  std::optional<tdm::Text> destination; ///< a bus with a core is `core:bus`
   int destinationKind = tdm::kDestinationSpace;
   std::optional<tdm::FileRange> connectedDestinationLines;
   tdm::ExpressionPtr destinationOffset;
@@ -66,7 +66,7 @@ public:
   bool reserved = false;
   std::int32_t priority = 0;
   std::int32_t execPriority = -1;
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
 };
 
 using TDMFileMappings = tdm::RecordList<std::unique_ptr<TDMFileMapping>>;
@@ -75,7 +75,7 @@ using TDMFileMappings = tdm::RecordList<std::unique_ptr<TDMFileMapping>>;
 /// "exec_priority", "map", "fillSpec".
 class TDMFileMemory : public TDMFileObject {
 public:
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   int memtype = tdm::kMemoryNone;
   bool reserved = false;
   tdm::ExpressionPtr mauSize;
@@ -84,7 +84,7 @@ public:
   std::int32_t execPriority = -1;
   std::unique_ptr<TDMFileFillSpec> fillSpec;
   tdm::ExpressionPtr writeUnit;
-  std::optional<std::string> writeMode;
+  std::optional<tdm::Text> writeMode;
   tdm::ExpressionPtr setupTime;
   tdm::ExpressionPtr holdTime;
   tdm::ExpressionPtr cycles;
@@ -98,7 +98,7 @@ public:
 /// `bus`. Keys "name", "mauSize", "busWidth", "busAddressWidth", "map".
 class TDMFileBus : public TDMFileObject {
 public:
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   tdm::ExpressionPtr mauSize;
   tdm::ExpressionPtr busWidth;
   tdm::ExpressionPtr busAddressWidth;
@@ -109,7 +109,7 @@ public:
 /// `start_address`. Keys "symbolName", "value", "bank", and "start_address" at the first property.
 class TDMFileStartAddress : public TDMFileObject {
 public:
-  std::optional<std::string> symbolName;
+  std::optional<tdm::Text> symbolName;
   tdm::ExpressionPtr value;
   std::int32_t bank = -1;
 };
@@ -118,9 +118,9 @@ public:
 /// token, "cpuName" and "coreName" where given, "spaceName".
 class TDMFileCopySubTableSpace : public TDMFileObject {
 public:
-  std::optional<std::string> cpuName;
-  std::optional<std::string> coreName;
-  std::optional<std::string> spaceName; ///< several names are joined by '|'
+  std::optional<tdm::Text> cpuName;
+  std::optional<tdm::Text> coreName;
+  std::optional<tdm::Text> spaceName; ///< several names are joined by '|'
 };
 
 /// The common part of the stacks and heaps of spaces. Keys "name", "minimalSize", "growDirection",
@@ -133,7 +133,7 @@ public:
   virtual void set_fixed() = 0;
   virtual void set_id(tdm::ExpressionPtr value) = 0;
 
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   tdm::ExpressionPtr minimalSize;
   int growDirection = tdm::kDirectionNotSet;
   tdm::ExpressionPtr alignment;

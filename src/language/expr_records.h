@@ -10,11 +10,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "language/file_object.h"
+#include "language/text.h"
 
 namespace tdm {
 
@@ -146,25 +146,23 @@ public:
 /// A variable, that is a parameter of the enclosing definition. Key "name".
 class TDMExprVarRef final : public TDMFileExpression {
 public:
-  explicit TDMExprVarRef(std::string variable)
-      : TDMFileExpression(tdm::kExprVarRef), name(std::move(variable))
+  explicit TDMExprVarRef(tdm::Text variable) : TDMFileExpression(tdm::kExprVarRef), name(variable)
   {
   }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
-  std::string name;
+  tdm::Text name;
 };
 
 /// A linker symbol. Key "name".
 class TDMExprSymbolRef final : public TDMFileExpression {
 public:
-  explicit TDMExprSymbolRef(std::string symbol)
-      : TDMFileExpression(tdm::kExprSymbolRef), name(std::move(symbol))
+  explicit TDMExprSymbolRef(tdm::Text symbol) : TDMFileExpression(tdm::kExprSymbolRef), name(symbol)
   {
   }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
-  std::string name;
+  tdm::Text name;
 };
 
 /// An operator before its operand, or parentheses around it. Key "op".
@@ -246,19 +244,19 @@ public:
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::int32_t objType = 0; ///< tdm::AddressObject
-  std::string objName;
+  tdm::Text objName;
 };
 
 /// No keys.
 class TDMExprDefined final : public TDMFileExpression {
 public:
-  explicit TDMExprDefined(std::string symbol)
-      : TDMFileExpression(tdm::kExprDefined), symbolName(std::move(symbol))
+  explicit TDMExprDefined(tdm::Text symbol)
+      : TDMFileExpression(tdm::kExprDefined), symbolName(symbol)
   {
   }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
-  std::string symbolName;
+  tdm::Text symbolName;
 };
 
 /// No keys.
@@ -302,19 +300,19 @@ public:
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
   std::int32_t objType = 0; ///< tdm::SizeObject
-  std::string objName;
+  tdm::Text objName;
 };
 
 /// No keys.
 class TDMExprExists final : public TDMFileExpression {
 public:
-  explicit TDMExprExists(std::string section)
-      : TDMFileExpression(tdm::kExprExists), sectionName(std::move(section))
+  explicit TDMExprExists(tdm::Text section)
+      : TDMFileExpression(tdm::kExprExists), sectionName(section)
   {
   }
   [[nodiscard]] tdm::ExpressionPtr clone() const override;
 
-  std::string sectionName;
+  tdm::Text sectionName;
 };
 
 /// Keys "checksum", "algo", "start", "end".

@@ -79,7 +79,7 @@ class TDMFileAssignment final : public TDMFileSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementAssignment; }
 
-  std::string symbolName;
+  tdm::Text symbolName;
   std::int32_t op = 0; ///< tdm::AssignmentOperator
   tdm::ExpressionPtr value;
 };
@@ -123,7 +123,7 @@ class TDMFileSelectSectionStatement final : public TDMFileSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementSelect; }
 
-  std::optional<std::string> sectionName; ///< a selection pattern, as written
+  std::optional<tdm::Text> sectionName; ///< a selection pattern, as written
   bool referenceTree = false;
   tdm::RecordList<std::unique_ptr<TDMFileSelector>> selectors;
 };
@@ -133,7 +133,7 @@ class TDMFileHeapStatement final : public TDMFileSpecialSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementHeap; }
 
-  std::string sectionName;
+  tdm::Text sectionName;
   tdm::ExpressionPtr size;
 };
 
@@ -142,7 +142,7 @@ class TDMFileStackStatement final : public TDMFileSpecialSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementStack; }
 
-  std::string name;
+  tdm::Text name;
   tdm::ExpressionPtr size;
 };
 
@@ -158,7 +158,7 @@ class TDMFileReservedStatement final : public TDMFileSpecialSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementReserved; }
 
-  std::string sectionName;
+  tdm::Text sectionName;
   tdm::ExpressionPtr size;
   std::optional<tdm::AttributeSet> attributes;
   std::unique_ptr<TDMFileFillSpec> fillSpec;
@@ -172,8 +172,8 @@ class TDMFileSectionCreationStatement final : public TDMFileSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementSection; }
 
-  std::string sectionName;
-  std::optional<std::string> overflowSectionName;
+  tdm::Text sectionName;
+  std::optional<tdm::Text> overflowSectionName;
   tdm::ExpressionPtr size;
   tdm::ExpressionPtr blockSize;
   std::optional<tdm::AttributeSet> attributes;
@@ -186,8 +186,8 @@ class TDMFileGroupLocationRange {
 public:
   virtual ~TDMFileGroupLocationRange() = default;
 
-  std::optional<std::string> memoryName;
-  std::optional<std::string> mappingName;
+  std::optional<tdm::Text> memoryName;
+  std::optional<tdm::Text> mappingName;
   tdm::ExpressionPtr low;
   tdm::ExpressionPtr high;
 };
@@ -196,8 +196,8 @@ public:
 class TDMFileGroupLocation : public TDMFileObject {
 public:
   tdm::ExpressionPtr address;
-  std::optional<std::string> memoryName;
-  std::optional<std::string> mappingName;
+  std::optional<tdm::Text> memoryName;
+  std::optional<tdm::Text> mappingName;
   tdm::RecordList<std::unique_ptr<TDMFileGroupLocationRange>> ranges;
 };
 
@@ -208,7 +208,7 @@ class TDMFileGroup final : public TDMFileSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementGroup; }
 
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   bool contiguous = false;
   bool clustered = false;
   bool ordered = false;
@@ -225,7 +225,7 @@ public:
   tdm::RecordList<tdm::FileRange> pages;
   std::unique_ptr<TDMFileGroupLocation> runAddress;
   bool crossReferences = false;
-  std::optional<std::string> outputSectionName;
+  std::optional<tdm::Text> outputSectionName;
   bool loadTimeGroup = false;
   std::int32_t priority = 1;
   TDMFileStatementPtr statement;
@@ -236,8 +236,8 @@ class TDMFileMemCopyStatement final : public TDMFileSectionStatement {
 public:
   [[nodiscard]] int kind() const override { return tdm::kStatementMemCopy; }
 
-  std::string sectionName;
-  std::optional<std::string> memName;
+  tdm::Text sectionName;
+  std::optional<tdm::Text> memName;
   std::unique_ptr<TDMFileFillSpec> fillSpec;
 };
 
@@ -251,7 +251,7 @@ public:
 
   [[nodiscard]] int kind() const override { return tdm::kStatementStruct; }
 
-  std::string sectionName;
+  tdm::Text sectionName;
   tdm::RecordList<Member> members;
 };
 
@@ -259,9 +259,9 @@ public:
 /// "statement".
 class TDMFileSectionLayout : public TDMFileObject {
 public:
-  std::optional<std::string> cpuName;
-  std::optional<std::string> coreName;
-  std::optional<std::string> spaceName; ///< several names are joined by '|'
+  std::optional<tdm::Text> cpuName;
+  std::optional<tdm::Text> coreName;
+  std::optional<tdm::Text> spaceName; ///< several names are joined by '|'
   int locateDirection = tdm::kDirectionNotSet;
   std::unique_ptr<TDMFileBlock> statement;
 };

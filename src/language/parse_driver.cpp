@@ -86,7 +86,7 @@ void require_distinct_architectures(const TDMFileInterface &result)
 {
   std::unordered_set<std::string_view> names;
   for (const auto &architecture : result.architectures) {
-    const std::string &name = tdm::name_of(architecture->name);
+    const tdm::Text name = tdm::name_of(architecture->name);
     if (names.insert(name).second) continue;
     const TDMSourceLocation &second = architecture->get_location("name");
     throw new TDMSyntaxException(second, "two architectures defined with name " + name);

@@ -32,10 +32,9 @@ inline std::int32_t low_word(std::int64_t value)
 }
 
 /// The name as messages end with it.
-inline const std::string &name_of(const std::optional<std::string> &name)
+inline Text name_of(const std::optional<Text> &name)
 {
-  static const std::string none;
-  return name ? *name : none;
+  return name.value_or(Text());
 }
 
 } // namespace tdm
@@ -128,8 +127,8 @@ private:
 
   // Places, taken together with their key.
   void keep(TDMFileObject &record, LocationKey key) { record.store_location(key, here()); }
-  std::string identifier(TDMFileObject &record, LocationKey key);
-  std::string string_value(TDMFileObject &record, LocationKey key);
+  tdm::Text identifier(TDMFileObject &record, LocationKey key);
+  tdm::Text string_value(TDMFileObject &record, LocationKey key);
   tdm::ExpressionPtr expression(TDMFileObject &record, LocationKey key);
 
   /// item ("," item)*
@@ -159,8 +158,8 @@ private:
 
   // Names, numbers and tags (parser_frame.cpp).
   void definition(TDMFileInterface &result);
-  std::string identifier();
-  std::string string_value();
+  tdm::Text identifier();
+  tdm::Text string_value();
   std::int64_t number();
   std::int64_t plain_number();
   std::int64_t size_suffix();
@@ -186,8 +185,8 @@ private:
   tdm::ExpressionPtr checksum_call();
   template <typename Record>
   void layout_object(Record &record, std::int32_t section, std::int32_t group, std::int32_t memory);
-  std::string memory_reference();
-  std::string memory_name();
+  tdm::Text memory_reference();
+  tdm::Text memory_name();
   tdm::ExpressionList expression_list();
   tdm::FileRange range_value();
 
@@ -213,14 +212,14 @@ private:
   void map_definition(TDMFileMapping &mapping);
   void map_property(TDMFileMapping &mapping);
   void map_destination_property(TDMFileMapping &mapping);
-  std::string map_destination(TDMFileMapping &mapping);
+  tdm::Text map_destination(TDMFileMapping &mapping);
   void map_priority(TDMFileMapping &mapping);
   void map_exec_priority(TDMFileMapping &mapping);
 
   // Architectures, cores, derivatives and processors (parser_templates.cpp).
   void architecture_definition(TDMFileArchitecture &architecture);
   void architecture_item(TDMFileArchitecture &architecture);
-  void extends(TDMFileObject &record, std::optional<std::string> &base,
+  void extends(TDMFileObject &record, std::optional<tdm::Text> &base,
                tdm::ExpressionList &arguments);
   tdm::ExpressionList optional_arguments(const tdm::TokenSet &following);
   tdm::FileParameters optional_parameters();
@@ -260,10 +259,10 @@ private:
   // Section setups (parser_setup.cpp).
   void section_setup_definition(TDMFileSectionSetup &setup);
   void section_setup_item(TDMFileSectionSetup &setup);
-  void space_path(TDMFileObject &record, std::optional<std::string> &cpu,
-                  std::optional<std::string> &core, std::optional<std::string> &space);
-  void optional_name(TDMFileObject &record, LocationKey key, std::optional<std::string> &name);
-  std::string space_name_list();
+  void space_path(TDMFileObject &record, std::optional<tdm::Text> &cpu,
+                  std::optional<tdm::Text> &core, std::optional<tdm::Text> &space);
+  void optional_name(TDMFileObject &record, LocationKey key, std::optional<tdm::Text> &name);
+  tdm::Text space_name_list();
   std::unique_ptr<TDMFileCopySubTableSpace> space_reference();
   void prohibit_references(TDMFileSectionSetup &setup);
   void input_modification(TDMFileInputModification &modification);
@@ -276,7 +275,7 @@ private:
   void subtable_property(TDMFileCopySubTable &table);
   void direct_init_definition(TDMFileDirectInit &init);
   void direct_init_property(TDMFileDirectInit &init);
-  void destination(TDMFileObject &record, LocationKey key, std::optional<std::string> &single,
+  void destination(TDMFileObject &record, LocationKey key, std::optional<tdm::Text> &single,
                    tdm::RecordList<tdm::FileDestination> &pairs);
   void bank_definition(TDMFileBankDef &bank);
   void bank_property(TDMFileBankDef &bank);
@@ -284,7 +283,7 @@ private:
   void stub_argument(TDMFileBankDef &bank);
   void switch_property(TDMFileBankDef &bank);
   void bank_string(int word, TDMFileBankDef &bank, LocationKey key,
-                   std::optional<std::string> &field);
+                   std::optional<tdm::Text> &field);
 
   // Vector tables (parser_vectors.cpp).
   std::unique_ptr<TDMFileVectorTable> vector_table_definition();
@@ -305,8 +304,8 @@ private:
 
   // Section layouts and their simple statements (parser_layout.cpp).
   /// The name of the enclosing space is for the message of a layout without a target.
-  void section_layout_definition(TDMFileSectionLayout &layout, const std::string &enclosing_space);
-  void layout_attribute(TDMFileSectionLayout &layout, const std::string &enclosing_space);
+  void section_layout_definition(TDMFileSectionLayout &layout, tdm::Text enclosing_space);
+  void layout_attribute(TDMFileSectionLayout &layout, tdm::Text enclosing_space);
   std::unique_ptr<TDMFileBlock> statement_block();
   TDMFileStatementPtr statement();
   TDMFileStatementPtr nested_statement();

@@ -141,7 +141,7 @@ tdm::ExpressionPtr TDMParser::checksum_call()
 }
 
 // memory_reference: "mem" ":" memory_name
-std::string TDMParser::memory_reference()
+tdm::Text TDMParser::memory_reference()
 {
   match(KEY_mem);
   match(COLON);
@@ -149,12 +149,10 @@ std::string TDMParser::memory_reference()
 }
 
 // memory_name: identifier [":" identifier]
-std::string TDMParser::memory_name()
+tdm::Text TDMParser::memory_name()
 {
-  std::string name = identifier();
-  if (accept(COLON))
-    name += ':' + identifier();
-  else
-    require_next(tdm::TokenSets::memory_name_end);
+  const tdm::Text name = identifier();
+  if (accept(COLON)) return tdm::Text::joined(name, ':', identifier());
+  require_next(tdm::TokenSets::memory_name_end);
   return name;
 }

@@ -59,13 +59,13 @@ bool TDMParser::at_tag_list()
   return at(LPAREN) && LA(2) == KEY_tag;
 }
 
-std::string TDMParser::identifier(TDMFileObject &record, LocationKey key)
+tdm::Text TDMParser::identifier(TDMFileObject &record, LocationKey key)
 {
   keep(record, key);
   return identifier();
 }
 
-std::string TDMParser::string_value(TDMFileObject &record, LocationKey key)
+tdm::Text TDMParser::string_value(TDMFileObject &record, LocationKey key)
 {
   keep(record, key);
   return string_value();
@@ -111,7 +111,7 @@ void TDMParser::definition(TDMFileInterface &result)
     processor_definition(tdm::append_new(result.processors));
     break;
   case KEY_section_layout:
-    section_layout_definition(tdm::append_new(result.sectionLayouts), std::string());
+    section_layout_definition(tdm::append_new(result.sectionLayouts), tdm::Text());
     break;
   case KEY_section_setup:
     section_setup_definition(tdm::append_new(result.sectionSetups));
@@ -122,20 +122,20 @@ void TDMParser::definition(TDMFileInterface &result)
 }
 
 // identifier: IDENTIFIER | "absolute" | "ranged" | "exec_priority" | "crc32" | "crc32w"
-std::string TDMParser::identifier()
+tdm::Text TDMParser::identifier()
 {
   require_next(tdm::TokenSets::identifier_start);
-  std::string name(next_token().characters());
+  tdm::Text name(next_token().characters());
   consume();
   return name;
 }
 
 // string_value: STRING, without its quotes
-std::string TDMParser::string_value()
+tdm::Text TDMParser::string_value()
 {
   const std::string_view quoted = next_token().characters(); // stays, as all texts of tokens do
   match(STRING);
-  return std::string(quoted.substr(1, quoted.size() - 2));
+  return tdm::Text(quoted.substr(1, quoted.size() - 2));
 }
 
 // tag_property: "tag" "=" STRING

@@ -8,8 +8,7 @@ using tdm::TokenSets;
 
 // section_layout_definition: "section_layout" [layout_target]
 //                            ["(" layout_attribute ("," layout_attribute)* ")"] statement_block
-void TDMParser::section_layout_definition(TDMFileSectionLayout &layout,
-                                          const std::string &enclosing_space)
+void TDMParser::section_layout_definition(TDMFileSectionLayout &layout, tdm::Text enclosing_space)
 {
   keep(layout, "section_layout");
   match(KEY_section_layout);
@@ -23,7 +22,7 @@ void TDMParser::section_layout_definition(TDMFileSectionLayout &layout,
 }
 
 // layout_attribute: "direction" "=" direction_value | tag_property
-void TDMParser::layout_attribute(TDMFileSectionLayout &layout, const std::string &enclosing_space)
+void TDMParser::layout_attribute(TDMFileSectionLayout &layout, tdm::Text enclosing_space)
 {
   if (!at(KEY_direction)) {
     require_next({KEY_tag});
@@ -304,7 +303,7 @@ void TDMParser::memcopy_property(TDMFileMemCopyStatement &record)
     keep(record, "memName");
     consume();
     match(EQUALS);
-    std::string name = memory_name();
+    tdm::Text name = memory_name();
     if (record.memName)
       throw new TDMFileSyntaxException("trying to set memory name twice for memory copy \"" +
                                        record.sectionName + '"');

@@ -86,7 +86,7 @@ void TDMParser::map_destination_property(TDMFileMapping &mapping)
   match(KEY_dest);
   match(EQUALS);
   const int kind = at(KEY_bus) ? tdm::kDestinationBus : tdm::kDestinationSpace;
-  std::string name = map_destination(mapping);
+  tdm::Text name = map_destination(mapping);
   if (mapping.destination)
     throw new TDMFileSyntaxException("trying to set mapping destination twice");
   mapping.destination = std::move(name);
@@ -94,18 +94,16 @@ void TDMParser::map_destination_property(TDMFileMapping &mapping)
 }
 
 // map_destination: "space" ":" identifier | "bus" ":" identifier [":" identifier]
-std::string TDMParser::map_destination(TDMFileMapping &mapping)
+tdm::Text TDMParser::map_destination(TDMFileMapping &mapping)
 {
   const bool bus = at(KEY_bus);
   if (!bus) require_next({KEY_space});
   consume();
   match(COLON);
-  std::string name = identifier(mapping, "destination");
+  const tdm::Text name = identifier(mapping, "destination");
   if (!bus) return name;
-  if (accept(COLON))
-    name += ':' + identifier();
-  else
-    require_next(TokenSets::list_end);
+  if (accept(COLON)) return tdm::Text::joined(name, ':', identifier());
+  require_next(TokenSets::list_end);
   return name;
 }
 

@@ -114,8 +114,8 @@ std::unique_ptr<TDMFileCopySubTableSpace> TDMParser::space_reference()
 }
 
 // space_path: [identifier] ":" [identifier] ":" space_name_list
-void TDMParser::space_path(TDMFileObject &record, std::optional<std::string> &cpu,
-                           std::optional<std::string> &core, std::optional<std::string> &space)
+void TDMParser::space_path(TDMFileObject &record, std::optional<tdm::Text> &cpu,
+                           std::optional<tdm::Text> &core, std::optional<tdm::Text> &space)
 {
   optional_name(record, "cpuName", cpu);
   match(COLON);
@@ -127,7 +127,7 @@ void TDMParser::space_path(TDMFileObject &record, std::optional<std::string> &cp
 
 // [identifier], before a colon
 void TDMParser::optional_name(TDMFileObject &record, LocationKey key,
-                              std::optional<std::string> &name)
+                              std::optional<tdm::Text> &name)
 {
   if (at(TokenSets::identifier_start))
     name = identifier(record, key);
@@ -136,9 +136,11 @@ void TDMParser::optional_name(TDMFileObject &record, LocationKey key,
 }
 
 // space_name_list: identifier ("|" identifier)*
-std::string TDMParser::space_name_list()
+tdm::Text TDMParser::space_name_list()
 {
-  std::string names = identifier();
-  while (accept(BAR)) names += '|' + identifier();
-  return names;
+  const tdm::Text first = identifier();
+  if (!at(BAR)) return first;
+  std::string names = first.str();
+  while (accept(BAR)) (names += '|') += identifier();
+  return tdm::Text::of(names);
 }

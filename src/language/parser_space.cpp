@@ -176,7 +176,7 @@ void TDMParser::space_literal_space(TDMFileSpace &space)
   keep(space, "address_literal_space");
   match(KEY_address_literal_space);
   match(EQUALS);
-  std::string name = identifier();
+  tdm::Text name = identifier();
   if (space.addressLiteralSpace)
     throw new TDMFileSyntaxException("trying to set address literal space twice in space " +
                                      tdm::name_of(space.name));

@@ -51,7 +51,7 @@ void TDMParser::copytable_property(TDMFileCopyTable &table)
 // The key of a pair is the name of its source: whoever looks a pair up asks for the place under
 // that name.
 void TDMParser::destination(TDMFileObject &record, LocationKey key,
-                            std::optional<std::string> &single,
+                            std::optional<tdm::Text> &single,
                             tdm::RecordList<tdm::FileDestination> &pairs)
 {
   match(KEY_dest);
@@ -92,7 +92,7 @@ void TDMParser::subtable_property(TDMFileCopySubTable &table)
   }
   match(KEY_symbol);
   match(EQUALS);
-  std::string symbol = string_value();
+  tdm::Text symbol = string_value();
   if (table.symbol) throw new TDMFileSyntaxException("Tried to set subtable symbol twice");
   table.symbol = std::move(symbol);
 }
@@ -214,7 +214,7 @@ void TDMParser::switch_property(TDMFileBankDef &bank)
 
 // word "=" string_value; the last value counts
 void TDMParser::bank_string(int word, TDMFileBankDef &bank, LocationKey key,
-                            std::optional<std::string> &field)
+                            std::optional<tdm::Text> &field)
 {
   match(word);
   match(EQUALS);

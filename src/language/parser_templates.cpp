@@ -39,7 +39,7 @@ void TDMParser::architecture_item(TDMFileArchitecture &architecture)
 }
 
 // extends: ["extends" identifier ["(" expression_list ")"]]
-void TDMParser::extends(TDMFileObject &record, std::optional<std::string> &base,
+void TDMParser::extends(TDMFileObject &record, std::optional<tdm::Text> &base,
                         tdm::ExpressionList &arguments)
 {
   if (!accept(KEY_extends)) {
@@ -184,7 +184,7 @@ void TDMParser::core_architecture(TDMFileCore &core)
 {
   match(KEY_architecture);
   match(EQUALS);
-  std::string name = identifier(core, "archName");
+  tdm::Text name = identifier(core, "archName");
   if (core.archName)
     throw new TDMFileSyntaxException("trying to set base architecture twice for core " +
                                      tdm::name_of(core.name));
@@ -256,7 +256,7 @@ void TDMParser::derivative_item(TDMFileDerivative &derivative)
     memory_definition(tdm::append_new(derivative.memories));
     break;
   case KEY_section_layout:
-    section_layout_definition(tdm::append_new(derivative.sectionLayouts), std::string());
+    section_layout_definition(tdm::append_new(derivative.sectionLayouts), tdm::Text());
     break;
   case KEY_section_setup:
     section_setup_definition(tdm::append_new(derivative.sectionSetups));
@@ -284,7 +284,7 @@ void TDMParser::derivative_reference(TDMFileCPU &processor)
 {
   match(KEY_derivative);
   match(EQUALS);
-  std::string name = identifier(processor, "derivativeName");
+  tdm::Text name = identifier(processor, "derivativeName");
   if (processor.derivativeName)
     throw new TDMFileSyntaxException("trying to set base derivative twice for processor " +
                                      tdm::name_of(processor.name));

@@ -96,7 +96,7 @@ void TDMParser::vector_table_address(TDMFileVectorTable &table)
   match(KEY_run_addr);
   match(EQUALS);
   keep(table, "run_address");
-  std::optional<std::string> memory;
+  std::optional<tdm::Text> memory;
   tdm::ExpressionPtr address;
   if (at(KEY_mem)) {
     memory = memory_reference();
@@ -120,7 +120,7 @@ void TDMParser::vector_table_template(TDMFileVectorTable &table)
 {
   match(KEY_template);
   match(EQUALS);
-  std::string name = string_value(table, "template_name");
+  tdm::Text name = string_value(table, "template_name");
   if (table.templateName)
     throw new TDMFileSyntaxException("trying to set template name twice for vector table");
   table.templateName = std::move(name);
@@ -131,7 +131,7 @@ void TDMParser::vector_table_template_symbol(TDMFileVectorTable &table)
 {
   match(KEY_template_symbol);
   match(EQUALS);
-  std::string name = string_value(table, "template_symbol_name");
+  tdm::Text name = string_value(table, "template_symbol_name");
   if (table.templateSymbolName)
     throw new TDMFileSyntaxException("trying to set template symbol name twice for vector table");
   table.templateSymbolName = std::move(name);
@@ -142,7 +142,7 @@ void TDMParser::vector_table_vector_prefix(TDMFileVectorTable &table)
 {
   match(KEY_vector_prefix);
   match(EQUALS);
-  std::string prefix = string_value(table, "vector_name_prefix");
+  tdm::Text prefix = string_value(table, "vector_name_prefix");
   if (table.vectorNamePrefix)
     throw new TDMFileSyntaxException("trying to set vector name prefix twice for vector table");
   table.vectorNamePrefix = std::move(prefix);

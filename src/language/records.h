@@ -10,7 +10,7 @@
 /// "start_address".
 class TDMFileSpace : public TDMFileObject {
 public:
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   std::int32_t id = -1;
   tdm::ExpressionPtr mauSize;
   tdm::ExpressionPtr alignment;
@@ -18,7 +18,7 @@ public:
   tdm::RecordList<tdm::FileRange> pages;
   bool pageRestrictSections = false;
   int locateDirection = tdm::kLowToHigh;
-  std::optional<std::string> addressLiteralSpace;
+  std::optional<tdm::Text> addressLiteralSpace;
   tdm::RecordList<std::unique_ptr<TDMFileStackDef>> stacks;
   tdm::RecordList<std::unique_ptr<TDMFileHeapDef>> heaps;
   std::unique_ptr<TDMFileCopyTable> copyTable;
@@ -34,9 +34,9 @@ public:
 /// `architecture`. Keys "name", "base".
 class TDMFileArchitecture : public TDMFileObject {
 public:
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   tdm::FileParameters parameters;
-  std::optional<std::string> base;
+  std::optional<tdm::Text> base;
   tdm::ExpressionList baseArguments;
   tdm::RecordList<std::unique_ptr<TDMFileBus>> buses;
   tdm::RecordList<std::unique_ptr<TDMFileSpace>> spaces;
@@ -46,14 +46,14 @@ public:
 /// `core`. Keys "name", "archName", "copyTableCoreName", "copyTableSpaceName", "startAddress".
 class TDMFileCore : public TDMFileObject {
 public:
-  std::optional<std::string> name;
-  std::optional<std::string> archName;
+  std::optional<tdm::Text> name;
+  std::optional<tdm::Text> archName;
   tdm::ExpressionList arguments;
   std::vector<std::int32_t> endianness; ///< tdm::FileEndianness, in the order of the text
   std::unique_ptr<TDMFileStartAddress> startAddress;
-  std::optional<std::string> copyTableCoreName;
-  std::optional<std::string> copyTableSpaceName;
-  std::vector<std::string> imports;
+  std::optional<tdm::Text> copyTableCoreName;
+  std::optional<tdm::Text> copyTableSpaceName;
+  std::vector<tdm::Text> imports;
   std::int32_t spaceIdOffset = 0;
 };
 
@@ -68,9 +68,9 @@ public:
 /// `section_setup`. Keys "section_setup", "cpuName", "coreName", "spaceName", "startAddress".
 class TDMFileSectionSetup : public TDMFileObject {
 public:
-  std::optional<std::string> cpuName;
-  std::optional<std::string> coreName;
-  std::optional<std::string> spaceName; ///< several names are joined by '|'
+  std::optional<tdm::Text> cpuName;
+  std::optional<tdm::Text> coreName;
+  std::optional<tdm::Text> spaceName; ///< several names are joined by '|'
   tdm::RecordList<std::unique_ptr<TDMFileVectorTable>> vectorTables;
   tdm::RecordList<tdm::FileRange> reservedRanges;
   tdm::RecordList<std::unique_ptr<TDMFileStackDef>> stacks;
@@ -84,9 +84,9 @@ public:
 /// `derivative`. Keys "name", "base".
 class TDMFileDerivative : public TDMFileObject {
 public:
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   tdm::FileParameters parameters;
-  std::optional<std::string> base;
+  std::optional<tdm::Text> base;
   tdm::ExpressionList baseArguments;
   tdm::RecordList<std::unique_ptr<TDMFileCore>> cores;
   tdm::RecordList<std::unique_ptr<TDMFileBus>> buses;
@@ -98,8 +98,8 @@ public:
 /// `processor`. Keys "name", "derivativeName".
 class TDMFileCPU : public TDMFileObject {
 public:
-  std::optional<std::string> name;
-  std::optional<std::string> derivativeName;
+  std::optional<tdm::Text> name;
+  std::optional<tdm::Text> derivativeName;
   tdm::ExpressionList arguments;
 };
 

@@ -35,7 +35,7 @@ struct TDMFileVectorValue {
 
   SourceLocations sourceLocations;
   int type = 0; ///< tdm::VectorValueType
-  std::string symbolName;
+  tdm::Text symbolName;
   std::vector<std::int64_t> values;
   tdm::ExpressionPtr loopOffset;
 };
@@ -52,15 +52,15 @@ struct TDMFileVector {
 /// "run_address", "template_name", "template_symbol_name", "vector_name_prefix", "default_inline".
 class TDMFileVectorTable : public TDMFileObject {
 public:
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
   tdm::ExpressionPtr vectorSize;
   tdm::ExpressionPtr size;
-  std::optional<std::string> idSymbolPrefix;
+  std::optional<tdm::Text> idSymbolPrefix;
   tdm::ExpressionPtr address;
-  std::optional<std::string> memoryName;
-  std::optional<std::string> templateName;
-  std::optional<std::string> templateSymbolName;
-  std::optional<std::string> vectorNamePrefix;
+  std::optional<tdm::Text> memoryName;
+  std::optional<tdm::Text> templateName;
+  std::optional<tdm::Text> templateSymbolName;
+  std::optional<tdm::Text> vectorNamePrefix;
   bool defaultInline = true;
   bool copy = false;
   std::unique_ptr<TDMFileVectorValue> defaultValue;
@@ -70,7 +70,7 @@ public:
 /// `table` of a copy table. Key "table".
 class TDMFileCopySubTable : public TDMFileObject {
 public:
-  std::optional<std::string> symbol;
+  std::optional<tdm::Text> symbol;
   tdm::RecordList<std::unique_ptr<TDMFileCopySubTableSpace>> spaces;
 };
 
@@ -80,7 +80,7 @@ class TDMFileCopyTable : public TDMFileObject {
 public:
   tdm::ExpressionPtr alignment;
   tdm::ExpressionPtr copyUnit;
-  std::optional<std::string> defaultCopyDestination;
+  std::optional<tdm::Text> defaultCopyDestination;
   tdm::RecordList<tdm::FileDestination> destinations;
   bool pageRestrictROMCopies = false;
   tdm::RecordList<std::unique_ptr<TDMFileCopySubTable>> subTables;
@@ -91,20 +91,20 @@ public:
 class TDMFileDirectInit : public TDMFileObject {
 public:
   tdm::ExpressionPtr alignment;
-  std::optional<std::string> defaultDestination;
+  std::optional<tdm::Text> defaultDestination;
   tdm::RecordList<tdm::FileDestination> destinations;
 };
 
 /// `bank`. Keys "bank", and beside each field below.
 class TDMFileBankDef : public TDMFileObject {
 public:
-  std::optional<std::string> stubTemplate;   ///< "stub_template"
-  std::optional<std::string> stubArgBank;    ///< "stub_arg_bank"
-  std::optional<std::string> stubArgAddress; ///< "stub_arg_address"
-  std::optional<std::string> stubArgSwitch;  ///< "stub_arg_switch"
-  std::optional<std::string> stubPrefix;     ///< "stub_prefix"
-  std::optional<std::string> switchTemplate; ///< "switch_template"
-  std::optional<std::string> switchArgBank;  ///< "switch_arg_bank"
-  std::optional<std::string> switchPrefix;   ///< "switch_prefix"
-  std::optional<std::string> spaceName;      ///< "space_name"
+  std::optional<tdm::Text> stubTemplate;   ///< "stub_template"
+  std::optional<tdm::Text> stubArgBank;    ///< "stub_arg_bank"
+  std::optional<tdm::Text> stubArgAddress; ///< "stub_arg_address"
+  std::optional<tdm::Text> stubArgSwitch;  ///< "stub_arg_switch"
+  std::optional<tdm::Text> stubPrefix;     ///< "stub_prefix"
+  std::optional<tdm::Text> switchTemplate; ///< "switch_template"
+  std::optional<tdm::Text> switchArgBank;  ///< "switch_arg_bank"
+  std::optional<tdm::Text> switchPrefix;   ///< "switch_prefix"
+  std::optional<tdm::Text> spaceName;      ///< "space_name"
 };

@@ -9,10 +9,10 @@
 
 namespace {
 
-TDMSpace *find_destination(const TDMFileObject &record, const std::string &name, LocationKey key,
+TDMSpace *find_destination(const TDMFileObject &record, tdm::Text name, LocationKey key,
                            const tdm::SpaceLookup &lookup)
 {
-  TDMSpace *space = lookup.find(name);
+  TDMSpace *space = lookup.find(name.str());
   if (space == nullptr)
     throw new TDMSyntaxException(tdm::place_of(record, key),
                                  "Could not resolve space reference " + name);

@@ -40,13 +40,13 @@ private:
   {
     if (record_.memoryName)
       location_->memory = find_memory(
-          context_, *record_.memoryName,
+          context_, record_.memoryName->str(),
           "memory reference for a run-time or load-time address of a group", memory_place());
     for (const auto &range : record_.ranges) {
       TDMGroupLocation::Range &made = location_->ranges.emplace_back();
       if (range->memoryName)
         made.memory =
-            find_memory(context_, *range->memoryName,
+            find_memory(context_, range->memoryName->str(),
                         "memory reference for a run-time or load-time address range of a group",
                         memory_place());
     }
@@ -62,9 +62,10 @@ private:
             find_mapping(*record_.ranges[i]->mappingName, *location_->ranges[i].memory.object);
   }
 
-  const TDMMapping *find_mapping(const std::string &name, const TDMMapDestination &memory) const
+  const TDMMapping *find_mapping(Text name, const TDMMapDestination &memory) const
   {
-    if (const TDMMapping *mapping = context_.memories->find_mapping(memory, name)) return mapping;
+    if (const TDMMapping *mapping = context_.memories->find_mapping(memory, name.str()))
+      return mapping;
     std::string memory_name;
     memory.get_full_name(memory_name);
     throw new TDMSyntaxException(memory_place(),

@@ -70,14 +70,6 @@ private:
     }
   }
 
-  /// A text of a record. It isn't read there again, but for the records of a template, which is
-  /// built any number of times.
-  template <class Text> Text take(const Text &text) const
-  {
-    if (context_.takes_texts) return std::move(const_cast<Text &>(text));
-    return text;
-  }
-
   template <class Statement> std::unique_ptr<Statement> start(const TDMFileObject &record)
   {
     auto statement = std::make_unique<Statement>();
@@ -88,7 +80,7 @@ private:
   std::unique_ptr<TDMStatement> assignment(const TDMFileAssignment &record)
   {
     auto statement = start<TDMAssignment>(record);
-    statement->symbol = take(record.symbolName);
+    statement->symbol = record.symbolName;
     statement->op = record.op;
     statement->value = translate(record, "value", record.value);
     if (record.op != kAssign && record.op != kAssignColon)
@@ -110,7 +102,7 @@ private:
 
   std::unique_ptr<TDMStatement> selection(const TDMFileSelectSectionStatement &record)
   {
-    auto statement = build_selection(record, take(record.sectionName));
+    auto statement = build_selection(record);
     if (const std::string *name = statement->literal_section_name())
       context_.names.referenced_names.push_back(name->c_str());
     return statement;
@@ -119,7 +111,7 @@ private:
   std::unique_ptr<TDMStatement> heap(const TDMFileHeapStatement &record)
   {
     auto statement = start<TDMHeapStatement>(record);
-    statement->name = take(record.sectionName);
+    statement->name = record.sectionName;
     statement->size = translate(record, "size", record.size);
     return statement;
   }
@@ -127,7 +119,7 @@ private:
   std::unique_ptr<TDMStatement> stack(const TDMFileStackStatement &record)
   {
     auto statement = start<TDMStackStatement>(record);
-    statement->name = take(record.name);
+    statement->name = record.name;
     statement->size = translate(record, "size", record.size);
     return statement;
   }
@@ -135,7 +127,7 @@ private:
   std::unique_ptr<TDMStatement> reserved(const TDMFileReservedStatement &record)
   {
     auto statement = start<TDMReservedStatement>(record);
-    statement->name = take(record.sectionName);
+    statement->name = record.sectionName;
     statement->size = translate(record, "size", record.size);
     statement->attributes = attributes_of(record.attributes);
     statement->fill = fill(record, record.fillSpec);
@@ -147,9 +139,9 @@ private:
   std::unique_ptr<TDMStatement> create_section(const TDMFileSectionCreationStatement &record)
   {
     auto statement = start<TDMCreateSectionStatement>(record);
-    statement->name = take(record.sectionName);
+    statement->name = record.sectionName;
     set_section_size(*statement, record);
-    statement->overflow_name = take(record.overflowSectionName);
+    statement->overflow_name = record.overflowSectionName;
     statement->attributes = attributes_of(record.attributes);
     statement->fill = fill(record, record.fillSpec);
     statement->statement = block(*record.statement);
@@ -175,10 +167,10 @@ private:
   std::unique_ptr<TDMStatement> memory_copy(const TDMFileMemCopyStatement &record)
   {
     auto statement = start<TDMMemoryCopyStatement>(record);
-    statement->name = take(record.sectionName);
+    statement->name = record.sectionName;
     if (!record.memName)
       fail_at(record, "sectionName", "memory attribute required for memory copy statement");
-    statement->memory = find_memory(context_, *record.memName, "a memcopy memory reference",
+    statement->memory = find_memory(context_, record.memName->str(), "a memcopy memory reference",
                                     place(record, "memName"));
     statement->fill = fill(record, record.fillSpec);
     return statement;
@@ -187,7 +179,7 @@ private:
   std::unique_ptr<TDMStatement> struct_statement(const TDMFileStructStatement &record)
   {
     auto statement = start<TDMStructStatement>(record);
-    statement->name = take(record.sectionName);
+    statement->name = record.sectionName;
     statement->members.reserve(record.members.size());
     for (const auto &member : record.members)
       statement->members.emplace_back(translate(record, "sectionName", member.value), member.size);
@@ -197,7 +189,7 @@ private:
   std::unique_ptr<TDMStatement> group(const TDMFileGroup &record)
   {
     auto group = start<TDMGroup>(record);
-    group->name = take(record.name);
+    group->name = record.name;
     if (group->name) enter_group_name(*group->name, record);
     copy_rules(*group, record);
     translate_rules(*group, record);
@@ -216,7 +208,7 @@ private:
               "group " + name + " defined more than once for core " + context_.core.text());
   }
 
-  void copy_rules(TDMGroup &group, const TDMFileGroup &record) const
+  static void copy_rules(TDMGroup &group, const TDMFileGroup &record)
   {
     group.contiguous = record.contiguous;
     group.clustered = record.clustered;
@@ -227,7 +219,7 @@ private:
     if (record.attributes) group.attributes = attributes_of(*record.attributes);
     group.paged = record.paged;
     group.cross_references = record.crossReferences;
-    group.output_section_name = take(record.outputSectionName);
+    group.output_section_name = record.outputSectionName;
     group.load_time = record.loadTimeGroup;
     group.priority = record.priority;
   }
@@ -298,20 +290,15 @@ std::unique_ptr<TDMSectionLayout> build_section_layout(const TDMFileSectionLayou
   return layout;
 }
 
-std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record,
-                                                       std::optional<std::string> name)
+std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record)
 {
-  auto statement = std::make_unique<TDMSelectionStatement>(record.sourceLocations, std::move(name));
+  auto statement = std::make_unique<TDMSelectionStatement>(
+      record.sourceLocations, std::optional<std::string>(record.sectionName));
   statement->use_reference_tree = record.referenceTree;
   statement->selectors.reserve(record.selectors.size());
   for (const auto &selector : record.selectors)
     statement->selectors.push_back(build_selector(*selector));
   return statement;
-}
-
-std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record)
-{
-  return build_selection(record, record.sectionName);
 }
 
 std::unique_ptr<TDMSectionSelector> build_selector(const TDMFileSelector &record)

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "layout/layout_space.h"
@@ -36,7 +35,6 @@ struct LayoutContext {
   const MemoryLookup *memories; ///< null inside the definition of a space: none can be named there
   SectionNames &names;          ///< of the core
   CoreName core;
-  bool takes_texts = false; ///< out of the records, which nobody reads any more
 };
 
 [[nodiscard]] std::unique_ptr<TDMSectionLayout>
@@ -45,11 +43,7 @@ build_section_layout(const TDMFileSectionLayout &record, const LayoutContext &co
 [[nodiscard]] std::unique_ptr<TDMVectorTable> build_vector_table(const TDMFileVectorTable &record,
                                                                  const LayoutContext &context);
 
-/// A selection of that name with its selectors. A wrong pattern is refused.
-[[nodiscard]] std::unique_ptr<TDMSelectionStatement>
-build_selection(const TDMFileSelectSectionStatement &record, std::optional<std::string> name);
-
-/// The same with the record's own name.
+/// A selection with its selectors. A wrong pattern is refused.
 [[nodiscard]] std::unique_ptr<TDMSelectionStatement>
 build_selection(const TDMFileSelectSectionStatement &record);
 

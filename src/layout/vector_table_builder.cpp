@@ -54,7 +54,7 @@ private:
   void map_run_address()
   {
     const TDMSourceLocation place = place_of(record_, "run_address");
-    const LayoutMemory memory = find_memory(context_, *record_.memoryName,
+    const LayoutMemory memory = find_memory(context_, record_.memoryName->str(),
                                             "memory reference for a vector table entry", place);
     const AddressValue position(table_->run_address->value(), 0, memory.object->get_mau_size());
     const auto routes = memory_to_space(context_.space, *memory.object, nullptr, position);

@@ -130,7 +130,7 @@ std::vector<TDMSpace *> CoreSpaceLookup::resolve(const TDMFileCopySubTableSpace 
   if (reference.coreName)
     throw new TDMSyntaxException(place_of(reference, "coreName"),
                                  "core name not allowed in space reference");
-  const std::string names = reference.spaceName.value_or("");
+  const Text names = reference.spaceName.value_or("");
   std::vector<TDMSpace *> members;
   for (size_t begin = 0, end = 0; end != std::string::npos; begin = end + 1) {
     end = names.find('|', begin);

@@ -32,7 +32,7 @@ std::unique_ptr<TDMFileCore> make_core(const TDMFileArchitecture &architecture)
   return core;
 }
 
-std::unique_ptr<TDMFileBus> make_bus(const TDMFileBus &of_core, const std::string &core)
+std::unique_ptr<TDMFileBus> make_bus(const TDMFileBus &of_core, Text core)
 {
   auto bus = std::make_unique<TDMFileBus>();
   bus->name = of_core.name;
@@ -43,7 +43,7 @@ std::unique_ptr<TDMFileBus> make_bus(const TDMFileBus &of_core, const std::strin
     copy_location(of_core, key, *bus, key);
 
   auto mapping = std::make_unique<TDMFileMapping>();
-  mapping->destination = core + ":" + of_core.name.value_or("");
+  mapping->destination = Text::joined(core, ':', of_core.name.value_or(""));
   mapping->destinationKind = 1;
   mapping->size = std::make_unique<TDMExprNumber>(whole_bus);
   copy_location(of_core, "name", *mapping, "destination");

@@ -147,7 +147,7 @@ private:
                                          " not found for core " + core.name);
       core.copytable_space = other->find_space(record.copyTableSpaceName.value_or(""));
     }
-    for (const std::string &name : record.imports) {
+    for (const Text name : record.imports) {
       TDMCore *other = processor_.find_core(name);
       if (other == nullptr)
         throw new TDMSyntaxException(place_of(record, "name"),
@@ -204,7 +204,7 @@ void TDMProcessor::instantiate(const TDMFileDerivative &derivative, tdm::Argumen
   tdm::NameSet seen;
   parameter_names.reserve(derivative.parameters.size());
   for (const tdm::FileParameter &parameter : derivative.parameters)
-    if (seen.add(parameter.name)) parameter_names.push_back(parameter.name);
+    if (seen.add(parameter.name)) parameter_names.push_back(parameter.name.str());
   for (const auto &core : cores) core->check(runner);
 }
 

@@ -100,8 +100,7 @@ private:
 
 /// Calls with what can be named in a layout of the target.
 template <class Build>
-void SectionItems::with_context(const Target &target, const ArgumentScope &scope, Build build,
-                                bool takes_texts)
+void SectionItems::with_context(const Target &target, const ArgumentScope &scope, Build build)
 {
   const TargetMemories memories(targets_, *target.processor);
   LayoutMemoryReferences references(memories, target.space->layout_view());
@@ -110,29 +109,15 @@ void SectionItems::with_context(const Target &target, const ArgumentScope &scope
                       target.space->layout_view(),
                       &memories,
                       target.core->section_names,
-                      {*target.core->processor_name, target.core->name},
-                      takes_texts});
+                      {*target.core->processor_name, target.core->name}});
 }
 
 void SectionItems::add_layout(const TDMFileSectionLayout &record, const ArgumentScope &scope)
 {
-  add_layout(record, scope, false);
-}
-
-void SectionItems::add_layout(std::unique_ptr<TDMFileSectionLayout> record,
-                              const ArgumentScope &scope)
-{
-  add_layout(*record, scope, true);
-}
-
-void SectionItems::add_layout(const TDMFileSectionLayout &record, const ArgumentScope &scope,
-                              bool takes_texts)
-{
   const Target target = targets_.find(record);
-  const auto build = [&](const LayoutContext &context) {
+  with_context(target, scope, [&](const LayoutContext &context) {
     target.space->section_layouts.push_back(build_section_layout(record, context));
-  };
-  with_context(target, scope, build, takes_texts);
+  });
 }
 
 void SectionItems::apply_setup(const TDMFileSectionSetup &record, const ArgumentScope &scope)

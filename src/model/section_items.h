@@ -21,8 +21,6 @@ public:
   explicit SectionItems(SectionTargets targets) : targets_(std::move(targets)) {}
 
   void add_layout(const TDMFileSectionLayout &record, const ArgumentScope &scope);
-  /// Of a record that nobody else needs.
-  void add_layout(std::unique_ptr<TDMFileSectionLayout> record, const ArgumentScope &scope);
   /// Adds to what the space has from its own definition, item by item in a fixed order.
   void apply_setup(const TDMFileSectionSetup &record, const ArgumentScope &scope);
 
@@ -36,9 +34,7 @@ public:
 
 private:
   template <class Build>
-  void with_context(const Target &target, const ArgumentScope &scope, Build build,
-                    bool takes_texts = false);
-  void add_layout(const TDMFileSectionLayout &record, const ArgumentScope &scope, bool takes_texts);
+  void with_context(const Target &target, const ArgumentScope &scope, Build build);
   static void add_reserved_ranges(const TDMFileSectionSetup &record, const ArgumentScope &scope,
                                   TDMSpace &space);
   void add_copy_table(const TDMFileSectionSetup &record, const ArgumentScope &scope,

@@ -30,11 +30,6 @@ constexpr TargetWords setup_words = {"section_setup", "no processor specified fo
                                      "no core specified for section setup",
                                      "no space specified for section setup", " for section setup"};
 
-const std::string *given(const std::optional<std::string> &name)
-{
-  return name ? &*name : nullptr;
-}
-
 TDMSourceLocation place_of(const TDMFileObject &record, LocationKey key, LocationKey otherwise)
 {
   if (const TDMSourceLocation *found = record.find_location(key)) return *found;
@@ -98,7 +93,7 @@ template <class Record>
 SectionTargets::Target SectionTargets::find(const Record &record, const TargetWords &words)
 {
   const TDMSourceLocation place = place_of(record, words.key, "spaceName");
-  TDMProcessor &processor = find_processor(given(record.cpuName), words, place);
+  TDMProcessor &processor = find_processor(record.cpuName, words, place);
 
   TDMCore *core =
       record.coreName ? processor.find_core(*record.coreName) : only_one(processor.cores);
@@ -109,7 +104,7 @@ SectionTargets::Target SectionTargets::find(const Record &record, const TargetWo
 
   const TDMSourceLocation space_place = place_of(record, "spaceName", words.key);
   TDMSpace *space = record.spaceName
-                        ? find_space(processor, *core, *record.spaceName, space_place, place)
+                        ? find_space(processor, *core, record.spaceName->str(), space_place, place)
                         : only_space(*core);
   if (space == nullptr)
     throw new TDMSyntaxException(
@@ -118,16 +113,15 @@ SectionTargets::Target SectionTargets::find(const Record &record, const TargetWo
   return {&processor, core, space};
 }
 
-TDMProcessor &SectionTargets::find_processor(const std::string *name, const TargetWords &words,
+TDMProcessor &SectionTargets::find_processor(const std::optional<Text> &name,
+                                             const TargetWords &words,
                                              const TDMSourceLocation &place) const
 {
   if (processor_ != nullptr) return *processor_;
-  TDMProcessor *processor =
-      name != nullptr ? spec_->find_processor(*name) : only_one(spec_->processors);
+  TDMProcessor *processor = name ? spec_->find_processor(*name) : only_one(spec_->processors);
   if (processor == nullptr)
-    throw new TDMSyntaxException(place, name != nullptr
-                                            ? "could not find processor " + *name + words.purpose
-                                            : words.no_processor);
+    throw new TDMSyntaxException(place, name ? "could not find processor " + *name + words.purpose
+                                             : words.no_processor);
   return *processor;
 }
 
@@ -193,7 +187,7 @@ TDMSpace *SectionTargets::resolve(const TDMFileCopySubTableSpace &reference)
                                  "could not find core with name \"" + *reference.coreName + "\"");
   }
   const TDMSourceLocation place = place_of(reference, "spaceName", "spaceRef");
-  return find_space(processor, *core, reference.spaceName.value_or(""), place, place);
+  return find_space(processor, *core, reference.spaceName.value_or("").str(), place, place);
 }
 
 TDMProcessor &SectionTargets::referenced_processor(const TDMFileCopySubTableSpace &reference) const

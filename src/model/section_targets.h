@@ -7,12 +7,14 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "common/source_location.h"
+#include "language/text.h"
 #include "layout/layout_space.h"
 #include "model/clone_space_registry.h"
 
@@ -66,7 +68,7 @@ private:
   using NamedMappings = std::unordered_map<std::string_view, const TDMMapping *>;
 
   template <class Record> Target find(const Record &record, const TargetWords &words);
-  TDMProcessor &find_processor(const std::string *name, const TargetWords &words,
+  TDMProcessor &find_processor(const std::optional<Text> &name, const TargetWords &words,
                                const TDMSourceLocation &place) const;
   /// `place` is that of the name, `asked` that of the definition.
   TDMSpace *find_space(TDMProcessor &processor, TDMCore &core, const std::string &name,

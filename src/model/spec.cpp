@@ -95,7 +95,10 @@ void TDMSpec::add_section_items(TDMFileInterface &records)
   const tdm::ArgumentScope no_parameters;
   tdm::SectionItems items((tdm::SectionTargets(*this)));
   for (const auto &setup : records.sectionSetups) items.apply_setup(*setup, no_parameters);
-  for (auto &layout : records.sectionLayouts) items.add_layout(std::move(layout), no_parameters);
+  for (auto &layout : records.sectionLayouts) {
+    items.add_layout(*layout, no_parameters);
+    layout.reset();
+  }
 }
 
 void TDMSpec::create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner)
@@ -116,7 +119,7 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
                                         const tdm::Templates &templates,
                                         const tdm::CheckRunner &runner)
 {
-  std::unordered_set<std::string> bases;
+  std::unordered_set<std::string_view> bases;
   for (const auto &record : records.architectures)
     if (record->base && *record->base != *record->name) bases.insert(*record->base);
   for (const auto &record : records.architectures) {

@@ -12,13 +12,13 @@ Templates::Templates(const tdm::RecordList<std::unique_ptr<TDMFileArchitecture>>
   for (const auto &record : derivatives) derivatives_.emplace(*record->name, record.get());
 }
 
-const TDMFileArchitecture *Templates::architecture(const std::string &name) const
+const TDMFileArchitecture *Templates::architecture(std::string_view name) const
 {
   const auto found = architectures_.find(name);
   return found != architectures_.end() ? found->second : nullptr;
 }
 
-const TDMFileDerivative *Templates::derivative(const std::string &name) const
+const TDMFileDerivative *Templates::derivative(std::string_view name) const
 {
   const auto found = derivatives_.find(name);
   return found != derivatives_.end() ? found->second : nullptr;

@@ -23,8 +23,8 @@ public:
             const tdm::RecordList<std::unique_ptr<TDMFileDerivative>> &derivatives);
 
   /// The first definition of exactly that name, or null.
-  [[nodiscard]] const TDMFileArchitecture *architecture(const std::string &name) const;
-  [[nodiscard]] const TDMFileDerivative *derivative(const std::string &name) const;
+  [[nodiscard]] const TDMFileArchitecture *architecture(std::string_view name) const;
+  [[nodiscard]] const TDMFileDerivative *derivative(std::string_view name) const;
 
 private:
   std::unordered_map<std::string_view, const TDMFileArchitecture *> architectures_;

@@ -144,6 +144,13 @@ TEST(Scope, SubstitutesVariablesOnce)
             "[\"file\" 7/20] syntax error: TDM variable \"z\" is used but not defined");
 }
 
+/// The name of a parameter.
+tdm::Text numbered(int i)
+{
+  tdm::string_pool_start();
+  return tdm::Text::of("p" + std::to_string(i));
+}
+
 const std::string too_large =
     "[\"file\" 7/9] syntax error: expression too large, the limit is 1000000 terms";
 
@@ -152,7 +159,7 @@ TEST(Scope, EndsExplosions)
   tdm::ArgumentScope doubling;
   doubling.bind("p0", num(1));
   for (int i = 1; i <= 60; ++i) {
-    const std::string below = "p" + std::to_string(i - 1);
+    const tdm::Text below = numbered(i - 1);
     doubling.bind("p" + std::to_string(i), binary(4, var(below), var(below)));
   }
   EXPECT_EQ(tdm::evaluate(*var("p12"), doubling, here), 4096);
@@ -231,8 +238,7 @@ void run_through_deep_trees()
 void run_through_long_chains()
 {
   tdm::ArgumentScope scope;
-  for (int i = 0; i < depth; ++i)
-    scope.bind("p" + std::to_string(i), var("p" + std::to_string(i + 1)));
+  for (int i = 0; i < depth; ++i) scope.bind("p" + std::to_string(i), var(numbered(i + 1)));
   scope.bind("p" + std::to_string(depth), num(3));
   EXPECT_EQ(tdm::evaluate(*var("p0"), scope, here), 3);
   scope.bind("p" + std::to_string(depth), var("p1"));

@@ -33,14 +33,14 @@ inline ExpressionPtr num(std::int64_t value)
   return std::make_unique<TDMExprNumber>(value);
 }
 
-inline ExpressionPtr var(const std::string &name, bool located = false)
+inline ExpressionPtr var(tdm::Text name, bool located = false)
 {
   auto record = std::make_unique<TDMExprVarRef>(name);
   if (located) record->store_location("name", inside);
   return record;
 }
 
-inline ExpressionPtr symbol(const std::string &name, bool located = false)
+inline ExpressionPtr symbol(tdm::Text name, bool located = false)
 {
   auto record = std::make_unique<TDMExprSymbolRef>(name);
   if (located) record->store_location("name", inside);
@@ -62,17 +62,17 @@ inline ExpressionPtr conditional(ExpressionPtr test, ExpressionPtr first, Expres
   return std::make_unique<TDMExprConditional>(std::move(test), std::move(first), std::move(second));
 }
 
-inline ExpressionPtr exists(const std::string &section)
+inline ExpressionPtr exists(tdm::Text section)
 {
   return std::make_unique<TDMExprExists>(section);
 }
 
-inline ExpressionPtr defined(const std::string &name)
+inline ExpressionPtr defined(tdm::Text name)
 {
   return std::make_unique<TDMExprDefined>(name);
 }
 
-inline ExpressionPtr address_of(std::int32_t kind, const std::string &name, bool located = false)
+inline ExpressionPtr address_of(std::int32_t kind, tdm::Text name, bool located = false)
 {
   auto record = std::make_unique<TDMExprAddress>();
   record->objType = kind;
@@ -83,7 +83,7 @@ inline ExpressionPtr address_of(std::int32_t kind, const std::string &name, bool
   return record;
 }
 
-inline ExpressionPtr size_of(std::int32_t kind, const std::string &name, bool located = false)
+inline ExpressionPtr size_of(std::int32_t kind, tdm::Text name, bool located = false)
 {
   auto record = std::make_unique<TDMExprSizeOf>();
   record->objType = kind;

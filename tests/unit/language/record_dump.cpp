@@ -39,9 +39,9 @@ std::string dump(const TDMFileCore &core);
 std::string dump(const TDMFileDerivative &derivative);
 std::string dump(const TDMFileCPU &processor);
 
-std::string dump(const std::string &text)
+std::string dump(std::string_view text)
 {
-  return text;
+  return std::string(text);
 }
 std::string dump(std::int32_t number)
 {
@@ -64,7 +64,7 @@ std::string dump(const tdm::FileParameter &parameter)
 
 std::string dump(const tdm::FileDestination &pair)
 {
-  return pair.source + '>' + pair.destination;
+  return pair.source.str() + '>' + pair.destination;
 }
 
 std::string dump(const TDMFileStructStatement::Member &member)
@@ -116,9 +116,9 @@ std::optional<std::string> shown(bool flag)
 {
   return flag ? std::optional<std::string>("") : std::nullopt;
 }
-std::optional<std::string> shown(const std::string &text)
+std::optional<std::string> shown(std::string_view text)
 {
-  return text.empty() ? text : '=' + text;
+  return text.empty() ? std::string() : '=' + std::string(text);
 }
 template <typename Pointer>
 requires requires(const Pointer &p)
@@ -422,9 +422,9 @@ std::string head(const TDMFileExpression &expression)
   case tdm::kExprNumber:
     return std::to_string(static_cast<const TDMExprNumber &>(expression).value);
   case tdm::kExprVarRef:
-    return static_cast<const TDMExprVarRef &>(expression).name;
+    return static_cast<const TDMExprVarRef &>(expression).name.str();
   case tdm::kExprSymbolRef:
-    return '"' + static_cast<const TDMExprSymbolRef &>(expression).name + '"';
+    return "\"" + static_cast<const TDMExprSymbolRef &>(expression).name + '"';
   case tdm::kExprUnary:
     return unary_operators[static_cast<const TDMExprUnaryApplication &>(expression).op];
   case tdm::kExprBinary:
