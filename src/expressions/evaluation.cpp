@@ -37,8 +37,8 @@ void check_operator(const TDMUnaryApplication &node, const TDMSourceLocation &pl
 /// The child whose value is needed next, or null.
 TDMExpression *ExpressionTree::pending_child(const TDMExpression &node)
 {
-  const auto open = [&node](std::size_t n) { return !node.children_[n]->has_memo_; };
-  const auto child = [&node](std::size_t n) { return node.children_[n].get(); };
+  const auto open = [&node](std::size_t n) { return !node.children()[n]->has_memo_; };
+  const auto child = [&node](std::size_t n) { return node.children()[n].get(); };
   if (open(0)) return child(0);
   const bool first = child(0)->memo_ != 0;
   switch (node.shape_) {
@@ -63,7 +63,7 @@ TDMExpression *ExpressionTree::pending_child(const TDMExpression &node)
 std::int64_t ExpressionTree::combine(const TDMExpression &node, TDMExpressionEnv *env,
                                      bool layout_data)
 {
-  const auto value = [&node](std::size_t n) { return node.children_[n]->memo_; };
+  const auto value = [&node](std::size_t n) { return node.children()[n]->memo_; };
   switch (node.shape_) {
   case Shape::unary:
     return apply_unary(static_cast<const TDMUnaryApplication &>(node).op(), value(0));

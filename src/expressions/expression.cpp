@@ -100,8 +100,8 @@ std::unique_ptr<TDMExpression> ExpressionTree::clone(const TDMExpression &root)
   pending.push({&root, result.get()});
   while (!pending.empty()) {
     const Pair pair = pending.pop();
-    for (std::size_t n = 0; n < pair.from->children_.size(); ++n) {
-      const TDMExpression &child = *pair.from->children_[n];
+    for (std::size_t n = 0; n < pair.from->children().size(); ++n) {
+      const TDMExpression &child = *pair.from->children()[n];
       slot(*pair.to, n) = copy_without_children(child);
       if (child.shape_ != Shape::leaf) pending.push({&child, slot(*pair.to, n).get()});
     }
@@ -115,7 +115,7 @@ void ExpressionTree::dismantle(TDMExpression &root) noexcept
 {
   TDMExpression *doomed = nullptr;
   const auto take_children = [&doomed](TDMExpression &parent) {
-    for (std::unique_ptr<TDMExpression> &child : parent.children_) {
+    for (std::unique_ptr<TDMExpression> &child : parent.children()) {
       if (!child) continue;
       child->memo_ = static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(doomed));
       doomed = child.release();

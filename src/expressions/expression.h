@@ -102,7 +102,20 @@ private:
   using Children = std::span<std::unique_ptr<TDMExpression>>;
 
   /// The children are stored by the derived class, and may still be filled in after construction.
-  TDMExpression(Shape shape, Children children) : shape_(shape), children_(children) {}
+  TDMExpression(Shape shape, Children children)
+      : shape_(shape), child_count_(static_cast<std::uint8_t>(children.size())),
+        child_distance_(static_cast<std::uint16_t>(reinterpret_cast<char *>(children.data()) -
+                                                   reinterpret_cast<char *>(this)))
+  {
+  }
+
+  /// What the derived class stores, without a pointer for each of a million objects.
+  [[nodiscard]] Children children() const
+  {
+    char *object = reinterpret_cast<char *>(const_cast<TDMExpression *>(this));
+    return {reinterpret_cast<std::unique_ptr<TDMExpression> *>(object + child_distance_),
+            child_count_};
+  }
 
   void keep(std::int64_t value)
   {
@@ -113,5 +126,6 @@ private:
   std::int64_t memo_ = 0;
   bool has_memo_ = false;
   Shape shape_ = Shape::leaf;
-  Children children_;
+  std::uint8_t child_count_ = 0;
+  std::uint16_t child_distance_ = 0; ///< of the first one from the object's beginning, in bytes
 };

@@ -29,7 +29,7 @@ struct ExpressionTree {
   /// Where child number n goes of an object that was made without its children.
   static std::unique_ptr<TDMExpression> &slot(const TDMExpression &parent, std::size_t n)
   {
-    return parent.children_[n];
+    return parent.children()[n];
   }
 
   static Shape shape(const TDMExpression &node) { return node.shape_; }
@@ -49,8 +49,8 @@ struct ExpressionTree {
 private:
   template <typename Stack> static void push_children(Stack &pending, const TDMExpression &node)
   {
-    for (std::size_t n = node.children_.size(); n > 0; --n)
-      pending.push(node.children_[n - 1].get());
+    for (std::size_t n = node.children().size(); n > 0; --n)
+      pending.push(node.children()[n - 1].get());
   }
 
   static TDMExpression *pending_child(const TDMExpression &node);

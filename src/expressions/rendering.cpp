@@ -140,7 +140,7 @@ ExprlibNode *ExpressionTree::render(TDMExpression &root, TDMExpressionEnv *env)
   while (!waiting.empty()) {
     Waiting &current = waiting.top();
     TDMExpression &node = *current.node;
-    if (node.children_.empty() || node.shape_ == Shape::checksum) {
+    if (node.children().empty() || node.shape_ == Shape::checksum) {
       waiting.pop();
       nodes.push_back(NodePtr(node.to_exprlib(env)));
       continue;
@@ -148,14 +148,14 @@ ExprlibNode *ExpressionTree::render(TDMExpression &root, TDMExpressionEnv *env)
     const std::int32_t code = code_of(node);
     if (!current.children_done) {
       current.children_done = true;
-      for (std::size_t n = node.children_.size(); n > 0; --n)
-        waiting.push({node.children_[n - 1].get(), false});
+      for (std::size_t n = node.children().size(); n > 0; --n)
+        waiting.push({node.children()[n - 1].get(), false});
       continue;
     }
     waiting.pop();
     if (code == 0) continue; // parentheses are what they enclose
     const bool complement = node.shape_ == Shape::unary && code == EXPRLIB_XOR;
-    apply(nodes, node.children_.size(), code, complement, env);
+    apply(nodes, node.children().size(), code, complement, env);
   }
   return nodes.back().release();
 }
