@@ -348,8 +348,8 @@ void TDMParser::memory_location(TDMFileGroupLocation &location)
   consume();
   tdm::ExpressionPtr low = expression(location, "address");
   if (accept(RBRACK)) {
-    location.memoryName = std::move(range->memoryName);
-    location.mappingName = std::move(range->mappingName);
+    location.memoryName = range->memoryName;
+    location.mappingName = range->mappingName;
     location.address = std::move(low);
     return;
   }

@@ -307,7 +307,7 @@ void TDMParser::memcopy_property(TDMFileMemCopyStatement &record)
     if (record.memName)
       throw new TDMFileSyntaxException("trying to set memory name twice for memory copy \"" +
                                        record.sectionName + '"');
-    record.memName = std::move(name);
+    record.memName = name;
     break;
   }
   case KEY_fill: {

@@ -89,7 +89,7 @@ void TDMParser::map_destination_property(TDMFileMapping &mapping)
   tdm::Text name = map_destination(mapping);
   if (mapping.destination)
     throw new TDMFileSyntaxException("trying to set mapping destination twice");
-  mapping.destination = std::move(name);
+  mapping.destination = name;
   mapping.destinationKind = kind;
 }
 

@@ -180,7 +180,7 @@ void TDMParser::space_literal_space(TDMFileSpace &space)
   if (space.addressLiteralSpace)
     throw new TDMFileSyntaxException("trying to set address literal space twice in space " +
                                      tdm::name_of(space.name));
-  space.addressLiteralSpace = std::move(name);
+  space.addressLiteralSpace = name;
 }
 
 // copytable_definition, once; refused before it is read

@@ -65,7 +65,7 @@ void TDMParser::destination(TDMFileObject &record, LocationKey key,
   record.store_location(LocationKey::of(tdm::intern(pair.source)), place);
   match(EQUALS);
   pair.destination = identifier(record, key);
-  pairs.push_back(std::move(pair));
+  pairs.push_back(pair);
 }
 
 // "table" "{" (subtable_property ";")* "}"
@@ -94,7 +94,7 @@ void TDMParser::subtable_property(TDMFileCopySubTable &table)
   match(EQUALS);
   tdm::Text symbol = string_value();
   if (table.symbol) throw new TDMFileSyntaxException("Tried to set subtable symbol twice");
-  table.symbol = std::move(symbol);
+  table.symbol = symbol;
 }
 
 // direct_init_definition: "direct_init"

@@ -188,7 +188,7 @@ void TDMParser::core_architecture(TDMFileCore &core)
   if (core.archName)
     throw new TDMFileSyntaxException("trying to set base architecture twice for core " +
                                      tdm::name_of(core.name));
-  core.archName = std::move(name);
+  core.archName = name;
   core.arguments = optional_arguments({SEMICOLON});
 }
 
@@ -288,6 +288,6 @@ void TDMParser::derivative_reference(TDMFileCPU &processor)
   if (processor.derivativeName)
     throw new TDMFileSyntaxException("trying to set base derivative twice for processor " +
                                      tdm::name_of(processor.name));
-  processor.derivativeName = std::move(name);
+  processor.derivativeName = name;
   processor.arguments = optional_arguments({SEMICOLON});
 }

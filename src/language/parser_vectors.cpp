@@ -111,7 +111,7 @@ void TDMParser::vector_table_address(TDMFileVectorTable &table)
     throw new TDMFileSyntaxException("trying to set memory address twice for vector table");
   if (table.address)
     throw new TDMFileSyntaxException("trying to set address twice for vector table");
-  table.memoryName = std::move(memory);
+  table.memoryName = memory;
   table.address = std::move(address);
 }
 
@@ -123,7 +123,7 @@ void TDMParser::vector_table_template(TDMFileVectorTable &table)
   tdm::Text name = string_value(table, "template_name");
   if (table.templateName)
     throw new TDMFileSyntaxException("trying to set template name twice for vector table");
-  table.templateName = std::move(name);
+  table.templateName = name;
 }
 
 // "template_symbol" "=" string_value
@@ -134,7 +134,7 @@ void TDMParser::vector_table_template_symbol(TDMFileVectorTable &table)
   tdm::Text name = string_value(table, "template_symbol_name");
   if (table.templateSymbolName)
     throw new TDMFileSyntaxException("trying to set template symbol name twice for vector table");
-  table.templateSymbolName = std::move(name);
+  table.templateSymbolName = name;
 }
 
 // "vector_prefix" "=" string_value
@@ -145,7 +145,7 @@ void TDMParser::vector_table_vector_prefix(TDMFileVectorTable &table)
   tdm::Text prefix = string_value(table, "vector_name_prefix");
   if (table.vectorNamePrefix)
     throw new TDMFileSyntaxException("trying to set vector name prefix twice for vector table");
-  table.vectorNamePrefix = std::move(prefix);
+  table.vectorNamePrefix = prefix;
 }
 
 // vector_definition: "vector" "(" vector_property ("," vector_property)* ")" ";"
