@@ -144,10 +144,15 @@ TEST(Scope, SubstitutesVariablesOnce)
             "[\"file\" 7/20] syntax error: TDM variable \"z\" is used but not defined");
 }
 
+/// While names that are put together are needed.
+struct Pool {
+  Pool() { tdm::string_pool_start(); }
+  ~Pool() { tdm::string_pool_end(); }
+};
+
 /// The name of a parameter.
 tdm::Text numbered(int i)
 {
-  tdm::string_pool_start();
   return tdm::Text::of("p" + std::to_string(i));
 }
 
@@ -156,6 +161,7 @@ const std::string too_large =
 
 TEST(Scope, EndsExplosions)
 {
+  const Pool pool;
   tdm::ArgumentScope doubling;
   doubling.bind("p0", num(1));
   for (int i = 1; i <= 60; ++i) {
@@ -237,6 +243,7 @@ void run_through_deep_trees()
 
 void run_through_long_chains()
 {
+  const Pool pool;
   tdm::ArgumentScope scope;
   for (int i = 0; i < depth; ++i) scope.bind("p" + std::to_string(i), var(numbered(i + 1)));
   scope.bind("p" + std::to_string(depth), num(3));
