@@ -280,9 +280,11 @@ bool next_is_parenthesis()
 bool collect_arguments(const TDMMacro &macro, const PpToken &name)
 {
   while (expansion.lists.back().cursor == expansion.lists.back().end) pop_list();
-  // The "(" may lie in a linked list, or else behind white space in whatever is next.
+  // The "(" may lie in a linked list, or else behind white space in whatever is next: a part that
+  // begins with it has no link.
   OpenList &list = expansion.lists.back();
-  if (list.linked && skip_white(list.cursor, list.end) != list.end)
+  const PpToken *next = skip_white(list.cursor, list.end);
+  if (list.linked && next != list.end && next->number == tLPAR)
     return collect_linked(macro, name, list);
   PpToken item;
   while (read_item(item, Parts::none) == Read::token && item.number != tLPAR) {

@@ -80,6 +80,24 @@ TEST(Macros, NestWithoutLimit)
             "\n" + repeated("x", depth + 1) + "\n");
 }
 
+// A list of arguments that is done with is kept in one piece, whose parenthesis a name in front of
+// it may still find.
+TEST(Macros, ListsThatMacrosMakeAreArguments)
+{
+  const std::string definitions = "#define nest(p) [p]\n#define id(p) nest(p)\n"
+                                  "#define twice(p) {id(p)}\n#define ends(a,b,c,d) <a d>\n"
+                                  "#define LIST (1, 2, 3, 4)\n";
+  const auto expanded = [&](const char *call) {
+    const Outcome outcome = preprocess(definitions + call);
+    EXPECT_EQ(outcome.messages, "");
+    return squeezed(outcome.text);
+  };
+  EXPECT_EQ(expanded("nest(ends LIST)"), "[<1 4>]");
+  EXPECT_EQ(expanded("id(ends LIST)"), "[<1 4>]");
+  EXPECT_EQ(expanded("twice(ends LIST - ends LIST)"), "{[<1 4> - <1 4>]}");
+  EXPECT_EQ(expanded("twice( (ends LIST) ends  LIST )"), "{[(<1 4>) <1 4>]}");
+}
+
 TEST(Macros, GrowthBeyondReasonIsCutOff)
 {
   std::string empty = "#define a0\n";
