@@ -2,6 +2,7 @@
 #include "common/failures.h"
 #include "layout/regular_expression.h"
 #include "layout/selection_pattern.h"
+#include "preprocessor/string_pool.h"
 #include "target.h"
 
 namespace {
@@ -39,6 +40,14 @@ void expression(const std::string &text, std::string_view name)
   }
 }
 
+/// While a pattern is in use.
+struct Pool {
+  Pool() { tdm::string_pool_start(); }
+  ~Pool() { tdm::string_pool_end(); }
+  Pool(const Pool &) = delete;
+  Pool &operator=(const Pool &) = delete;
+};
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -51,9 +60,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     return result;
   };
   const std::string_view pattern = line();
+  const Pool pool;
   try {
-    const TDMSelectionPattern compiled(pattern, {});
-    const std::string *literal = compiled.literal_name();
+    const TDMSelectionPattern compiled(tdm::Text(pattern), {});
+    const tdm::Text *literal = compiled.literal_name();
     do {
       const std::string_view name = line();
       const bool matches = compiled.matches(name);

@@ -6,6 +6,8 @@
 #include "common/block_pool.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 
 #include "common/huge_pages.h"
 
@@ -21,7 +23,9 @@ namespace {
 
 constexpr std::size_t first_slab = std::size_t{64} << 10;
 constexpr std::size_t largest_slab = huge_page;
-constexpr std::align_val_t page{4096};
+static_assert(BlockPool::slab_alignment == huge_page);
+
+Region *regions = nullptr;
 
 // As operator new does, it lets the handler try when there is none.
 void *map_large_slab()
@@ -34,52 +38,114 @@ void *map_large_slab()
   }
 }
 
-// Slabs double in size until they are large.
+// Slabs double in size until they are large. What a small one is aligned over isn't touched, and so
+// takes addresses, but no memory.
 void *allocate_slab(std::size_t size)
 {
-  return size == largest_slab ? map_large_slab() : ::operator new(size, page);
+  return size == largest_slab ? map_large_slab()
+                              : ::operator new (size, std::align_val_t{BlockPool::slab_alignment});
 }
 
-void free_slab(void *slab, std::size_t size)
+void free_slab(void *slab, std::size_t size) noexcept
 {
   if (size == largest_slab)
     unmap_huge_pages(slab, size);
   else
-    ::operator delete(slab, page);
+    ::operator delete (slab, std::align_val_t{BlockPool::slab_alignment});
 }
 
 } // namespace
 
-BlockPool block_pool;
-
-struct alignas(BlockPool::grain) BlockPool::Slab {
-  Slab *next;
-  std::size_t size;
-};
+constinit BlockPool process_pool{};
+constinit BlockPool *open_pool = &process_pool;
 
 // What is left of the slab before is lost.
-void *pool_cut(std::size_t size)
+void *BlockPool::cut(std::size_t size)
 {
-  const std::size_t last = block_pool.slabs == nullptr ? 0 : block_pool.slabs->size;
+  const std::size_t last = slabs == nullptr ? 0 : slabs->size;
   const std::size_t room = std::clamp(last * 2, first_slab, largest_slab);
-  auto *const slab = new (allocate_slab(room)) BlockPool::Slab{block_pool.slabs, room};
-  block_pool.slabs = slab;
-  void *const block = slab + 1;
-  block_pool.cursor = static_cast<char *>(block) + size;
-  block_pool.end = reinterpret_cast<char *>(slab) + room;
-  ++block_pool.in_use;
+  slabs = new (allocate_slab(room)) Slab{this, slabs, room};
+  void *const block = slabs + 1;
+  cursor = static_cast<char *>(block) + size;
+  end = reinterpret_cast<char *>(slabs) + room;
+  ++in_use;
   return block;
+}
+
+void *BlockPool::allocate_large(std::size_t size)
+{
+  if (size > SIZE_MAX - sizeof(LargeBlock)) throw std::bad_alloc();
+  void *const memory = ::operator new(sizeof(LargeBlock) + size);
+  auto *const block = new (memory) LargeBlock{this, nullptr, large_blocks};
+  if (large_blocks != nullptr) large_blocks->previous = block;
+  large_blocks = block;
+  return block + 1;
+}
+
+void BlockPool::free_large(LargeBlock *block) noexcept
+{
+  (block->previous != nullptr ? block->previous->next : block->pool->large_blocks) = block->next;
+  if (block->next != nullptr) block->next->previous = block->previous;
+  ::operator delete(block);
+}
+
+void BlockPool::clear() noexcept
+{
+  while (large_blocks != nullptr) free_large(large_blocks);
+  while (slabs != nullptr) {
+    Slab *const slab = slabs;
+    slabs = slab->next;
+    free_slab(slab, slab->size);
+  }
+  *this = {};
 }
 
 void pool_trim() noexcept
 {
-  if (block_pool.in_use != 0) return;
-  while (block_pool.slabs != nullptr) {
-    BlockPool::Slab *const slab = block_pool.slabs;
-    block_pool.slabs = slab->next;
-    free_slab(slab, slab->size);
+  if (process_pool.in_use == 0 && process_pool.large_blocks == nullptr) process_pool.clear();
+}
+
+Region::Region() : next_(regions)
+{
+  regions = this;
+}
+
+Region::~Region()
+{
+  while (guests_ != nullptr) delete guests_;
+  Region **link = &regions;
+  while (*link != this) link = &(*link)->next_;
+  *link = next_;
+  pool_.clear();
+}
+
+bool Region::holds(const void *address) const
+{
+  const auto *const wanted = static_cast<const char *>(address);
+  for (const BlockPool::Slab *slab = pool_.slabs; slab != nullptr; slab = slab->next) {
+    const auto *const begin = reinterpret_cast<const char *>(slab);
+    if (!std::less<>{}(wanted, begin) && std::less<>{}(wanted, begin + slab->size)) return true;
   }
-  block_pool = {};
+  return false;
+}
+
+RegionGuest::~RegionGuest()
+{
+  if (link_ == nullptr) return;
+  *link_ = next_;
+  if (next_ != nullptr) next_->link_ = link_;
+}
+
+void RegionGuest::stay_with(const void *owner)
+{
+  for (Region *region = regions; region != nullptr; region = region->next_) {
+    if (!region->holds(owner)) continue;
+    next_ = region->guests_;
+    if (next_ != nullptr) next_->link_ = &next_;
+    link_ = &region->guests_;
+    region->guests_ = this;
+    return;
+  }
 }
 
 #endif

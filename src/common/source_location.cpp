@@ -73,7 +73,8 @@ constexpr std::uint32_t capacity_above(std::uint32_t count)
 std::size_t SourceLocations::block_size(std::uint32_t capacity)
 {
   const std::size_t size = sizeof(List) + capacity * sizeof(Entry);
-  return capacity <= flat_limit ? size : size + (std::size_t{capacity} + 1) * 2 * sizeof(std::uint32_t);
+  return capacity <= flat_limit ? size
+                                : size + (std::size_t{capacity} + 1) * 2 * sizeof(std::uint32_t);
 }
 
 SourceLocations::List *SourceLocations::make_list(std::uint32_t capacity)
@@ -82,13 +83,28 @@ SourceLocations::List *SourceLocations::make_list(std::uint32_t capacity)
   return new (memory) List{1, 0, capacity, 0};
 }
 
+// An object that a client keeps beyond the spec has a list of its own.
+void SourceLocations::share()
+{
+  if (tdm::is_of_open_pool(list(), block_size(list()->capacity)))
+    ++list()->users;
+  else
+    set_list(copied(entries()));
+}
+
+// With room for one entry more.
+SourceLocations::List *SourceLocations::copied(std::span<const Entry> entries)
+{
+  List *const copy = make_list(capacity_above(static_cast<std::uint32_t>(entries.size())));
+  for (const Entry &entry : entries) copy->entries()[copy->count++] = entry;
+  if (copy->capacity > flat_limit) std::fill_n(copy->index(), copy->slots(), 0U);
+  return copy;
+}
+
 // Makes room for one more entry behind those that there are, in a list of this object's own.
 void SourceLocations::renew()
 {
-  const std::span<const Entry> mine = entries();
-  List *const next = make_list(capacity_above(static_cast<std::uint32_t>(mine.size())));
-  for (const Entry &entry : mine) next->entries()[next->count++] = entry;
-  if (next->capacity > flat_limit) std::fill_n(next->index(), next->slots(), 0U);
+  List *const next = copied(entries());
   if (has_list() && --list()->users == 0) free(list());
   set_list(next);
 }

@@ -96,10 +96,10 @@ public:
   };
 
   SourceLocations() = default;
-  /// Shares the list of the other one.
+  /// Shares the list of the other one, or copies one that may end earlier.
   SourceLocations(const SourceLocations &other) : only_(other.only_)
   {
-    if (has_list()) ++list()->users;
+    if (has_list()) share();
   }
   /// Takes the list of the other one, which is empty then.
   SourceLocations(SourceLocations &&other) noexcept : only_(other.only_) { other.only_ = {}; }
@@ -187,6 +187,8 @@ private:
 
   [[nodiscard]] static std::size_t block_size(std::uint32_t capacity);
   [[nodiscard]] static List *make_list(std::uint32_t capacity);
+  [[nodiscard]] static List *copied(std::span<const Entry> entries);
+  void share();
   void renew();
   [[nodiscard]] const TDMSourceLocation *find_indexed(LocationKey key) const;
   static void update_index(List &list);

@@ -74,7 +74,5 @@ template <typename T> struct ObjectAllocator {
 
 /// A list in an object of which there are many.
 template <typename T> using ObjectList = std::vector<T, ObjectAllocator<T>>;
-/// A text in an object of which there are many.
-using ObjectText = std::basic_string<char, std::char_traits<char>, ObjectAllocator<char>>;
 
 } // namespace tdm

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "expressions/expression.h"
 #include "common/work_stack.h"
+#include "expressions/expression.h"
 
 namespace tdm {
 

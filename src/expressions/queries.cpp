@@ -10,9 +10,9 @@
 
 namespace {
 
-bool confirms(TDMExpressionEnv *env, const std::string &name)
+bool confirms(TDMExpressionEnv *env, tdm::Text name)
 {
-  return env != nullptr && env->symbol_defined(name);
+  return env != nullptr && env->symbol_defined(name.str());
 }
 
 bool has_layout_data(TDMExpressionEnv *env)
@@ -26,18 +26,18 @@ std::int64_t TDMSymbolRef::compute(TDMExpressionEnv *env)
 {
   // The node is of no use here; asking for it lets an environment see each use of a symbol.
   if (env != nullptr)
-    if (ExprlibNode *node = env->symbol_node(name_)) exprlib_release(node);
+    if (ExprlibNode *node = env->symbol_node(name_.str())) exprlib_release(node);
   if (!has_layout_data(env))
     throw new TDMDataNeededForExpressionException(location_or("name", place_),
                                                   tdm::needs_layout_data);
   std::int64_t value = 0;
-  if (env->symbol_value(name_, value)) return value;
+  if (env->symbol_value(name_.str(), value)) return value;
   throw new TDMSyntaxException(location_or("name", place_), "could not find symbol " + name_);
 }
 
 ExprlibNode *TDMSymbolRef::to_exprlib(TDMExpressionEnv *env)
 {
-  return env == nullptr ? nullptr : env->symbol_node(name_);
+  return env == nullptr ? nullptr : env->symbol_node(name_.str());
 }
 
 bool TDMSymbolRef::refers_to_defined(TDMExpressionEnv *env)
@@ -47,7 +47,7 @@ bool TDMSymbolRef::refers_to_defined(TDMExpressionEnv *env)
 
 bool TDMSymbolRef::refers_to_any(const std::set<std::string> &names)
 {
-  return names.contains(name_);
+  return names.contains(name_.str());
 }
 
 std::unique_ptr<TDMExpression> TDMSymbolRef::clone() const
@@ -78,7 +78,7 @@ std::unique_ptr<TDMExpression> TDMReferenced::clone() const
 std::int64_t TDMSectionExists::compute(TDMExpressionEnv *env)
 {
   if (env == nullptr) throw new TDMDataNeededForExpressionException(place_, tdm::needs_layout_data);
-  return env->section_exists(name_) ? 1 : 0;
+  return env->section_exists(name_.str()) ? 1 : 0;
 }
 
 std::unique_ptr<TDMExpression> TDMSectionExists::clone() const
@@ -94,17 +94,18 @@ std::int64_t TDMAddressExpression::compute(TDMExpressionEnv *env)
   std::int64_t value = 0;
   bool found = false;
   if (kind_ == section)
-    found = env->section_address(name_, at, value);
+    found = env->section_address(name_.str(), at, value);
   else if (kind_ == group)
-    found = env->symbol_value(env->group_start_symbol(name_), value);
+    found = env->symbol_value(env->group_start_symbol(name_.str()), value);
   return found ? value : -1;
 }
 
 ExprlibNode *TDMAddressExpression::to_exprlib(TDMExpressionEnv *env)
 {
   if (env == nullptr) return nullptr;
-  if (kind_ == section) return env->section_address_node(name_, location_or("addressof", place_));
-  if (kind_ == group) return env->group_address_node(name_);
+  if (kind_ == section)
+    return env->section_address_node(name_.str(), location_or("addressof", place_));
+  if (kind_ == group) return env->group_address_node(name_.str());
   return nullptr;
 }
 
@@ -125,8 +126,8 @@ std::int64_t TDMSizeOf::group_size(TDMExpressionEnv &env) const
 {
   std::int64_t start = 0;
   std::int64_t end = 0;
-  if (!env.symbol_value(env.group_start_symbol(name_), start)) return -1;
-  if (!env.symbol_value(env.group_end_symbol(name_), end)) return -1;
+  if (!env.symbol_value(env.group_start_symbol(name_.str()), start)) return -1;
+  if (!env.symbol_value(env.group_end_symbol(name_.str()), end)) return -1;
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(end) -
                                    static_cast<std::uint64_t>(start));
 }
@@ -139,17 +140,20 @@ std::int64_t TDMSizeOf::compute(TDMExpressionEnv *env)
   if (kind_ == group) return group_size(*env);
   if (kind_ != section) refuse_kind();
   std::int64_t value = 0;
-  return env->section_size(name_, location_or("sizeof", place_), value) ? value : -1;
+  return env->section_size(name_.str(), location_or("sizeof", place_), value) ? value : -1;
 }
 
 ExprlibNode *TDMSizeOf::to_exprlib(TDMExpressionEnv *env)
 {
   if (kind_ != section && kind_ != group) refuse_kind();
   if (env == nullptr) return nullptr;
-  if (kind_ == section) return env->section_size_node(name_, location_or("sizeof", place_));
-  TDMBinaryApplication size(TDM_BINARY_SUBTRACT,
-                            std::make_unique<TDMSymbolRef>(env->group_end_symbol(name_), place_),
-                            std::make_unique<TDMSymbolRef>(env->group_start_symbol(name_), place_));
+  if (kind_ == section) return env->section_size_node(name_.str(), location_or("sizeof", place_));
+  const auto symbol = [this](const std::string &name) {
+    return std::make_unique<TDMSymbolRef>(tdm::Text(std::string_view(name)), place_);
+  };
+  const std::string end = env->group_end_symbol(name_.str());
+  const std::string start = env->group_start_symbol(name_.str());
+  TDMBinaryApplication size(TDM_BINARY_SUBTRACT, symbol(end), symbol(start));
   return size.to_exprlib(env);
 }
 

@@ -6,14 +6,15 @@
 /// key in question, because it was translated from a record without locations or is a clone.
 #pragma once
 
+#include "common/text.h"
 #include "expressions/expression.h"
 
 /// The value of a linker symbol.
 class TDM_CLIENT_API TDMSymbolRef final : public TDMExpression {
 public:
   /// The place is reported at where the object has no location of its own, here and below.
-  explicit TDMSymbolRef(std::string name, const TDMSourceLocation &place = {})
-      : name_(std::move(name)), place_(place)
+  explicit TDMSymbolRef(tdm::Text name, const TDMSourceLocation &place = {})
+      : name_(name), place_(place)
   {
   }
 
@@ -24,10 +25,10 @@ public:
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
   /// The symbol.
-  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] tdm::Text name() const { return name_; }
 
 private:
-  std::string name_;
+  tdm::Text name_;
   TDMSourceLocation place_;
 };
 
@@ -36,7 +37,7 @@ private:
 class TDM_CLIENT_API TDMDefinedSymbol final : public TDMExpression {
 public:
   /// Asks for the symbol.
-  explicit TDMDefinedSymbol(std::string name) : name_(std::move(name)) {}
+  explicit TDMDefinedSymbol(tdm::Text name) : name_(name) {}
 
   std::int64_t compute(TDMExpressionEnv *) override { return 0; }
   ExprlibNode *to_exprlib(TDMExpressionEnv *) override { return nullptr; }
@@ -44,17 +45,17 @@ public:
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
   /// The symbol.
-  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] tdm::Text name() const { return name_; }
 
 private:
-  std::string name_;
+  tdm::Text name_;
 };
 
 /// As TDMDefinedSymbol, for a symbol that is referenced. No text of the language gives one.
 class TDM_CLIENT_API TDMReferenced final : public TDMExpression {
 public:
   /// Asks for the symbol.
-  explicit TDMReferenced(std::string name) : name_(std::move(name)) {}
+  explicit TDMReferenced(tdm::Text name) : name_(name) {}
 
   std::int64_t compute(TDMExpressionEnv *) override { return 0; }
   ExprlibNode *to_exprlib(TDMExpressionEnv *) override { return nullptr; }
@@ -62,18 +63,18 @@ public:
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
   /// The symbol.
-  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] tdm::Text name() const { return name_; }
 
 private:
-  std::string name_;
+  tdm::Text name_;
 };
 
 /// `exists("section")`: 1 or 0.
 class TDM_CLIENT_API TDMSectionExists final : public TDMExpression {
 public:
   /// Asks for the section.
-  explicit TDMSectionExists(std::string name, const TDMSourceLocation &place = {})
-      : name_(std::move(name)), place_(place)
+  explicit TDMSectionExists(tdm::Text name, const TDMSourceLocation &place = {})
+      : name_(name), place_(place)
   {
   }
 
@@ -82,10 +83,10 @@ public:
   [[nodiscard]] std::unique_ptr<TDMExpression> clone() const override;
 
   /// The section.
-  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] tdm::Text name() const { return name_; }
 
 private:
-  std::string name_;
+  tdm::Text name_;
   TDMSourceLocation place_;
 };
 
@@ -96,8 +97,8 @@ public:
   enum Kind : std::int32_t { section = 0, group = 1 };
 
   /// The kind is one of Kind.
-  TDMAddressExpression(std::int32_t kind, std::string name, const TDMSourceLocation &place = {})
-      : kind_(kind), name_(std::move(name)), place_(place)
+  TDMAddressExpression(std::int32_t kind, tdm::Text name, const TDMSourceLocation &place = {})
+      : kind_(kind), name_(name), place_(place)
   {
   }
 
@@ -108,11 +109,11 @@ public:
   /// One of Kind.
   [[nodiscard]] std::int32_t kind() const { return kind_; }
   /// The section or group.
-  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] tdm::Text name() const { return name_; }
 
 private:
   std::int32_t kind_;
-  std::string name_;
+  tdm::Text name_;
   TDMSourceLocation place_;
 };
 
@@ -123,8 +124,8 @@ public:
   enum Kind : std::int32_t { section = 1, group = 2 };
 
   /// The kind is one of Kind.
-  TDMSizeOf(std::int32_t kind, std::string name, const TDMSourceLocation &place = {})
-      : kind_(kind), name_(std::move(name)), place_(place)
+  TDMSizeOf(std::int32_t kind, tdm::Text name, const TDMSourceLocation &place = {})
+      : kind_(kind), name_(name), place_(place)
   {
   }
 
@@ -135,13 +136,13 @@ public:
   /// One of Kind.
   [[nodiscard]] std::int32_t kind() const { return kind_; }
   /// The section or group.
-  [[nodiscard]] const std::string &name() const { return name_; }
+  [[nodiscard]] tdm::Text name() const { return name_; }
 
 private:
   std::int64_t group_size(TDMExpressionEnv &env) const;
   [[noreturn]] void refuse_kind() const;
 
   std::int32_t kind_;
-  std::string name_;
+  tdm::Text name_;
   TDMSourceLocation place_;
 };

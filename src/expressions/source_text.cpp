@@ -98,7 +98,7 @@ int level_of(const TDMExpression &node)
   return number->number() == least_number ? sum_level : unary_level;
 }
 
-std::string quoted(std::string_view function, const std::string &name)
+std::string quoted(std::string_view function, tdm::Text name)
 {
   return std::string(function) + "(\"" + name + "\")";
 }
@@ -111,7 +111,7 @@ std::string number_text(std::int64_t number)
 }
 
 /// `name` of a section is a text, that of a group a word.
-std::string object_text(std::string_view function, bool is_group, const std::string &name)
+std::string object_text(std::string_view function, bool is_group, tdm::Text name)
 {
   return std::string(function) + (is_group ? "(group:" + name + ")" : "(sect:\"" + name + "\")");
 }

@@ -130,16 +130,16 @@ private:
       break;
     case tdm::kExprSymbolRef: {
       const auto &symbol = static_cast<const TDMExprSymbolRef &>(record);
-      slot = located(std::make_unique<TDMSymbolRef>(symbol.name.str(), place_), record);
+      slot = located(std::make_unique<TDMSymbolRef>(symbol.name, place_), record);
       break;
     }
     case tdm::kExprDefined:
       slot = std::make_unique<TDMDefinedSymbol>(
-          static_cast<const TDMExprDefined &>(record).symbolName.str());
+          static_cast<const TDMExprDefined &>(record).symbolName);
       break;
     case tdm::kExprExists:
       slot = std::make_unique<TDMSectionExists>(
-          static_cast<const TDMExprExists &>(record).sectionName.str(), place_);
+          static_cast<const TDMExprExists &>(record).sectionName, place_);
       break;
     case tdm::kExprAddress: {
       const auto &address = static_cast<const TDMExprAddress &>(record);
@@ -147,8 +147,7 @@ private:
         return enter_variable(memory_name(tdm::memory_address_prefix, address.objName),
                               location(record, "objName"), slot);
       slot = located(
-          std::make_unique<TDMAddressExpression>(address.objType, address.objName.str(), place_),
-          record);
+          std::make_unique<TDMAddressExpression>(address.objType, address.objName, place_), record);
       break;
     }
     default: {
@@ -156,7 +155,7 @@ private:
       if (size.objType == tdm::kSizeMemory)
         return enter_variable(memory_name(tdm::memory_size_prefix, size.objName),
                               location(record, "objName"), slot);
-      slot = located(std::make_unique<TDMSizeOf>(size.objType, size.objName.str(), place_), record);
+      slot = located(std::make_unique<TDMSizeOf>(size.objType, size.objName, place_), record);
       break;
     }
     }

@@ -26,7 +26,7 @@ tdm_attributes *attributes_of(const std::optional<TDMAttributes> &attributes)
 
 tdm_srcpos position_of(const TDMSourceLocation &place)
 {
-  return {text_result(place.file), place.line, place.column, nullptr};
+  return {text_result(place.file.text()), place.line, place.column, nullptr};
 }
 
 } // namespace

@@ -31,7 +31,8 @@ tdm_arr *tdm_inspect_processor_parameters(const tdm_processor *processor)
   return guarded_array<tdm_inspect_parameter>([&] {
     return tdm::array_of(tdm::parameter_meanings(*processor),
                          [](const tdm::ParameterMeaning &meaning) -> tdm_inspect_parameter {
-                           return {tdm::text_result(*meaning.name), tdm::text_result(meaning.text),
+                           return {tdm::text_result(meaning.name),
+                                   meaning.text ? tdm::text_result(*meaning.text) : nullptr,
                                    meaning.value.value_or(0), meaning.value ? 1 : 0};
                          });
   });
@@ -88,8 +89,7 @@ tdm_arr *tdm_inspect_core_group_names(const tdm_core *core)
   return guarded_array<const char *>([&] {
     std::vector<std::string_view> sorted(names.begin(), names.end());
     std::sort(sorted.begin(), sorted.end());
-    return tdm::array_of(sorted,
-                         [](std::string_view name) { return tdm::text_result(name.data()); });
+    return tdm::array_of(sorted, [](std::string_view name) { return tdm::text_result(name); });
   });
 }
 

@@ -20,7 +20,8 @@ tdm_spec *tdm_inspect_parse_file(const tdm_arr *files, const tdm_arr *include_di
 
 const char *tdm_inspect_spec_check_failure(const tdm_spec *spec)
 {
-  return guarded([&] { return tdm::text_result(spec->check_failure); });
+  return guarded(
+      [&] { return spec->check_failure ? tdm::text_result(*spec->check_failure) : nullptr; });
 }
 
 tdm_arr *tdm_inspect_spec_overlaps(const tdm_spec *spec)

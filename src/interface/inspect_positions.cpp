@@ -97,7 +97,7 @@ int tdm_inspect_position(int kind, const void *object, const char *key, tdm_srcp
     if (found == nullptr || key == nullptr) return 0;
     const TDMSourceLocation *place = found->location(LocationKey::find(key));
     if (place == nullptr) return 0;
-    *out = {tdm::text_result(place->file), place->line, place->column, nullptr};
+    *out = {tdm::text_result(place->file.text()), place->line, place->column, nullptr};
     return 1;
   });
 }

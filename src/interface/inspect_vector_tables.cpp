@@ -60,8 +60,7 @@ int tdm_inspect_vector_value_kind(const tdm_vector_value *value)
 const char *tdm_inspect_vector_value_symbol(const tdm_vector_value *value)
 {
   return guarded([&]() -> const char * {
-    return value->type == TDMVectorValue::symbol_value ? text_result(value->symbol.c_str())
-                                                       : nullptr;
+    return value->type == TDMVectorValue::symbol_value ? text_result(value->symbol) : nullptr;
   });
 }
 

@@ -57,7 +57,7 @@ int tdm_endianness_to_maulib(int endianness)
 
 const char *tdm_source_location_get_filename(const tdm_source_location *location)
 {
-  return guarded([&] { return tdm::text_result(location->file); });
+  return guarded([&] { return tdm::text_result(location->file.text()); });
 }
 
 int tdm_source_location_get_line_number(const tdm_source_location *location)

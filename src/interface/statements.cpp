@@ -25,7 +25,7 @@ int64_t value_of(const std::unique_ptr<TDMExpression> &expression)
   return value_of(expression.get());
 }
 
-const char *text_of(const std::string &text)
+const char *text_of(tdm::Text text)
 {
   return guarded([&] { return tdm::text_result(text); });
 }

@@ -83,23 +83,24 @@ std::vector<std::string> texts_of(const tdm_arr *arr)
   return texts;
 }
 
-const char *text_result(const char *text)
+const char *text_result(std::string_view text)
 {
   if (!string_pool_started()) throw new TDMFileException("tdm_init has not been called");
-  return intern(text);
+  // What callers read ends at the first NUL, and is one address with what is equal up to there.
+  return intern(text.substr(0, text.find('\0')));
 }
 
-const char *text_result(const std::string &text)
+const char *text_result(const char *text)
 {
-  return text_result(text.c_str());
+  return text_result(std::string_view(text));
 }
 
-const char *text_result(const std::string *text)
+const char *text_result(const Text *text)
 {
   return text != nullptr ? text_result(*text) : nullptr;
 }
 
-const char *text_result(const std::optional<std::string> &text)
+const char *text_result(const std::optional<Text> &text)
 {
   return text.has_value() ? text_result(*text) : nullptr;
 }

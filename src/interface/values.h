@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/tdm_types.h"
+#include "common/text.h"
 #include "mapping/address_value.h"
 #include "mapping/interval.h"
 
@@ -53,11 +54,11 @@ array_of_pointers(const std::vector<std::unique_ptr<Object>, Allocator> &objects
 // ---- texts
 
 /// The pool's copy. A failure before tdm_init.
+[[nodiscard]] const char *text_result(std::string_view text);
 [[nodiscard]] const char *text_result(const char *text);
-[[nodiscard]] const char *text_result(const std::string &text);
 /// The same for what can be absent, as null.
-[[nodiscard]] const char *text_result(const std::string *text);
-[[nodiscard]] const char *text_result(const std::optional<std::string> &text);
+[[nodiscard]] const char *text_result(const Text *text);
+[[nodiscard]] const char *text_result(const std::optional<Text> &text);
 
 /// A handle for what the model hands out as constant: callers hold it, and only the library reads.
 template <class Object> [[nodiscard]] Object *handle(const Object *object)

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "common/text.h"
 #include "language/file_object.h"
-#include "language/text.h"
 
 namespace tdm {
 

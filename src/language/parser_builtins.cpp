@@ -1,5 +1,6 @@
 // The built-in functions of expressions, and the names of what they ask about.
 #include "language/parser.h"
+#include "preprocessor/string_pool.h"
 
 // builtin_call: one of the calls below
 tdm::ExpressionPtr TDMParser::builtin_call()
@@ -152,7 +153,7 @@ tdm::Text TDMParser::memory_reference()
 tdm::Text TDMParser::memory_name()
 {
   const tdm::Text name = identifier();
-  if (accept(COLON)) return tdm::Text::joined(name, ':', identifier());
+  if (accept(COLON)) return tdm::joined_text(name, ':', identifier());
   require_next(tdm::TokenSets::memory_name_end);
   return name;
 }

@@ -1,6 +1,7 @@
 // The rules of mappings, which memories, buses and spaces share.
 #include "common/failures.h"
 #include "language/parser.h"
+#include "preprocessor/string_pool.h"
 
 using tdm::TokenSets;
 
@@ -102,7 +103,7 @@ tdm::Text TDMParser::map_destination(TDMFileMapping &mapping)
   match(COLON);
   const tdm::Text name = identifier(mapping, "destination");
   if (!bus) return name;
-  if (accept(COLON)) return tdm::Text::joined(name, ':', identifier());
+  if (accept(COLON)) return tdm::joined_text(name, ':', identifier());
   require_next(TokenSets::list_end);
   return name;
 }

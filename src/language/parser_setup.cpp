@@ -1,6 +1,7 @@
 // The rules of section setups, and of the references to spaces that several constructs share.
 #include "common/failures.h"
 #include "language/parser.h"
+#include "preprocessor/string_pool.h"
 
 using tdm::TokenSet;
 using tdm::TokenSets;
@@ -142,5 +143,5 @@ tdm::Text TDMParser::space_name_list()
   if (!at(BAR)) return first;
   std::string names = first.str();
   while (accept(BAR)) (names += '|') += identifier();
-  return tdm::Text::of(names);
+  return tdm::pooled_text(names);
 }

@@ -4,11 +4,12 @@
 #include "common/failures.h"
 #include "language/records.h"
 #include "layout/record_values.h"
+#include "preprocessor/string_pool.h"
 
 namespace {
 
 [[noreturn]] void missing(const TDMFileBankDef &record, const std::string &text,
-                          const std::string &space_name)
+                          tdm::Text space_name)
 {
   throw new TDMSyntaxException(tdm::place_of(record, "bank"), text + space_name + "\"");
 }
@@ -16,7 +17,7 @@ namespace {
 } // namespace
 
 TDMBankDef::TDMBankDef(const TDMFileBankDef &record, const std::string &space_full_name)
-    : TDMObject{record.sourceLocations}, name(space_full_name + ":bank"),
+    : TDMObject{record.sourceLocations}, name(tdm::pooled_text(space_full_name + ":bank")),
       stub_template(record.stubTemplate), stub_prefix(record.stubPrefix),
       stub_arg_address(record.stubArgAddress), stub_arg_bank(record.stubArgBank),
       space_name(record.spaceName)
@@ -30,8 +31,7 @@ void TDMBankDef::add_bank(int32_t bank, const TDMSourceLocation &place)
                                             " declared more than once for bank definition" + name);
 }
 
-TDMSingleSwitchBankDef::TDMSingleSwitchBankDef(const TDMFileBankDef &record,
-                                               const std::string &space,
+TDMSingleSwitchBankDef::TDMSingleSwitchBankDef(const TDMFileBankDef &record, tdm::Text space,
                                                const std::string &space_full_name)
     : TDMBankDef(record, space_full_name)
 {
@@ -46,7 +46,7 @@ TDMSingleSwitchBankDef::TDMSingleSwitchBankDef(const TDMFileBankDef &record,
 }
 
 TDMBankDependentSwitchBankDef::TDMBankDependentSwitchBankDef(const TDMFileBankDef &record,
-                                                             const std::string &space,
+                                                             tdm::Text space,
                                                              const std::string &space_full_name)
     : TDMBankDef(record, space_full_name), stub_arg_switch(record.stubArgSwitch),
       switch_template(record.switchTemplate), switch_prefix(record.switchPrefix),
@@ -67,8 +67,7 @@ TDMBankDependentSwitchBankDef::TDMBankDependentSwitchBankDef(const TDMFileBankDe
   if (!stub_prefix) missing(record, "stub prefix not given in bank specification \"", space);
 }
 
-std::unique_ptr<TDMBankDef> make_bank_def(const TDMFileBankDef &record,
-                                          const std::string &space_name,
+std::unique_ptr<TDMBankDef> make_bank_def(const TDMFileBankDef &record, tdm::Text space_name,
                                           const std::string &space_full_name)
 {
   if (record.switchTemplate)

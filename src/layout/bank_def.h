@@ -9,6 +9,7 @@
 #include <string>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 
 class TDMFileBankDef;
 
@@ -23,13 +24,13 @@ struct TDMBankDef : TDMObject {
   /// Enters a bank number; one that is there already is refused at the place.
   void add_bank(int32_t bank, const TDMSourceLocation &place);
 
-  std::string name; ///< the full name of the space, then ":bank"
+  tdm::Text name; ///< the full name of the space, then ":bank"
   std::set<int32_t> banks;
-  std::optional<std::string> stub_template;
-  std::optional<std::string> stub_prefix;
-  std::optional<std::string> stub_arg_address;
-  std::optional<std::string> stub_arg_bank;
-  std::optional<std::string> space_name; ///< the space whose banks count here too
+  std::optional<tdm::Text> stub_template;
+  std::optional<tdm::Text> stub_prefix;
+  std::optional<tdm::Text> stub_arg_address;
+  std::optional<tdm::Text> stub_arg_bank;
+  std::optional<tdm::Text> space_name; ///< the space whose banks count here too
 
 protected:
   TDMBankDef(const TDMFileBankDef &record, const std::string &space_full_name);
@@ -37,7 +38,7 @@ protected:
 
 /// One stub does the whole switch.
 struct TDMSingleSwitchBankDef final : TDMBankDef {
-  TDMSingleSwitchBankDef(const TDMFileBankDef &record, const std::string &space_name,
+  TDMSingleSwitchBankDef(const TDMFileBankDef &record, tdm::Text space_name,
                          const std::string &space_full_name);
 
   const char *kind_name() const override { return "jstub"; }
@@ -45,18 +46,17 @@ struct TDMSingleSwitchBankDef final : TDMBankDef {
 
 /// The stub calls a switch routine that each bank has of its own.
 struct TDMBankDependentSwitchBankDef final : TDMBankDef {
-  TDMBankDependentSwitchBankDef(const TDMFileBankDef &record, const std::string &space_name,
+  TDMBankDependentSwitchBankDef(const TDMFileBankDef &record, tdm::Text space_name,
                                 const std::string &space_full_name);
 
   const char *kind_name() const override { return "bar"; }
 
-  std::optional<std::string> stub_arg_switch;
-  std::optional<std::string> switch_template;
-  std::optional<std::string> switch_prefix;
-  std::optional<std::string> switch_arg_bank;
+  std::optional<tdm::Text> stub_arg_switch;
+  std::optional<tdm::Text> switch_template;
+  std::optional<tdm::Text> switch_prefix;
+  std::optional<tdm::Text> switch_arg_bank;
 };
 
 /// The kind that the record asks for: it depends on whether a switch template is given.
-std::unique_ptr<TDMBankDef> make_bank_def(const TDMFileBankDef &record,
-                                          const std::string &space_name,
+std::unique_ptr<TDMBankDef> make_bank_def(const TDMFileBankDef &record, tdm::Text space_name,
                                           const std::string &space_full_name);

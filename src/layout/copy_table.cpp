@@ -12,7 +12,7 @@ namespace {
 TDMSpace *find_destination(const TDMFileObject &record, tdm::Text name, LocationKey key,
                            const tdm::SpaceLookup &lookup)
 {
-  TDMSpace *space = lookup.find(name.str());
+  TDMSpace *space = lookup.find(name);
   if (space == nullptr)
     throw new TDMSyntaxException(tdm::place_of(record, key),
                                  "Could not resolve space reference " + name);

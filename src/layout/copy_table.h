@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 
 class TDMFileCopyTable;
 class TDMFileDirectInit;
@@ -23,7 +24,7 @@ class SpaceLookup;
 
 /// A part of a copy table with a symbol of its own.
 struct TDMCopySubTable {
-  std::string symbol;             ///< its symbol
+  tdm::Text symbol;               ///< its symbol
   std::vector<TDMSpace *> spaces; ///< the spaces that it serves
 };
 
@@ -34,7 +35,7 @@ struct TDMCopyTable : TDMObject {
   /// Finds the spaces that the record names, once all spaces of the core stand.
   void resolve(const TDMFileCopyTable &record, const tdm::SpaceLookup &lookup);
 
-  std::string name = "table";                    ///< of the section that holds the table
+  tdm::Text name = "table";                      ///< of the section that holds the table
   int64_t alignment = 1;                         ///< in MAUs of the space
   int64_t copy_unit = 0;                         ///< in MAUs of the space; 0 if none is given
   std::map<TDMSpace *, TDMSpace *> destinations; ///< source to destination
@@ -50,7 +51,7 @@ struct TDMDirectInit : TDMObject {
   /// Finds the spaces that the record names.
   void resolve(const TDMFileDirectInit &record, const tdm::SpaceLookup &lookup);
 
-  std::string name = "dinit";                    ///< always this one
+  tdm::Text name = "dinit";                      ///< always this one
   int64_t alignment = 1;                         ///< in MAUs of the space
   std::map<TDMSpace *, TDMSpace *> destinations; ///< source to destination
   TDMSpace *default_destination = nullptr;       ///< null if none is given

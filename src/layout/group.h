@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/text.h"
 #include "expressions/expression.h"
 #include "layout/attributes.h"
 #include "layout/fill_spec.h"
@@ -22,13 +23,13 @@ struct TDM_CLIENT_API TDMGroup final : TDMStatement {
   /// contradict each other are a failure.
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::optional<std::string> name; ///< absent if the group has none
-  bool contiguous = false;         ///< `contiguous`
-  bool clustered = false;          ///< `clustered`
-  bool ordered = false;            ///< `ordered`
-  bool overlay = false;            ///< `overlay`
-  bool copy = false;               ///< `copy`
-  bool nocopy = false;             ///< `nocopy`
+  std::optional<tdm::Text> name; ///< absent if the group has none
+  bool contiguous = false;       ///< `contiguous`
+  bool clustered = false;        ///< `clustered`
+  bool ordered = false;          ///< `ordered`
+  bool overlay = false;          ///< `overlay`
+  bool copy = false;             ///< `copy`
+  bool nocopy = false;           ///< `nocopy`
   /// `align = `; null if not given, as all expressions here.
   std::unique_ptr<TDMExpression> alignment;
   std::optional<TDMAttributes> attributes;    ///< `attributes = `; absent if not given
@@ -38,13 +39,13 @@ struct TDM_CLIENT_API TDMGroup final : TDMStatement {
   std::unique_ptr<TDMExpression> page_size;   ///< `page_size = `
   /// The ranges in brackets behind the page size.
   tdm::ObjectList<std::pair<std::unique_ptr<TDMExpression>, std::unique_ptr<TDMExpression>>> pages;
-  std::unique_ptr<TDMGroupLocation> location;     ///< of `run_addr` if that is given
-  bool cross_references = false;                  ///< `allow_cross_references`
-  std::optional<std::string> output_section_name; ///< `create_section`; absent if not given
-  bool is_run_address = false;                    ///< whether the location is that of `run_addr`
-  bool load_time = false;                         ///< `load_addr`
-  int32_t priority = 1;                           ///< 1: not given
-  std::unique_ptr<TDMStatement> statement;        ///< what the group contains; never null
+  std::unique_ptr<TDMGroupLocation> location;   ///< of `run_addr` if that is given
+  bool cross_references = false;                ///< `allow_cross_references`
+  std::optional<tdm::Text> output_section_name; ///< `create_section`; absent if not given
+  bool is_run_address = false;                  ///< whether the location is that of `run_addr`
+  bool load_time = false;                       ///< `load_addr`
+  int32_t priority = 1;                         ///< 1: not given
+  std::unique_ptr<TDMStatement> statement;      ///< what the group contains; never null
 };
 
 namespace tdm {

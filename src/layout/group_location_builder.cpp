@@ -40,13 +40,13 @@ private:
   {
     if (record_.memoryName)
       location_->memory = find_memory(
-          context_, record_.memoryName->str(),
+          context_, *record_.memoryName,
           "memory reference for a run-time or load-time address of a group", memory_place());
     for (const auto &range : record_.ranges) {
       TDMGroupLocation::Range &made = location_->ranges.emplace_back();
       if (range->memoryName)
         made.memory =
-            find_memory(context_, range->memoryName->str(),
+            find_memory(context_, *range->memoryName,
                         "memory reference for a run-time or load-time address range of a group",
                         memory_place());
     }

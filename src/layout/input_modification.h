@@ -13,5 +13,5 @@ struct TDMSpace;
 struct TDMInputModification final : TDMObject {
   TDMSpace *space = nullptr;                    ///< null if none is named
   std::unique_ptr<TDMSectionSelector> selector; ///< null if not given
-  std::vector<std::unique_ptr<TDMSelectionStatement>> selects;
+  tdm::ObjectList<std::unique_ptr<TDMSelectionStatement>> selects;
 };

@@ -50,7 +50,7 @@ std::vector<NamedSection> chosen(std::span<TDMSection *const> sections,
                                  const TDMSelectionPattern *pattern)
 {
   if (pattern == nullptr) return chosen(sections, [](std::string_view) { return true; });
-  if (const std::string *literal = pattern->literal_name()) {
+  if (const Text *literal = pattern->literal_name()) {
     const std::string_view wanted = *literal;
     return chosen(sections, [wanted](std::string_view name) { return name == wanted; });
   }

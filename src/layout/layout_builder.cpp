@@ -86,7 +86,7 @@ private:
     if (record.op != kAssign && record.op != kAssignColon)
       fail_at(record, "op", "unsupported assignment operator, use = or :=");
     statement->plain = record.op == kAssign;
-    context_.names.assigned_symbols.push_back(statement->symbol.c_str());
+    context_.names.assigned_symbols.push_back(statement->symbol);
     return statement;
   }
 
@@ -103,8 +103,8 @@ private:
   std::unique_ptr<TDMStatement> selection(const TDMFileSelectSectionStatement &record)
   {
     auto statement = build_selection(record);
-    if (const std::string *name = statement->literal_section_name())
-      context_.names.referenced_names.push_back(name->c_str());
+    if (const Text *name = statement->literal_section_name())
+      context_.names.referenced_names.push_back(*name);
     return statement;
   }
 
@@ -170,7 +170,7 @@ private:
     statement->name = record.sectionName;
     if (!record.memName)
       fail_at(record, "sectionName", "memory attribute required for memory copy statement");
-    statement->memory = find_memory(context_, record.memName->str(), "a memcopy memory reference",
+    statement->memory = find_memory(context_, *record.memName, "a memcopy memory reference",
                                     place(record, "memName"));
     statement->fill = fill(record, record.fillSpec);
     return statement;
@@ -201,7 +201,7 @@ private:
     return group;
   }
 
-  void enter_group_name(const std::string &name, const TDMFileGroup &record)
+  void enter_group_name(Text name, const TDMFileGroup &record)
   {
     if (!context_.names.group_names.insert(name).second)
       fail_at(record, "group",
@@ -292,8 +292,8 @@ std::unique_ptr<TDMSectionLayout> build_section_layout(const TDMFileSectionLayou
 
 std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record)
 {
-  auto statement = std::make_unique<TDMSelectionStatement>(
-      record.sourceLocations, std::optional<std::string>(record.sectionName));
+  auto statement =
+      std::make_unique<TDMSelectionStatement>(record.sourceLocations, record.sectionName);
   statement->use_reference_tree = record.referenceTree;
   statement->selectors.reserve(record.selectors.size());
   for (const auto &selector : record.selectors)
@@ -308,8 +308,8 @@ std::unique_ptr<TDMSectionSelector> build_selector(const TDMFileSelector &record
                                                         attributes_of(attributes.attributesNotSet));
 }
 
-LayoutMemory find_memory(const LayoutContext &context, const std::string &name,
-                         const std::string &what, const TDMSourceLocation &place)
+LayoutMemory find_memory(const LayoutContext &context, Text name, const std::string &what,
+                         const TDMSourceLocation &place)
 {
   if (context.memories == nullptr)
     throw new TDMSyntaxException(

@@ -22,10 +22,10 @@ struct SectionNames;
 
 /// The name of a core, which reports alone need in one piece.
 struct CoreName {
-  const std::string &processor;
-  const std::string &core;
+  Text processor;
+  Text core;
 
-  [[nodiscard]] std::string text() const { return processor + ':' + core; }
+  [[nodiscard]] std::string text() const { return processor + ":" + core; }
 };
 
 /// Where a layout or a table lies, and what it can name from there.
@@ -50,7 +50,7 @@ build_selection(const TDMFileSelectSectionStatement &record);
 [[nodiscard]] std::unique_ptr<TDMSectionSelector> build_selector(const TDMFileSelector &record);
 
 /// The memory of that name. `what` is the phrase that reports call the reference by.
-[[nodiscard]] LayoutMemory find_memory(const LayoutContext &context, const std::string &name,
+[[nodiscard]] LayoutMemory find_memory(const LayoutContext &context, Text name,
                                        const std::string &what, const TDMSourceLocation &place);
 
 } // namespace tdm

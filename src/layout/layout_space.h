@@ -40,11 +40,11 @@ protected:
 class MemoryLookup {
 public:
   /// The memory of that name or full name; its object is null if there is none.
-  [[nodiscard]] virtual LayoutMemory find(const std::string &name) const = 0;
+  [[nodiscard]] virtual LayoutMemory find(std::string_view name) const = 0;
 
   /// The first mapping of that name of a memory that was found here, or null.
   [[nodiscard]] virtual const TDMMapping *find_mapping(const TDMMapDestination &memory,
-                                                       const std::string &name) const = 0;
+                                                       std::string_view name) const = 0;
 
 protected:
   ~MemoryLookup() = default;

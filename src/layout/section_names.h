@@ -9,21 +9,22 @@
 #include <vector>
 
 #include "common/block_pool.h"
+#include "common/text.h"
 
 namespace tdm {
 
 /// One symbol, or a run of numbered ones: a vector table may ask for millions of them, which are
 /// never written out.
 struct RequiredSymbol {
-  const char *name;  ///< the symbol, or what stands before the numbers
+  Text name;         ///< the symbol, or what stands before the numbers
   int64_t count = 0; ///< 0: one symbol without a number; else the numbers go from 0 to count - 1
 };
 
 struct SectionNames {
-  PooledVector<const char *> assigned_symbols;
-  PooledVector<const char *> optional_symbols;
+  PooledVector<Text> assigned_symbols;
+  PooledVector<Text> optional_symbols;
   std::vector<RequiredSymbol, PoolAllocator<RequiredSymbol>> required_symbols;
-  PooledVector<const char *> referenced_names;
+  PooledVector<Text> referenced_names;
   std::unordered_set<std::string_view> group_names;
 };
 

@@ -7,6 +7,7 @@
 #include "common/failures.h"
 #include "layout/name_matcher.h"
 #include "layout/regular_expression.h"
+#include "preprocessor/string_pool.h"
 
 namespace {
 
@@ -107,8 +108,7 @@ TranslatedPattern translate_pattern(std::string_view pattern)
 } // namespace tdm
 
 /// What can be wrong is compiled at once; the rest when a name is first compared with it.
-TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
-                                         const TDMSourceLocation &location)
+TDMSelectionPattern::TDMSelectionPattern(tdm::Text pattern_text, const TDMSourceLocation &location)
     : text_(pattern_text)
 {
   const tdm::PatternKind kind = tdm::kind_of_pattern(pattern_text);
@@ -119,7 +119,7 @@ TDMSelectionPattern::TDMSelectionPattern(std::string_view pattern_text,
     auto expression = std::make_unique<RegularExpression>(std::move(translated.expression), true);
     literal_ = expression->literal();
     if (literal_)
-      text_ = std::move(translated.plain);
+      text_ = tdm::pooled_text(translated.plain);
     else
       matcher_ = std::make_unique<tdm::NameMatcher>(text_, std::move(expression));
   } catch (SyntaxError *error) {

@@ -11,7 +11,9 @@
 #include <string>
 #include <string_view>
 
+#include "common/block_pool.h"
 #include "common/source_location.h"
+#include "common/text.h"
 
 namespace tdm {
 class NameMatcher;
@@ -33,14 +35,14 @@ enum class PatternKind : std::uint8_t {
 } // namespace tdm
 
 /// A pattern, ready to compare names with.
-class TDMSelectionPattern {
+class TDMSelectionPattern : public tdm::RegionGuest {
 public:
   /// A wrong pattern is refused at the location.
-  TDMSelectionPattern(std::string_view pattern_text, const TDMSourceLocation &location);
-  ~TDMSelectionPattern();
+  TDMSelectionPattern(tdm::Text pattern_text, const TDMSourceLocation &location);
+  ~TDMSelectionPattern() override;
 
   /// The name that alone matches, or null if the pattern has wildcards. Lives as the pattern does.
-  [[nodiscard]] const std::string *literal_name() const { return literal_ ? &text_ : nullptr; }
+  [[nodiscard]] const tdm::Text *literal_name() const { return literal_ ? &text_ : nullptr; }
 
   /// Whether the pattern takes the whole name.
   [[nodiscard]] bool matches(std::string_view name) const;
@@ -49,7 +51,7 @@ public:
   [[nodiscard]] tdm::NameMatcher &matcher() const;
 
 private:
-  std::string text_; ///< of a plain name without its escapes, else as it was written
+  tdm::Text text_; ///< of a plain name without its escapes, else as it was written
   bool literal_ = true;
   mutable std::unique_ptr<tdm::NameMatcher> matcher_; ///< null until it is needed
 };

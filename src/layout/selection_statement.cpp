@@ -6,12 +6,14 @@
 #include "layout/kept_sections.h"
 #include "layout/section.h"
 #include "layout/section_map.h"
+#include "layout/selection_pattern.h"
 #include "layout/space_walker.h"
 #include "layout/statement_env.h"
+#include "preprocessor/string_pool.h"
 
 TDMSelectionStatement::TDMSelectionStatement(SourceLocations locations,
-                                             std::optional<std::string> name)
-    : section_name(std::move(name))
+                                             std::optional<tdm::Text> name)
+    : section_name(name)
 {
   sourceLocations = std::move(locations);
   if (!section_name) return;
@@ -27,7 +29,7 @@ void TDMSelectionStatement::walk(TDMSpaceWalker &walker, TDMStatementEnv &env,
   walker.selection(*this, env);
 }
 
-const std::string *TDMSelectionStatement::literal_section_name() const
+const tdm::Text *TDMSelectionStatement::literal_section_name() const
 {
   if (!section_name) return nullptr;
   if (kind_ == tdm::PatternKind::plain) return &*section_name;
@@ -38,6 +40,7 @@ void TDMSelectionStatement::compile()
 {
   pattern_ = std::make_unique<TDMSelectionPattern>(
       *section_name, location_or("sectionName", location_or("select")));
+  pattern_->stay_with(this);
 }
 
 /// The load-time copy of a section has the section's name in square brackets.
@@ -48,9 +51,12 @@ const TDMSelectionPattern *TDMSelectionStatement::pattern_in(const TDMStatementE
     if (!pattern_) compile();
     return pattern_.get();
   }
-  if (!load_time_pattern_)
-    load_time_pattern_ = std::make_unique<TDMSelectionPattern>(
-        "\\[" + *section_name + "\\]", location_or("sectionName", location_or("select")));
+  if (!load_time_pattern_) {
+    load_time_pattern_ =
+        std::make_unique<TDMSelectionPattern>(tdm::pooled_text("\\[" + *section_name + "\\]"),
+                                              location_or("sectionName", location_or("select")));
+    load_time_pattern_->stay_with(this);
+  }
   return load_time_pattern_.get();
 }
 
@@ -82,9 +88,9 @@ void TDMSelectionStatement::select(TDMStatementEnv &env, TDMSectionMap &map,
                                    SectionFunction &function, bool verbose)
 {
   const TDMSelectionPattern *pattern = pattern_in(env);
-  const std::string *literal = pattern != nullptr ? pattern->literal_name() : nullptr;
+  const tdm::Text *literal = pattern != nullptr ? pattern->literal_name() : nullptr;
   const std::unique_ptr<TDMSectionEnumerator> sections =
-      literal != nullptr ? map.with_name(*literal) : map.all();
+      literal != nullptr ? map.with_name(literal->str()) : map.all();
   std::vector<TDMSection *> taken;
   while (sections->has_more()) {
     TDMSection &section = *sections->next();

@@ -2,18 +2,24 @@
 /// `select`: which of the caller's sections go here, by name and attributes.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "common/text.h"
 #include "layout/section_selector.h"
-#include "layout/selection_pattern.h"
 #include "layout/statement.h"
 
+class TDMSelectionPattern;
 struct TDMSection;
 struct TDMSectionMap;
+
+namespace tdm {
+enum class PatternKind : std::uint8_t;
+} // namespace tdm
 
 struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
   /// What is told of each section that is taken.
@@ -27,7 +33,7 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
   };
 
   /// A wrong pattern is refused at key "sectionName".
-  TDMSelectionStatement(SourceLocations locations, std::optional<std::string> name);
+  TDMSelectionStatement(SourceLocations locations, std::optional<tdm::Text> name);
   ~TDMSelectionStatement() override;
 
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
@@ -44,9 +50,9 @@ struct TDM_CLIENT_API TDMSelectionStatement final : TDMStatement {
               SectionFunction &function, bool verbose);
 
   /// The name that alone is selected; null if there is none, or one with wildcards.
-  const std::string *literal_section_name() const;
+  const tdm::Text *literal_section_name() const;
 
-  std::optional<std::string> section_name;                        ///< the pattern as it was written
+  std::optional<tdm::Text> section_name;                          ///< the pattern as it was written
   tdm::ObjectList<std::unique_ptr<TDMSectionSelector>> selectors; ///< all have to match
   bool use_reference_tree = false;                                ///< `ref_tree`
 
@@ -60,7 +66,7 @@ private:
                          const std::vector<TDMSection *> &taken, SectionFunction &function,
                          bool verbose) const;
 
-  tdm::PatternKind kind_ = tdm::PatternKind::plain; ///< of the name
+  tdm::PatternKind kind_{}; ///< of the name
   /// Made when it is first needed, but where only that tells whether it is right.
   std::unique_ptr<TDMSelectionPattern> pattern_;
   std::unique_ptr<TDMSelectionPattern> load_time_pattern_; ///< for the load-time copies of sections

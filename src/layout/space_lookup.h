@@ -13,7 +13,7 @@ namespace tdm {
 class SpaceLookup {
 public:
   /// The space of that name, or null.
-  [[nodiscard]] virtual TDMSpace *find(const std::string &name) const = 0;
+  [[nodiscard]] virtual TDMSpace *find(std::string_view name) const = 0;
 
   /// The spaces that a reference of processor, core and space means, none when the last part is
   /// unknown; a part that may not be named here, or is missing, is refused.

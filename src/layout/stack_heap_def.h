@@ -7,6 +7,7 @@
 #include <string>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "expressions/expression.h"
 
 class TDMFileHeapDef;
@@ -19,7 +20,7 @@ class ArgumentScope;
 
 /// What stacks and heaps have in common.
 struct TDMStackOrHeapDef : TDMObject {
-  std::string name;                            ///< unique in a core
+  tdm::Text name;                              ///< unique in a core
   std::unique_ptr<TDMExpression> minimal_size; ///< evaluated when it is asked for
   bool high_to_low = false;                    ///< `grows`
   int32_t alignment = 1;                       ///< in MAUs of the space

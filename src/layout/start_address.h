@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "expressions/expression.h"
 
 class TDMFileStartAddress;
@@ -19,6 +20,6 @@ struct TDMStartAddress : TDMObject {
   TDMStartAddress(const TDMFileStartAddress &record, const tdm::ArgumentScope &scope);
 
   std::unique_ptr<TDMExpression> address; ///< null if not given
-  std::string symbol;
+  tdm::Text symbol;
   int32_t bank = -1; ///< -1 if not given
 };

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "common/tdm_types.h"
+#include "common/text.h"
 #include "layout/attributes.h"
 #include "layout/range.h"
 
@@ -55,9 +56,9 @@ struct TDM_CLIENT_API TDMStatementEnv {
   const TDMGroupLocation *location = nullptr;               ///< the address or ranges in force
   bool allow_cross_references = false;                      ///< `allow_cross_references`
   int32_t priority = 1;                                     ///< 1 if no scope sets one
-  const std::string *output_section_name = nullptr;         ///< of `create_section`
+  const tdm::Text *output_section_name = nullptr;           ///< of `create_section`
   bool load_time = false;                                   ///< inside a `load_addr` group
-  const std::string *group_name = nullptr;                  ///< of the innermost group with a name
+  const tdm::Text *group_name = nullptr;                    ///< of the innermost group with a name
   int32_t direction = 0;     ///< of the layout: 0 not set, 1 low to high, 2 high to low
   int32_t overlay_depth = 0; ///< groups passed since the nearest overlay group
 

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/text.h"
 #include "expressions/expression.h"
 #include "layout/attributes.h"
 #include "layout/fill_spec.h"
@@ -22,7 +23,7 @@
 struct TDM_CLIENT_API TDMAssignment final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string symbol;                   ///< the name on the left
+  tdm::Text symbol;                     ///< the name on the left
   int32_t op = 0;                       ///< 1 for `=`, 2 for `:=`
   std::unique_ptr<TDMExpression> value; ///< never null
   bool plain = false;                   ///< true for `=`
@@ -47,14 +48,14 @@ struct TDM_CLIENT_API TDMIfStatement final : TDMStatement {
 struct TDM_CLIENT_API TDMHeapStatement final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                    ///< of the heap
+  tdm::Text name;                      ///< of the heap
   std::unique_ptr<TDMExpression> size; ///< null if not given
 };
 
 struct TDM_CLIENT_API TDMStackStatement final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                    ///< of the stack
+  tdm::Text name;                      ///< of the stack
   std::unique_ptr<TDMExpression> size; ///< null if not given
 };
 
@@ -67,7 +68,7 @@ struct TDM_CLIENT_API TDMTableStatement final : TDMStatement {
 struct TDM_CLIENT_API TDMReservedStatement final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                    ///< of the area
+  tdm::Text name;                      ///< of the area
   std::unique_ptr<TDMExpression> size; ///< null if not given
   TDMAttributes attributes;            ///< none set if not given
   std::unique_ptr<TDMFillSpec> fill;   ///< null if not given
@@ -80,8 +81,8 @@ struct TDM_CLIENT_API TDMCreateSectionStatement final : TDMStatement {
   /// What it contains is a scope with a fresh environment.
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                          ///< of the section
-  std::optional<std::string> overflow_name;  ///< `overflow = `; absent if not given
+  tdm::Text name;                            ///< of the section
+  std::optional<tdm::Text> overflow_name;    ///< `overflow = `; absent if not given
   std::unique_ptr<TDMExpression> size;       ///< never null; the block size where no size is given
   std::unique_ptr<TDMExpression> block_size; ///< null if not given
   TDMAttributes attributes;                  ///< none set if not given
@@ -93,7 +94,7 @@ struct TDM_CLIENT_API TDMCreateSectionStatement final : TDMStatement {
 struct TDM_CLIENT_API TDMMemoryCopyStatement final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                  ///< of the section that holds the copy
+  tdm::Text name;                    ///< of the section that holds the copy
   tdm::LayoutMemory memory;          ///< whose contents are meant
   std::unique_ptr<TDMFillSpec> fill; ///< null if not given
 };
@@ -102,6 +103,6 @@ struct TDM_CLIENT_API TDMMemoryCopyStatement final : TDMStatement {
 struct TDM_CLIENT_API TDMStructStatement final : TDMStatement {
   void walk(TDMSpaceWalker &walker, TDMStatementEnv &env, const tdm::LayoutSpace &space) override;
 
-  std::string name;                                                            ///< of the section
+  tdm::Text name;                                                              ///< of the section
   tdm::ObjectList<std::pair<std::unique_ptr<TDMExpression>, int32_t>> members; ///< value and size
 };

@@ -11,6 +11,7 @@
 
 #include "common/tdm_object.h"
 #include "common/tdm_types.h"
+#include "common/text.h"
 #include "expressions/expression.h"
 
 /// What stands in a vector.
@@ -19,7 +20,7 @@ struct TDM_CLIENT_API TDMVectorValue final : TDMObject {
   enum Type : int32_t { symbol_value = 1, numbers = 2, loop = 3 };
 
   Type type = symbol_value;                   ///< tells which of the members below counts
-  tdm::ObjectText symbol;                     ///< of a symbol
+  tdm::Text symbol;                           ///< of a symbol
   tdm::ObjectList<int64_t> values;            ///< of numbers
   std::unique_ptr<TDMExpression> loop_offset; ///< of a loop; may be null
 };
@@ -33,14 +34,14 @@ struct TDM_CLIENT_API TDMVector final : TDMObject {
 };
 
 struct TDM_CLIENT_API TDMVectorTable final : TDMObject {
-  std::string name;                              ///< of the table
+  tdm::Text name;                                ///< of the table
   std::unique_ptr<TDMExpression> vector_size;    ///< of one vector, in MAUs of the space
   std::unique_ptr<TDMExpression> size;           ///< number of vectors
-  std::optional<std::string> id_symbol_prefix;   ///< absent if not given
+  std::optional<tdm::Text> id_symbol_prefix;     ///< absent if not given
   std::unique_ptr<TDMExpression> run_address;    ///< in the space; null if not given
-  std::string template_name;                     ///< the template section
-  std::string template_symbol_name;              ///< the symbol in it that stands for the target
-  std::optional<std::string> vector_name_prefix; ///< absent if not given
+  tdm::Text template_name;                       ///< the template section
+  tdm::Text template_symbol_name;                ///< the symbol in it that stands for the target
+  std::optional<tdm::Text> vector_name_prefix;   ///< absent if not given
   std::unique_ptr<TDMVectorValue> default_value; ///< null if not given
   bool default_inline = true;                    ///< false with `no_inline`
   bool copy = false;                             ///< `copy`

@@ -22,8 +22,7 @@ public:
   {
     copy_fields();
     if (record_.memoryName) map_run_address();
-    if (record_.templateName)
-      context_.names.referenced_names.push_back(table_->template_name.c_str());
+    if (record_.templateName) context_.names.referenced_names.push_back(table_->template_name);
     require_items();
     if (names_symbol(table_->default_value)) require_symbol(table_->default_value->symbol);
     table_->vectors.reserve(record_.vectors.size());
@@ -54,7 +53,7 @@ private:
   void map_run_address()
   {
     const TDMSourceLocation place = place_of(record_, "run_address");
-    const LayoutMemory memory = find_memory(context_, record_.memoryName->str(),
+    const LayoutMemory memory = find_memory(context_, *record_.memoryName,
                                             "memory reference for a vector table entry", place);
     const AddressValue position(table_->run_address->value(), 0, memory.object->get_mau_size());
     const auto routes = memory_to_space(context_.space, *memory.object, nullptr, position);
@@ -89,7 +88,7 @@ private:
     vector->optional = record.optional;
     if (names_symbol(vector->value)) {
       if (vector->optional)
-        context_.names.optional_symbols.push_back(vector->value->symbol.c_str());
+        context_.names.optional_symbols.push_back(vector->value->symbol);
       else
         require_symbol(vector->value->symbol);
     }
@@ -120,16 +119,13 @@ private:
     return value != nullptr && value->type == TDMVectorValue::symbol_value;
   }
 
-  void require_symbol(const ObjectText &symbol)
-  {
-    context_.names.required_symbols.push_back({symbol.c_str()});
-  }
+  void require_symbol(Text symbol) { context_.names.required_symbols.push_back({symbol}); }
 
   void require_numbered_symbols()
   {
     const int64_t size = table_->size->value();
     if (table_->id_symbol_prefix && size > 0)
-      context_.names.required_symbols.push_back({table_->id_symbol_prefix->c_str(), size});
+      context_.names.required_symbols.push_back({*table_->id_symbol_prefix, size});
   }
 
   std::unique_ptr<TDMExpression> translate(const ExpressionPtr &expression, LocationKey key) const

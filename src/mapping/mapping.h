@@ -12,6 +12,7 @@
 #include <string>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "mapping/interval.h"
 #include "mapping/map_graph.h"
 
@@ -95,7 +96,7 @@ struct TDMMapping : TDMObject {
   bool reserved = false;
   int32_t priority = 0;      ///< what a route forward adds, 16 fractional bits
   int32_t exec_priority = 0; ///< the same for execution
-  std::optional<std::string> name;
+  std::optional<tdm::Text> name;
 
 private:
   friend class tdm::MappingIndex;

@@ -14,7 +14,9 @@ const MappingIndex *MappingIndex::of_long(const PooledVector<TDMMapping *> &list
   if (index == nullptr || index->entries_.size() != list.size()) {
     const auto complete = [](const TDMMapping *mapping) { return mapping->is_complete(); };
     if (!std::all_of(list.begin(), list.end(), complete)) return nullptr;
-    index.reset(new MappingIndex(list, direction));
+    std::unique_ptr<MappingIndex> made(new MappingIndex(list, direction));
+    made->stay_with(list.front());
+    index = std::move(made);
   }
   return index.get();
 }

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "mapping/inline_stack.h"
 #include "mapping/mapping.h"
 #include "mapping/shift.h"
@@ -42,7 +43,7 @@ struct Reach {
          span.high.value >= reach.low;
 }
 
-class MappingIndex {
+class MappingIndex : public RegionGuest {
 public:
   /// Below this length a list is gone through as it is.
   static constexpr size_t min_length = 16;

@@ -59,7 +59,7 @@ std::string TDMBus::full_name() const
 }
 
 void TDMBus::resolve_mappings(const TDMFileBus &record, Form form, const tdm::BusesInReach &reach,
-                              const std::string *processor, const std::string *core,
+                              const tdm::Text *processor, const tdm::Text *core,
                               const tdm::ArgumentScope &scope)
 {
   // The entries of the record come first in owned_; the edges of the opposite direction, which are

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "mapping/map_graph.h"
 #include "mapping/mapping.h"
 #include "preprocessor/known_names.h"
@@ -33,7 +34,7 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   /// Finds the bus at the other end of each mapping, and adds the edge of the opposite direction.
   /// `processor` and `core` prefix the names that the entries give; each may be null.
   void resolve_mappings(const TDMFileBus &record, Form form, const tdm::BusesInReach &reach,
-                        const std::string *processor, const std::string *core,
+                        const tdm::Text *processor, const tdm::Text *core,
                         const tdm::ArgumentScope &scope);
 
   int get_mau_size() const override { return mau_size; }
@@ -50,13 +51,13 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
     return owned_;
   }
 
-  std::string name;
+  tdm::Text name;
   mutable tdm::KnownNames known_names;
-  const std::string *core_name = nullptr;      ///< the name of the core that it belongs to
-  const std::string *processor_name = nullptr; ///< null for a global bus
-  int32_t mau_size = 0;                        ///< bits
-  int32_t width = 0;                           ///< bits, a whole multiple of the MAU
-  int32_t address_width = -1;                  ///< bits, -1 if not given
+  const tdm::Text *core_name = nullptr;      ///< the name of the core that it belongs to
+  const tdm::Text *processor_name = nullptr; ///< null for a global bus
+  int32_t mau_size = 0;                      ///< bits
+  int32_t width = 0;                         ///< bits, a whole multiple of the MAU
+  int32_t address_width = -1;                ///< bits, -1 if not given
   bool wishbone = false;
 
 private:

@@ -13,7 +13,7 @@ namespace tdm {
 
 /// A name with perhaps one more before it and a colon between them.
 struct QualifiedName {
-  const std::string *qualifier; ///< null for a plain name
+  const Text *qualifier; ///< null for a plain name
   std::string_view name;
 };
 
@@ -60,8 +60,7 @@ class BusesInReach {
 public:
   /// Adds buses that are named as they are or, with the name of their core or processor before
   /// theirs, from farther off.
-  void add(const PooledVector<std::unique_ptr<TDMBus>> &buses,
-           const std::string *qualifier = nullptr)
+  void add(const PooledVector<std::unique_ptr<TDMBus>> &buses, const Text *qualifier = nullptr)
   {
     for (const auto &bus : buses) {
       buses_.push_back({{qualifier, bus->name}, bus.get()});
@@ -91,8 +90,8 @@ private:
 };
 
 /// `<processor>:<core>:<name>`, each prefix and its colon left out where it is null.
-[[nodiscard]] inline std::string prefixed_name(const std::string *processor,
-                                               const std::string *core, std::string_view name)
+[[nodiscard]] inline std::string prefixed_name(const Text *processor, const Text *core,
+                                               std::string_view name)
 {
   std::string text;
   text.reserve((processor != nullptr ? processor->size() + 1 : 0) +

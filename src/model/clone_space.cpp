@@ -13,6 +13,7 @@
 #include "model/mapping_builder.h"
 #include "model/memory.h"
 #include "model/spec.h"
+#include "preprocessor/string_pool.h"
 
 namespace {
 
@@ -113,23 +114,23 @@ void append_connections(const TDMMapDestination &memory, const Interval &interva
 
 } // namespace
 
-TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, std::string core,
-                             std::string processor, int32_t space_id,
-                             const TDMSourceLocation &place)
-    : members(std::move(spaces)), owned_core_name_(std::move(core)),
-      owned_processor_name_(std::move(processor))
+TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, tdm::Text core, tdm::Text processor,
+                             int32_t space_id, const TDMSourceLocation &place)
+    : members(std::move(spaces)), owned_core_name_(core), owned_processor_name_(processor)
 {
   core_name = &owned_core_name_;
   processor_name = &owned_processor_name_;
   id = space_id;
+  std::string names;
   for (const TDMSpace *space : members) {
-    if (!name.empty()) name += '|';
-    name += lower_case(space->full_name());
+    if (!names.empty()) names += '|';
+    names += lower_case(space->full_name());
     if (space == members.front()) mau_size = space->mau_size;
     if (space->mau_size != mau_size)
-      throw new TDMSyntaxException(place, "the address spaces making up clone space \"" + name +
+      throw new TDMSyntaxException(place, "the address spaces making up clone space \"" + names +
                                               "...\" do not all have the same MAU size");
   }
+  name = tdm::pooled_text(names);
   connect();
   compute_valid_interval();
 }
@@ -168,7 +169,7 @@ namespace {
 /// The space of a full name, `<processor>:<core>:<space>`, or null. The processor at hand is not
 /// in the list of the spec before it is complete.
 TDMSpace *find_by_full_name(const std::string &full_name, const TDMSpec &spec,
-                            const std::string &own_processor,
+                            std::string_view own_processor,
                             const tdm::PooledVector<std::unique_ptr<TDMCore>> &siblings)
 {
   const size_t first = full_name.find(':');

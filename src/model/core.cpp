@@ -117,7 +117,7 @@ private:
 
 } // namespace
 
-TDMSpace *CoreSpaceLookup::find(const std::string &name) const
+TDMSpace *CoreSpaceLookup::find(std::string_view name) const
 {
   return core_.find_space(name);
 }
@@ -143,7 +143,7 @@ std::vector<TDMSpace *> CoreSpaceLookup::resolve(const TDMFileCopySubTableSpace 
 
 } // namespace tdm
 
-TDMCore::TDMCore(const TDMFileCore &record, const std::string &processor,
+TDMCore::TDMCore(const TDMFileCore &record, const tdm::Text &processor,
                  const tdm::Templates &templates, const tdm::ArgumentScope &scope)
     : TDMObject{record.sourceLocations}, name(record.name.value_or("")),
       architecture_name(record.archName.value_or("")), processor_name(&processor),

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "layout/section_names.h"
 #include "model/bus.h"
 #include "model/name_index.h"
@@ -24,7 +25,7 @@ class Templates;
 
 struct TDMCore : TDMObject {
   /// Runs both passes over the chain of architectures that the record names.
-  TDMCore(const TDMFileCore &record, const std::string &processor, const tdm::Templates &templates,
+  TDMCore(const TDMFileCore &record, const tdm::Text &processor, const tdm::Templates &templates,
           const tdm::ArgumentScope &scope);
   ~TDMCore();
   TDMCore(const TDMCore &) = delete;
@@ -55,10 +56,10 @@ struct TDMCore : TDMObject {
   /// Makes the space of a copy table that of the core, unless the core refers to another.
   void set_copy_table_space(TDMSpace &space, const TDMSourceLocation &place);
 
-  std::string name;
+  tdm::Text name;
   mutable tdm::KnownNames known_names;
-  std::string architecture_name;
-  const std::string *processor_name;
+  tdm::Text architecture_name;
+  const tdm::Text *processor_name;
   tdm::PooledVector<int32_t> endianness; ///< enum tdm_endianness, in the order of the text
   tdm::PooledVector<std::unique_ptr<TDMBus>> buses;
   tdm::PooledVector<std::unique_ptr<TDMSpace>> spaces;

@@ -12,7 +12,7 @@ class CoreSpaceLookup final : public SpaceLookup {
 public:
   explicit CoreSpaceLookup(const TDMCore &core) : core_(core) {}
 
-  [[nodiscard]] TDMSpace *find(const std::string &name) const override;
+  [[nodiscard]] TDMSpace *find(std::string_view name) const override;
   /// Several names mean all these spaces: what would stand for them together can't be made before
   /// the memories of the processor are there.
   [[nodiscard]] std::vector<TDMSpace *>

@@ -5,6 +5,7 @@
 
 #include "layout/record_values.h"
 #include "model/templates.h"
+#include "preprocessor/string_pool.h"
 
 namespace tdm {
 
@@ -43,7 +44,7 @@ std::unique_ptr<TDMFileBus> make_bus(const TDMFileBus &of_core, Text core)
     copy_location(of_core, key, *bus, key);
 
   auto mapping = std::make_unique<TDMFileMapping>();
-  mapping->destination = Text::joined(core, ':', of_core.name.value_or(""));
+  mapping->destination = joined_text(core, ':', of_core.name.value_or(""));
   mapping->destinationKind = 1;
   mapping->size = std::make_unique<TDMExprNumber>(whole_bus);
   copy_location(of_core, "name", *mapping, "destination");

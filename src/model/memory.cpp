@@ -87,7 +87,7 @@ Interval TDMMemory::address_range() const
 }
 
 void TDMMemory::resolve_mappings(const TDMFileMemory &record, const tdm::BusesInReach &reach,
-                                 const std::string *processor)
+                                 const tdm::Text *processor)
 {
   const Interval whole = address_range();
   for (size_t i = 0; i < record.mappings.size(); ++i) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "layout/fill_spec.h"
 #include "mapping/interval.h"
 #include "mapping/map_graph.h"
@@ -29,7 +30,7 @@ struct TDMMemory : TDMMapDestination, TDMObject {
 
   /// Finds the bus that each mapping comes from, and checks that it stays inside the memory.
   void resolve_mappings(const TDMFileMemory &record, const tdm::BusesInReach &reach,
-                        const std::string *processor);
+                        const tdm::Text *processor);
 
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
@@ -45,18 +46,18 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   /// The whole memory, [0, size) in its own MAUs.
   [[nodiscard]] Interval address_range() const;
 
-  std::string name;
+  tdm::Text name;
   mutable tdm::KnownNames known_names;
-  const std::string *processor_name = nullptr; ///< null for a global memory
-  int32_t mau_size = 0;                        ///< bits
-  int64_t size = 0;                            ///< MAUs
+  const tdm::Text *processor_name = nullptr; ///< null for a global memory
+  int32_t mau_size = 0;                      ///< bits
+  int64_t size = 0;                          ///< MAUs
   int32_t priority = 1;
   int32_t exec_priority = 1;
   std::unique_ptr<TDMFillSpec> fill_spec; ///< null without `fill`
   int32_t type = 0;                       ///< enum tdm_memory_type
   bool reserved = false;
   int32_t write_unit = 1;
-  std::optional<std::string> write_mode;
+  std::optional<tdm::Text> write_mode;
   int32_t setup_time = 0;
   int32_t hold_time = 0;
   int32_t cycles = 0;

@@ -204,7 +204,7 @@ void TDMProcessor::instantiate(const TDMFileDerivative &derivative, tdm::Argumen
   tdm::NameSet seen;
   parameter_names.reserve(derivative.parameters.size());
   for (const tdm::FileParameter &parameter : derivative.parameters)
-    if (seen.add(parameter.name)) parameter_names.push_back(parameter.name.str());
+    if (seen.add(parameter.name)) parameter_names.push_back(parameter.name);
   for (const auto &core : cores) core->check(runner);
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "expressions/argument_scope.h"
 #include "model/clone_space_registry.h"
 #include "model/core.h"
@@ -51,16 +52,16 @@ struct TDMProcessor : TDMObject {
   /// Refuses cores, buses and memories of one full name.
   void check_names() const;
 
-  std::string name;
+  tdm::Text name;
   mutable tdm::KnownNames known_names;
-  std::string derivative_name;
+  tdm::Text derivative_name;
   tdm::PooledVector<std::unique_ptr<TDMCore>> cores;
   tdm::PooledVector<std::unique_ptr<TDMBus>> buses;
   tdm::PooledVector<std::unique_ptr<TDMMemory>> memories;
   /// Of its derivative, not of the bases, with copies of what they are bound to: for expressions
   /// that a caller brings after the parse.
   tdm::ArgumentScope parameters;
-  std::vector<std::string> parameter_names; ///< in the order of the definition, each once
+  std::vector<tdm::Text> parameter_names; ///< in the order of the definition, each once
 
 private:
   void instantiate(const TDMFileDerivative &derivative, tdm::Arguments arguments,

@@ -24,10 +24,10 @@ template <class Call> auto if_possible(Call call) -> std::optional<decltype(call
   }
 }
 
-ParameterMeaning meaning_of(const std::string &name, const ArgumentScope &parameters,
+ParameterMeaning meaning_of(Text name, const ArgumentScope &parameters,
                             const TDMSourceLocation &place)
 {
-  ParameterMeaning meaning{&name, std::nullopt, std::nullopt};
+  ParameterMeaning meaning{name, std::nullopt, std::nullopt};
   const ArgumentScope::Binding *binding = parameters.find(name);
   const auto expression =
       if_possible([&] { return tdm_translate_expression(binding->record, parameters, place); });
@@ -44,7 +44,7 @@ std::vector<ParameterMeaning> parameter_meanings(const TDMProcessor &processor)
   std::vector<ParameterMeaning> meanings;
   meanings.reserve(processor.parameter_names.size());
   const TDMSourceLocation place = processor.location_or("name");
-  for (const std::string &name : processor.parameter_names)
+  for (const Text name : processor.parameter_names)
     meanings.push_back(meaning_of(name, processor.parameters, place));
   return meanings;
 }

@@ -6,12 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "common/text.h"
+
 struct TDMProcessor;
 
 namespace tdm {
 
 struct ParameterMeaning {
-  const std::string *name; ///< of the processor's own
+  Text name; ///< in the order of the definition, each once
   /// Without names of other parameters. Absent for what needs a space, or can't be resolved: a
   /// parameter that nobody uses may be bound to anything.
   std::optional<std::string> text;

@@ -27,13 +27,13 @@ public:
   {
   }
 
-  [[nodiscard]] LayoutMemory find(const std::string &name) const override
+  [[nodiscard]] LayoutMemory find(std::string_view name) const override
   {
     return targets_.find_memory(processor_, name);
   }
 
   [[nodiscard]] const TDMMapping *find_mapping(const TDMMapDestination &memory,
-                                               const std::string &name) const override
+                                               std::string_view name) const override
   {
     return targets_.find_mapping(memory, name);
   }
@@ -79,7 +79,7 @@ class SetupSpaceLookup final : public SpaceLookup {
 public:
   SetupSpaceLookup(SectionTargets &targets, const TDMCore &core) : targets_(targets), core_(core) {}
 
-  [[nodiscard]] TDMSpace *find(const std::string &name) const override
+  [[nodiscard]] TDMSpace *find(std::string_view name) const override
   {
     return core_.find_space(name);
   }
@@ -158,8 +158,7 @@ void SectionItems::add_reserved_ranges(const TDMFileSectionSetup &record,
   for (const FileRange &range : record.reservedRanges) {
     const int64_t low = evaluate(*range.low, scope, place);
     const int64_t high = evaluate(*range.high, scope, place);
-    space.reserved_ranges.push_back(
-        std::make_unique<TDMReservedRange>(TDMReservedRange{low, high}));
+    space.reserved_ranges.push_back(std::make_unique<TDMReservedRange>(low, high));
   }
 }
 

@@ -57,7 +57,7 @@ TDMSpace *only_space(const TDMCore &core)
 }
 
 /// The names of a group of spaces, without the processor and the core before them.
-std::vector<std::string> split_members(const std::string &names)
+std::vector<std::string> split_members(std::string_view names)
 {
   const size_t first = names.find(':');
   const size_t second = first == std::string::npos ? first : names.find(':', first + 1);
@@ -65,7 +65,7 @@ std::vector<std::string> split_members(const std::string &names)
   size_t begin = second == std::string::npos ? 0 : second + 1;
   for (size_t end = 0; end != std::string::npos; begin = end + 1) {
     end = names.find('|', begin);
-    members.push_back(names.substr(begin, end - begin));
+    members.emplace_back(names.substr(begin, end - begin));
   }
   return members;
 }
@@ -104,7 +104,7 @@ SectionTargets::Target SectionTargets::find(const Record &record, const TargetWo
 
   const TDMSourceLocation space_place = place_of(record, "spaceName", words.key);
   TDMSpace *space = record.spaceName
-                        ? find_space(processor, *core, record.spaceName->str(), space_place, place)
+                        ? find_space(processor, *core, *record.spaceName, space_place, place)
                         : only_space(*core);
   if (space == nullptr)
     throw new TDMSyntaxException(
@@ -125,16 +125,15 @@ TDMProcessor &SectionTargets::find_processor(const std::optional<Text> &name,
   return *processor;
 }
 
-TDMSpace *SectionTargets::find_space(TDMProcessor &processor, TDMCore &core,
-                                     const std::string &name, const TDMSourceLocation &place,
-                                     const TDMSourceLocation &asked)
+TDMSpace *SectionTargets::find_space(TDMProcessor &processor, TDMCore &core, std::string_view name,
+                                     const TDMSourceLocation &place, const TDMSourceLocation &asked)
 {
   if (name.find('|') != std::string::npos) return clone_space(processor, core, name, place, asked);
   return core.find_space(name);
 }
 
 TDMSpace *SectionTargets::clone_space(TDMProcessor &processor, TDMCore &core,
-                                      const std::string &names, const TDMSourceLocation &place,
+                                      std::string_view names, const TDMSourceLocation &place,
                                       const TDMSourceLocation &asked)
 {
   if (core.imported)
@@ -146,7 +145,7 @@ TDMSpace *SectionTargets::clone_space(TDMProcessor &processor, TDMCore &core,
     if (found == nullptr)
       throw new TDMSyntaxException(place, "could not resolve address space reference \"" + member +
                                               "\" in clone address space section layout \"" +
-                                              names + "\"");
+                                              std::string(names) + "\"");
     full_names.insert(found->full_name());
   }
   if (TDMCloneSpace *known_clone = registry_.find_clone_space(full_names)) return known_clone;
@@ -187,7 +186,7 @@ TDMSpace *SectionTargets::resolve(const TDMFileCopySubTableSpace &reference)
                                  "could not find core with name \"" + *reference.coreName + "\"");
   }
   const TDMSourceLocation place = place_of(reference, "spaceName", "spaceRef");
-  return find_space(processor, *core, reference.spaceName.value_or("").str(), place, place);
+  return find_space(processor, *core, reference.spaceName.value_or(""), place, place);
 }
 
 TDMProcessor &SectionTargets::referenced_processor(const TDMFileCopySubTableSpace &reference) const
@@ -207,8 +206,7 @@ TDMProcessor &SectionTargets::referenced_processor(const TDMFileCopySubTableSpac
                                "could not find processor with name \"" + *reference.cpuName + "\"");
 }
 
-LayoutMemory SectionTargets::find_memory(const TDMProcessor &processor,
-                                         const std::string &name) const
+LayoutMemory SectionTargets::find_memory(const TDMProcessor &processor, std::string_view name) const
 {
   const TDMMemory *memory = processor.find_memory_by_plain_name(name);
   if (memory == nullptr) memory = processor.find_memory(name);
@@ -217,7 +215,7 @@ LayoutMemory SectionTargets::find_memory(const TDMProcessor &processor,
 }
 
 const TDMMapping *SectionTargets::find_mapping(const TDMMapDestination &memory,
-                                               const std::string &name)
+                                               std::string_view name)
 {
   const auto [entry, added] = mappings_.try_emplace(&memory);
   NamedMappings &mappings = entry->second;

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "common/source_location.h"
-#include "language/text.h"
+#include "common/text.h"
 #include "layout/layout_space.h"
 #include "model/clone_space_registry.h"
 
@@ -55,11 +55,11 @@ public:
   /// A memory that a layout of the processor names: of the processor, by name or full name, and at
   /// file level also a global one. The object is null if there is none.
   [[nodiscard]] LayoutMemory find_memory(const TDMProcessor &processor,
-                                         const std::string &name) const;
+                                         std::string_view name) const;
 
   /// The first mapping of that name of a memory, or null.
   [[nodiscard]] const TDMMapping *find_mapping(const TDMMapDestination &memory,
-                                               const std::string &name);
+                                               std::string_view name);
 
 private:
   /// What the spaces of a processor can be called by in a group, beside their plain names.
@@ -71,9 +71,9 @@ private:
   TDMProcessor &find_processor(const std::optional<Text> &name, const TargetWords &words,
                                const TDMSourceLocation &place) const;
   /// `place` is that of the name, `asked` that of the definition.
-  TDMSpace *find_space(TDMProcessor &processor, TDMCore &core, const std::string &name,
+  TDMSpace *find_space(TDMProcessor &processor, TDMCore &core, std::string_view name,
                        const TDMSourceLocation &place, const TDMSourceLocation &asked);
-  TDMSpace *clone_space(TDMProcessor &processor, TDMCore &core, const std::string &names,
+  TDMSpace *clone_space(TDMProcessor &processor, TDMCore &core, std::string_view names,
                         const TDMSourceLocation &place, const TDMSourceLocation &asked);
   TDMSpace *find_member(const TDMProcessor &processor, const TDMCore &core,
                         const std::string &member);

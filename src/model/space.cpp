@@ -120,7 +120,7 @@ void TDMAllocSpace::create_definitions(const TDMFileSpace &record, TDMCore &core
   for (const auto &range : record.reservedRanges) {
     const int64_t low = tdm::number_of(record, "name", *range.low, scope);
     const int64_t high = tdm::number_of(record, "name", *range.high, scope);
-    reserved_ranges.push_back(std::make_unique<TDMReservedRange>(TDMReservedRange{low, high}));
+    reserved_ranges.push_back(std::make_unique<TDMReservedRange>(low, high));
   }
   if (record.startAddress != nullptr)
     start_address = std::make_unique<TDMStartAddress>(*record.startAddress, scope);
@@ -205,10 +205,10 @@ void TDMAllocSpace::resolve_mapping(TDMMapping &mapping, const TDMFileMapping &r
     bank_def->add_bank(record.bankNum, tdm::place_of(record, "bankNum"));
 }
 
-TDMVoidSpace::TDMVoidSpace(std::string space_name, int32_t space_id, int32_t mau)
+TDMVoidSpace::TDMVoidSpace(tdm::Text space_name, int32_t space_id, int32_t mau)
 {
-  static const std::string no_name;
-  name = std::move(space_name);
+  static const tdm::Text no_name;
+  name = space_name;
   core_name = &no_name;
   processor_name = &no_name;
   id = space_id;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/tdm_object.h"
+#include "common/text.h"
 #include "layout/bank_def.h"
 #include "layout/copy_table.h"
 #include "layout/input_modification.h"
@@ -68,10 +69,10 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   /// The space as layouts see it.
   [[nodiscard]] const tdm::LayoutSpace &layout_view() const { return view_; }
 
-  std::string name;
+  tdm::Text name;
   mutable tdm::KnownNames known_names;
-  const std::string *core_name = nullptr;
-  const std::string *processor_name = nullptr;
+  const tdm::Text *core_name = nullptr;
+  const tdm::Text *processor_name = nullptr;
   int32_t id = 0;
   int32_t mau_size = 0; ///< bits
   int32_t alignment = 0;
@@ -148,7 +149,7 @@ private:
 
 /// The placeholder for what isn't allocated; every core that isn't imported gets one.
 struct TDMVoidSpace final : TDMSpace {
-  TDMVoidSpace(std::string space_name, int32_t space_id, int32_t mau);
+  TDMVoidSpace(tdm::Text space_name, int32_t space_id, int32_t mau);
 
   void check_mappings() const override {}
   void resolve_mappings(TDMCore &, const tdm::BusesInReach &, const TDMFileSpace &) override {}
@@ -156,7 +157,7 @@ struct TDMVoidSpace final : TDMSpace {
 
 /// A space that stands for several at once, reaching each memory through one of them.
 struct TDMCloneSpace final : TDMSpace {
-  TDMCloneSpace(std::vector<TDMSpace *> spaces, std::string core, std::string processor,
+  TDMCloneSpace(std::vector<TDMSpace *> spaces, tdm::Text core, tdm::Text processor,
                 int32_t space_id, const TDMSourceLocation &place);
 
   void check_mappings() const override {}
@@ -168,6 +169,6 @@ private:
   void connect();
   void add_member_mapping(const Interval &span, TDMSpace &member);
 
-  std::string owned_core_name_;
-  std::string owned_processor_name_;
+  tdm::Text owned_core_name_;
+  tdm::Text owned_processor_name_;
 };

@@ -25,6 +25,22 @@ TDMSourceLocation whole_input(const std::vector<std::string> &files)
   return {files.empty() ? "" : tdm::intern(files.front()), 0, 0};
 }
 
+/// Leaves objects to their region, which takes them without a look.
+template <class Object> void leave(tdm::PooledVector<std::unique_ptr<Object>> &objects)
+{
+  for (auto &object : objects) static_cast<void>(object.release());
+}
+
+void leave_contents(TDMSpace &space)
+{
+  leave(space.section_layouts);
+  leave(space.vector_tables);
+  leave(space.stacks);
+  leave(space.heaps);
+  leave(space.reserved_ranges);
+  leave(space.input_modifications);
+}
+
 /// Runs `work`; a failure goes on as a finished text, which nothing behind it changes any more. The
 /// text is that of the check that has failed before it, if one has: without mercy for that the
 /// parse would have ended there.
@@ -50,6 +66,7 @@ void with_finished_texts(const std::optional<std::string> &check_failure, Work w
 
 TDMSpec::TDMSpec(const std::vector<std::string> &files, Checks checks)
 {
+  const tdm::PoolScope blocks(region_.pool());
   const std::unique_ptr<TDMFileInterface> records = parse(files);
   if (records == nullptr)
     throw new TDMUnexpectedErrorException(whole_input(files), "could not allocate TDM file");
@@ -62,7 +79,21 @@ TDMSpec::TDMSpec(const std::vector<std::string> &files, Checks checks)
   });
 }
 
-TDMSpec::~TDMSpec() = default;
+/// What there is much of stays to the region, which ends right behind.
+TDMSpec::~TDMSpec()
+{
+  if (!tdm::Region::ends_objects) return;
+  leave(memories);
+  leave(buses);
+  for (const auto &processor : processors) {
+    leave(processor->memories);
+    leave(processor->buses);
+    for (const auto &core : processor->cores) {
+      leave(core->buses);
+      for (const auto &space : core->spaces) leave_contents(*space);
+    }
+  }
+}
 
 std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> &files)
 {
@@ -94,7 +125,10 @@ void TDMSpec::add_section_items(TDMFileInterface &records)
 {
   const tdm::ArgumentScope no_parameters;
   tdm::SectionItems items((tdm::SectionTargets(*this)));
-  for (const auto &setup : records.sectionSetups) items.apply_setup(*setup, no_parameters);
+  for (auto &setup : records.sectionSetups) {
+    items.apply_setup(*setup, no_parameters);
+    setup.reset();
+  }
   for (auto &layout : records.sectionLayouts) {
     items.add_layout(*layout, no_parameters);
     layout.reset();
@@ -146,9 +180,11 @@ void TDMSpec::create_globals(TDMFileInterface &records)
     memories[i]->resolve_mappings(*records.memories[i], reach, nullptr);
     records.memories[i].reset();
   }
-  for (size_t i = 0; i < buses.size(); ++i)
+  for (size_t i = 0; i < buses.size(); ++i) {
     buses[i]->resolve_mappings(*records.buses[i], TDMBus::Form::reversed, reach, nullptr, nullptr,
                                no_parameters);
+    records.buses[i].reset();
+  }
 }
 
 void TDMSpec::check() const

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "model/bus.h"
 #include "model/clone_space_registry.h"
 #include "model/memory.h"
@@ -51,6 +52,10 @@ struct TDMSpec : TDMCloneSpaceRegistry {
     return memory_index_.find(name);
   }
 
+private:
+  tdm::Region region_; ///< of all blocks that the parse allocates
+
+public:
   // In the order of destruction, last to first: processors go first.
   std::set<std::string> file_dependencies;
   std::optional<std::string> check_failure; ///< of a spec that is kept for reading all the same

@@ -1,6 +1,6 @@
 // The pool's copies of an object's two names, once they have been asked for: names don't change,
-// so that only the first question has to compose and to search. The pool may end and begin anew
-// while the object lives; what was kept is forgotten then.
+// so that only the first question has to compose and to search. The names themselves are texts of
+// the pool, too, and end with it, though the object may live on.
 #pragma once
 
 #include <cstdint>
@@ -13,23 +13,18 @@ class KnownNames {
 public:
   enum Which : uint8_t { plain, full };
 
-  /// Null if it isn't known to this pool.
-  [[nodiscard]] const char *find(Which which) const
-  {
-    return pool_ == string_pool_number() ? texts_[which] : nullptr;
-  }
+  /// Whether the pool is still the one in which the object was made.
+  [[nodiscard]] bool readable() const { return pool_ == string_pool_number(); }
+
+  /// Null if it isn't known.
+  [[nodiscard]] const char *find(Which which) const { return readable() ? texts_[which] : nullptr; }
 
   /// Keeps a text of the pool, and gives it.
-  const char *keep(Which which, const char *text)
-  {
-    if (pool_ != string_pool_number()) *this = {};
-    pool_ = string_pool_number();
-    return texts_[which] = text;
-  }
+  const char *keep(Which which, const char *text) { return texts_[which] = text; }
 
 private:
   const char *texts_[2] = {nullptr, nullptr};
-  uint32_t pool_ = 0;
+  uint32_t pool_ = string_pool_number();
 };
 
 } // namespace tdm

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
 
 #include "common/huge_pages.h"
 #include "common/source_location.h"
@@ -206,6 +207,13 @@ const char *intern(std::string_view text)
   for (; index.tags[place] != 0; place = (place + 1) & index.mask)
     if (index.tags[place] == tag && equal(index.texts[place], text)) return index.texts[place];
   return add(text, hash, place);
+}
+
+Text joined_text(std::string_view left, char between, std::string_view right)
+{
+  std::string text;
+  text.reserve(left.size() + 1 + right.size());
+  return pooled_text(text.append(left).append(1, between).append(right));
 }
 
 } // namespace tdm

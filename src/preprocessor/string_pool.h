@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "common/text.h"
+
 namespace tdm {
 
 /// Makes the pool, unless it exists (tdm_init).
@@ -35,6 +37,15 @@ extern std::uint32_t pool_number;
 /// holds a NUL is kept whole, though a reader of C strings sees its front only. The pool must have
 /// been started.
 [[nodiscard]] const char *intern(std::string_view text);
+
+/// The same as a view.
+[[nodiscard]] inline Text pooled_text(std::string_view text)
+{
+  return Text(std::string_view(intern(text), text.size()));
+}
+
+/// Two texts with a character between them.
+[[nodiscard]] Text joined_text(std::string_view left, char between, std::string_view right);
 
 /// What the pool keeps with each text.
 struct PooledText {

@@ -69,8 +69,8 @@ private:
   Mark top_;
 };
 
-/// Calls the function with each token of the items in order, those of parts included, until it gives
-/// false. Parts nest as deep as macro calls do, so this keeps a stack of its own.
+/// Calls the function with each token of the items in order, those of parts included, until it
+/// gives false. Parts nest as deep as macro calls do, so this keeps a stack of its own.
 template <class Function>
 void for_each_token(const PpToken *begin, const PpToken *end, Function function)
 {

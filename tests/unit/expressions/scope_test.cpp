@@ -5,6 +5,7 @@
 #include <deque>
 
 #include "expressions/applications.h"
+#include "preprocessor/string_pool.h"
 #include "support.h"
 
 namespace {
@@ -153,7 +154,7 @@ struct Pool {
 /// The name of a parameter.
 tdm::Text numbered(int i)
 {
-  return tdm::Text::of("p" + std::to_string(i));
+  return tdm::pooled_text("p" + std::to_string(i));
 }
 
 const std::string too_large =

@@ -21,14 +21,12 @@ protected:
   const tdm::ArgumentScope scope{};
   const EmptySpace space{};
   tdm::SectionNames names;
-  const std::string processor = "c";
-  const std::string core = "k";
-  const tdm::LayoutContext context{scope, space, nullptr, names, {processor, core}};
+  const tdm::LayoutContext context{scope, space, nullptr, names, {"c", "k"}};
 };
 
 using Texts = std::vector<std::string>;
 
-Texts texts(const tdm::PooledVector<const char *> &list)
+Texts texts(const tdm::PooledVector<tdm::Text> &list)
 {
   return {list.begin(), list.end()};
 }
@@ -130,10 +128,10 @@ TEST_F(Building, VectorTablesRequireSymbols)
   EXPECT_EQ(texts(names.referenced_names), (Texts{"t"}));
   EXPECT_EQ(texts(names.optional_symbols), (Texts{"may"}));
   ASSERT_EQ(names.required_symbols.size(), 3U);
-  EXPECT_STREQ(names.required_symbols[0].name, "default");
-  EXPECT_STREQ(names.required_symbols[1].name, "must");
+  EXPECT_EQ(names.required_symbols[0].name, "default");
+  EXPECT_EQ(names.required_symbols[1].name, "must");
   EXPECT_EQ(names.required_symbols[1].count, 0);
-  EXPECT_STREQ(names.required_symbols[2].name, "_v");
+  EXPECT_EQ(names.required_symbols[2].name, "_v");
   EXPECT_EQ(names.required_symbols[2].count, 4); // _v0 to _v3
 
   table.size = number(0);

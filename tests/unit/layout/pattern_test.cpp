@@ -17,6 +17,11 @@ namespace {
 using tdm_test::Row;
 using tdm_test::rows;
 
+tdm::Text text_of(const std::string &text)
+{
+  return tdm::Text(std::string_view(text));
+}
+
 TEST(PatternTranslation, CharacterByCharacter)
 {
   for (const Row &row : rows("layout/patterns.json", "CharacterByCharacter")) {
@@ -93,15 +98,15 @@ TEST(RegularExpression, CaseAndStart)
 TEST(SelectionPattern, Matches)
 {
   for (const Row &row : rows("layout/patterns.json", "Matches"))
-    EXPECT_EQ(TDMSelectionPattern(row[0], {}).matches(row[1]), row[2] == "true")
+    EXPECT_EQ(TDMSelectionPattern(text_of(row[0]), {}).matches(row[1]), row[2] == "true")
         << row[0] << " on " << row[1];
 }
 
 TEST(SelectionPattern, PlainNames)
 {
   for (const Row &row : rows("layout/patterns.json", "PlainNames")) {
-    const TDMSelectionPattern pattern(row[0], {});
-    const std::string *name = pattern.literal_name();
+    const TDMSelectionPattern pattern(text_of(row[0]), {});
+    const tdm::Text *name = pattern.literal_name();
     EXPECT_EQ(name != nullptr ? *name : "<none>", row[1]) << row[0];
   }
 }
@@ -112,7 +117,7 @@ TEST(SelectionPattern, ErrorsHaveThePlaceAndThePositionInTheExpression)
   for (const Row &row :
        rows("layout/patterns.json", "ErrorsHaveThePlaceAndThePositionInTheExpression")) {
     try {
-      const TDMSelectionPattern pattern(row[0], place);
+      const TDMSelectionPattern pattern(text_of(row[0]), place);
       ADD_FAILURE() << row[0] << " is accepted";
     } catch (TDMSyntaxException *failure) {
       EXPECT_EQ(failure->text(),
@@ -316,7 +321,7 @@ TEST(SelectionPattern, AgreesWithItsExpression)
       delete error;
     }
     try {
-      const TDMSelectionPattern pattern(text, {});
+      const TDMSelectionPattern pattern(text_of(text), {});
       ASSERT_NE(expression, nullptr) << text << " is accepted";
       ASSERT_EQ(pattern.literal_name() != nullptr, expression->literal()) << text;
       for (const std::string &name : names)
@@ -333,12 +338,14 @@ TEST(SelectionPattern, AgreesWithItsExpression)
 
 TEST(SelectionPattern, AnyDepthAndLength)
 {
-  const TDMSelectionPattern deep(std::string(100'000, '(') + "a*" + std::string(100'000, ')'), {});
+  const std::string nested = std::string(100'000, '(') + "a*" + std::string(100'000, ')');
+  const TDMSelectionPattern deep(text_of(nested), {});
   EXPECT_TRUE(deep.matches("abc"));
   EXPECT_FALSE(deep.matches("b"));
 
   const std::string letters(1'000'000, 'a');
-  const TDMSelectionPattern longest(letters + "?", {});
+  const std::string and_one_more = letters + "?";
+  const TDMSelectionPattern longest(text_of(and_one_more), {});
   EXPECT_TRUE(longest.matches(letters + "b"));
   EXPECT_FALSE(longest.matches(letters));
 }

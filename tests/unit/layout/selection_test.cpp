@@ -12,6 +12,7 @@
 #include "layout/section_map.h"
 #include "layout/selection_statement.h"
 #include "layout/statement_env.h"
+#include "preprocessor/string_pool.h"
 
 namespace {
 
@@ -202,7 +203,7 @@ TEST(Selection, TakesByNameAndAttributes)
     sections.add("ab", "rw");
     sections.add("a");
     sections.add("[a]", "x");
-    std::optional<std::string> name;
+    std::optional<tdm::Text> name;
     if (row.pattern != nullptr) name = row.pattern;
     TDMSelectionStatement statement({}, name);
     if (row.set != nullptr)
@@ -357,13 +358,14 @@ TEST(Selection, PlainNamesDontLookAtAllSections)
   map.names_asked = 0;
   constexpr int selections = 1000;
   for (int i = 0; i < selections; ++i)
-    TDMSelectionStatement({}, ".text.f" + std::to_string(i * 97)).select(env, map, taken, false);
+    TDMSelectionStatement({}, tdm::pooled_text(".text.f" + std::to_string(i * 97)))
+        .select(env, map, taken, false);
   EXPECT_EQ(map.passes, 0);
   EXPECT_EQ(std::count(taken.text.begin(), taken.text.end(), 'f'), selections);
   EXPECT_LE(map.names_asked, 4 * selections); // each of those taken is found, told and removed
 }
 
-std::string selected(const std::optional<std::string> &pattern,
+std::string selected(const std::optional<tdm::Text> &pattern,
                      const std::vector<TDMSection *> &sections)
 {
   TDMStatementEnv env;
@@ -386,7 +388,7 @@ TEST(Selection, TakesTheSameFromAnArrayHoweverOftenItComes)
     sections.push_back(&owned.add(name));
   sections.insert(sections.end(), {nullptr, sections[7], sections[1], sections[3]});
   struct Row {
-    std::optional<std::string> pattern;
+    std::optional<tdm::Text> pattern;
     const char *taken;
   };
   const Row rows[] = {

@@ -1,0 +1,16 @@
+// The texts of patterns that are put together are in the pool, as in a parse.
+#include "preprocessor/string_pool.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Pool final : public testing::Environment {
+public:
+  void SetUp() override { tdm::string_pool_start(); }
+  void TearDown() override { tdm::string_pool_end(); }
+};
+
+[[maybe_unused]] const auto *const pool = testing::AddGlobalTestEnvironment(new Pool);
+
+} // namespace
