@@ -1,6 +1,8 @@
 // Starts and stops the modules around one input, and takes its tokens one by one.
 #include "preprocessor/preprocessed_file_input_stream.h"
 
+#include <vector>
+
 #include "common/failures.h"
 #include "preprocessor/c_input.h"
 #include "preprocessor/c_pragma.h"
@@ -10,6 +12,7 @@
 #include "preprocessor/macros.h"
 #include "preprocessor/predefinition.h"
 #include "preprocessor/source_files.h"
+#include "preprocessor/string_pool.h"
 
 namespace {
 
@@ -17,10 +20,21 @@ constexpr const char *tool_name = "TDM parser";
 
 /// Where the paths of opened files go, null for nowhere.
 std::set<std::string> *dependency_target = nullptr;
+/// The texts of the pool that are marked as being in it: most files are included several times.
+std::vector<const char *> marked_dependencies;
 
 void record_dependency(const char *name)
 {
-  if (dependency_target != nullptr) dependency_target->insert(name);
+  if (dependency_target == nullptr || (tdm::pooled(name).marks & tdm::mark_dependency) != 0) return;
+  dependency_target->insert(name);
+  marked_dependencies.push_back(name);
+  tdm::pooled(name).marks |= tdm::mark_dependency;
+}
+
+void unmark_dependencies()
+{
+  for (const char *name : marked_dependencies) tdm::pooled(name).marks &= ~tdm::mark_dependency;
+  marked_dependencies = {};
 }
 
 void start_modules()
@@ -43,6 +57,7 @@ void stop_modules()
   tdm::directives_stop();
   tdm::scanner_stop();
   input_add_listener(nullptr);
+  unmark_dependencies();
   tdm::srcpos_stop();
   tdm::input_stop();
   tdm::pragma_end();

@@ -91,10 +91,9 @@ bool too_deep()
 // Whether no further file may be opened. The first one that is refused is reported.
 bool too_many()
 {
-  const std::size_t allowed = source_files_allowed();
-  if (source_files().size() < allowed) return false;
+  if (!source_files_exhausted()) return false;
   if (!source_files_refused())
-    diag_at(E_include_count, directive_position(), static_cast<int>(allowed));
+    diag_at(E_include_count, directive_position(), static_cast<int>(source_files_allowed()));
   return true;
 }
 

@@ -15,15 +15,42 @@ namespace {
 /// The files that have been read under a name, the latest first.
 using Readings = std::set<std::int32_t, std::greater<>>;
 
+// What is asked for seldom, the names, is found out when it is asked for: opening a file is part of
+// every parse.
 struct {
   std::vector<SourceFile> files;
+  struct Renamed {
+    const char *name;
+    std::int32_t file;
+  };
+  std::vector<Renamed> renamed;                        ///< by #line
   std::unordered_map<const char *, Readings> readings; ///< under their own names, and by #line
+  std::size_t files_entered = 0;                       ///< in the readings, as the next
+  std::size_t renamed_entered = 0;
   std::unordered_set<const char *> names; ///< of all files that have been opened, once each
+  std::size_t names_counted = 0;          ///< files whose names are in
   std::size_t main_files_left = 0;
   tdm_srcpos include = {};
   std::int32_t depth_limit = 0;
   bool refused = false;
 } state;
+
+void enter_reading(const char *name, std::int32_t file)
+{
+  state.readings[name].insert(file);
+}
+
+// While main files are left they have no names yet, and are passed over again the next time.
+void enter_readings()
+{
+  for (std::size_t i = state.files_entered; i < state.files.size(); ++i)
+    if (state.files[i].name != nullptr)
+      enter_reading(state.files[i].name, static_cast<std::int32_t>(i));
+  if (state.main_files_left == 0) state.files_entered = state.files.size();
+  for (; state.renamed_entered < state.renamed.size(); ++state.renamed_entered)
+    enter_reading(state.renamed[state.renamed_entered].name,
+                  state.renamed[state.renamed_entered].file);
+}
 
 bool skipped(const SourceFile &file, std::uint32_t line)
 {
@@ -34,19 +61,25 @@ bool skipped(const SourceFile &file, std::uint32_t line)
 
 std::size_t source_files_limit = 1 << 16;
 
+bool source_files_exhausted()
+{
+  return state.files.size() >= source_files_limit && state.files.size() >= source_files_allowed();
+}
+
 std::size_t source_files_allowed()
 {
+  for (; state.names_counted < state.files.size(); ++state.names_counted)
+    if (const char *name = state.files[state.names_counted].name) state.names.insert(name);
   return std::max(source_files_limit, state.names.size() * (source_files_limit / 1024));
 }
 
 void source_files_start(std::size_t main_files)
 {
-  state.names.clear();
+  const std::int32_t depth_limit = state.depth_limit;
+  state = {};
+  state.depth_limit = depth_limit;
   state.files.assign(main_files, {});
-  state.readings.clear();
   state.main_files_left = main_files;
-  state.include = {};
-  state.refused = false;
 }
 
 void source_files_end()
@@ -56,24 +89,18 @@ void source_files_end()
 
 std::int32_t source_file_opened(const char *name, std::int32_t includer)
 {
-  state.names.insert(name);
   if (includer < 0 && state.main_files_left > 0) {
-    SourceFile &file = state.files[--state.main_files_left];
-    file.name = name;
-    const auto index = static_cast<std::int32_t>(state.main_files_left);
-    state.readings[name].insert(index);
-    return index;
+    state.files[--state.main_files_left].name = name;
+    return static_cast<std::int32_t>(state.main_files_left);
   }
-  SourceFile file;
+  const auto index = static_cast<std::int32_t>(state.files.size());
+  SourceFile &file = state.files.emplace_back();
   file.name = name;
   file.includer = includer;
   if (includer >= 0) {
     file.include = state.include;
     file.depth = state.files[static_cast<std::size_t>(includer)].depth + 1;
   }
-  const auto index = static_cast<std::int32_t>(state.files.size());
-  state.files.push_back(file);
-  state.readings[name].insert(index);
   return index;
 }
 
@@ -89,7 +116,7 @@ void source_files_include_at(const tdm_srcpos &place)
 
 void source_file_renamed(std::int32_t index, const char *name)
 {
-  state.readings[name].insert(index);
+  state.renamed.push_back({name, index});
 }
 
 void source_file_skips(std::int32_t index, std::uint32_t line, bool skips)
@@ -114,6 +141,7 @@ const std::vector<SourceFile> &source_files()
 
 std::int32_t source_file_of(const char *name, std::uint32_t line)
 {
+  enter_readings();
   const auto readings = state.readings.find(name);
   if (readings == state.readings.end()) return -1;
   // The latest one that read the line: those that a guard made skip it come later, as a rule few.

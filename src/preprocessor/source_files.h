@@ -65,4 +65,7 @@ extern std::size_t source_files_limit;
 /// How many files may be opened for the input as far as it is known.
 [[nodiscard]] std::size_t source_files_allowed();
 
+/// Whether that many are open; with one look where there are few.
+[[nodiscard]] bool source_files_exhausted();
+
 } // namespace tdm

@@ -57,6 +57,9 @@ struct PooledText {
 /// Set while the text names a macro, or did so earlier in the same stream.
 constexpr std::uint32_t mark_macro_name = 1;
 
+/// Set while the text is among the dependencies of a stream.
+constexpr std::uint32_t mark_dependency = 2;
+
 /// The bits from here up are the lexer's: what kind of token the text is.
 constexpr unsigned mark_lexer_shift = 8;
 constexpr std::uint32_t marks_of_preprocessor = (1U << mark_lexer_shift) - 1;
