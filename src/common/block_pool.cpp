@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::size_t first_slab = std::size_t{64} << 10;
 constexpr std::size_t largest_slab = huge_page;
-static_assert(BlockPool::slab_alignment == huge_page);
+constexpr std::align_val_t slab_alignment{BlockPool::chunk_size};
 
 Region *regions = nullptr;
 
@@ -38,12 +38,10 @@ void *map_large_slab()
   }
 }
 
-// Slabs double in size until they are large. What a small one is aligned over isn't touched, and so
-// takes addresses, but no memory.
+// Slabs double in size until they are large.
 void *allocate_slab(std::size_t size)
 {
-  return size == largest_slab ? map_large_slab()
-                              : ::operator new (size, std::align_val_t{BlockPool::slab_alignment});
+  return size == largest_slab ? map_large_slab() : ::operator new(size, slab_alignment);
 }
 
 void free_slab(void *slab, std::size_t size) noexcept
@@ -51,7 +49,7 @@ void free_slab(void *slab, std::size_t size) noexcept
   if (size == largest_slab)
     unmap_huge_pages(slab, size);
   else
-    ::operator delete (slab, std::align_val_t{BlockPool::slab_alignment});
+    ::operator delete(slab, slab_alignment);
 }
 
 } // namespace
@@ -59,17 +57,65 @@ void free_slab(void *slab, std::size_t size) noexcept
 constinit BlockPool process_pool{};
 constinit BlockPool *open_pool = &process_pool;
 
-// What is left of the slab before is lost.
-void *BlockPool::cut(std::size_t size)
+void BlockPool::add_slab()
 {
   const std::size_t last = slabs == nullptr ? 0 : slabs->size;
-  const std::size_t room = std::clamp(last * 2, first_slab, largest_slab);
-  slabs = new (allocate_slab(room)) Slab{this, slabs, room};
-  void *const block = slabs + 1;
-  cursor = static_cast<char *>(block) + size;
-  end = reinterpret_cast<char *>(slabs) + room;
+  const std::size_t size = std::clamp(last * 2, first_slab, largest_slab);
+  chunks.cursor = static_cast<char *>(allocate_slab(size));
+  chunks.end = chunks.cursor + size;
+  slabs = new (chunks.cursor + sizeof(Chunk)) Slab{slabs, size};
+}
+
+BlockPool::Room BlockPool::next_room(bool of_records)
+{
+  char *begin = reinterpret_cast<char *>(used_up);
+  bool begins_slab = false;
+  if (used_up != nullptr) {
+    begins_slab = used_up->begins_slab;
+    used_up = used_up->next;
+  } else {
+    if (chunks.cursor == chunks.end) {
+      add_slab();
+      begins_slab = true;
+    }
+    begin = chunks.cursor;
+    chunks.cursor += chunk_size;
+  }
+  new (begin) Chunk{this, nullptr, 0, of_records, begins_slab};
+  const std::size_t head = sizeof(Chunk) + (begins_slab ? sizeof(Slab) : 0);
+  return {begin + head, begin + chunk_size};
+}
+
+// What is left of the chunk before is lost, here and below.
+void *BlockPool::cut_object(std::size_t size)
+{
+  objects = next_room(false);
+  void *const block = objects.cursor;
+  objects.cursor += size;
   ++in_use;
   return block;
+}
+
+// A chunk whose blocks were all freed while it was still being cut waits for the next one.
+void *BlockPool::cut_record(std::size_t size)
+{
+  const Room next = next_room(true);
+  void *const block = next.cursor;
+  if (records.end != nullptr) {
+    Chunk *const last = chunk_of(records.end - 1);
+    records = {};
+    if (last->in_use == 0) use_up(last);
+  }
+  records = {next.cursor + size, next.end};
+  ++chunk_of(block)->in_use;
+  return block;
+}
+
+void BlockPool::use_up(Chunk *chunk) noexcept
+{
+  if (records.end != nullptr && chunk == chunk_of(records.end - 1)) return;
+  chunk->next = used_up;
+  used_up = chunk;
 }
 
 void *BlockPool::allocate_large(std::size_t size)
@@ -95,7 +141,7 @@ void BlockPool::clear() noexcept
   while (slabs != nullptr) {
     Slab *const slab = slabs;
     slabs = slab->next;
-    free_slab(slab, slab->size);
+    free_slab(chunk_of(slab), slab->size);
   }
   *this = {};
 }
@@ -123,7 +169,7 @@ bool Region::holds(const void *address) const
 {
   const auto *const wanted = static_cast<const char *>(address);
   for (const BlockPool::Slab *slab = pool_.slabs; slab != nullptr; slab = slab->next) {
-    const auto *const begin = reinterpret_cast<const char *>(slab);
+    const auto *const begin = reinterpret_cast<const char *>(BlockPool::chunk_of(slab));
     if (!std::less<>{}(wanted, begin) && std::less<>{}(wanted, begin + slab->size)) return true;
   }
   return false;

@@ -1,10 +1,15 @@
 // Small blocks of memory that come and go by the thousand: records of the parse, objects of the
 // model, and lists of source locations.
 //
-// A pool hands freed blocks out again, by size. There is one for the process, whose memory goes
-// back when its last block has been freed and the library ends (pool_trim), and one for each spec:
-// while a PoolScope is open, new blocks come from its pool. A block goes back where it came from,
-// whatever pool is open.
+// There is a pool for the process, whose memory goes back when its last block has been freed and
+// the library ends (pool_trim), and one for each spec: while a PoolScope is open, new blocks come
+// from its pool. A block goes back where it came from, whatever pool is open.
+//
+// Pools cut their blocks from chunks. Freed blocks of objects are handed out again, by size. Those
+// of records aren't while a text is read (RecordScope): they lie in chunks of their own, in the
+// order of the text, which is the order in which they are used up later; and a chunk that has been
+// used up is cut anew, into whatever the model is made of. So the model grows into the room of the
+// records that it is made from.
 //
 // The pool of a spec is a region: it ends with all that is still in it. So the many objects of a
 // model needn't be destroyed one by one, which would fetch all of them into the caches for nothing.
@@ -56,6 +61,11 @@ struct PoolScope {
   ~PoolScope() {}
 };
 
+struct RecordScope {
+  RecordScope() {}
+  ~RecordScope() {}
+};
+
 class RegionGuest {
 public:
   RegionGuest() = default;
@@ -76,6 +86,16 @@ inline void pool_free(void *block, std::size_t) noexcept
   ::operator delete(block);
 }
 
+[[nodiscard]] inline void *record_allocate(std::size_t size)
+{
+  return pool_allocate(size);
+}
+
+inline void record_free(void *block, std::size_t size) noexcept
+{
+  pool_free(block, size);
+}
+
 [[nodiscard]] inline bool is_of_open_pool(const void *, std::size_t)
 {
   return true;
@@ -85,51 +105,74 @@ inline void pool_free(void *block, std::size_t) noexcept
 
 class RegionGuest;
 
-/// Free lists by size over slabs.
+/// Chunks of one size, cut into blocks.
 struct BlockPool {
-  static constexpr std::size_t grain = 16;
-  static constexpr std::size_t largest = 1024; ///< of the blocks that lie in slabs
-  /// Slabs begin at a multiple, so that the address of a block tells its slab.
-  static constexpr std::size_t slab_alignment = std::size_t{2} << 20;
+  static constexpr std::size_t grain = 16;       ///< of the sizes of objects
+  static constexpr std::size_t record_grain = 8; ///< of those of records
+  static constexpr std::size_t largest = 1024;   ///< of the blocks that lie in chunks
+  static constexpr std::size_t chunk_size = std::size_t{32} << 10; ///< and alignment
 
   struct FreeBlock {
     FreeBlock *next;
   };
-  struct alignas(grain) Slab {
+  /// At the beginning of each chunk.
+  struct alignas(grain) Chunk {
     BlockPool *pool;
+    Chunk *next;          ///< of those that have been used up
+    std::uint32_t in_use; ///< blocks, in a chunk of records
+    bool is_of_records;
+    bool begins_slab;
+  };
+  /// Chunks that were asked for in one piece. Lies in the first one, behind its beginning.
+  struct alignas(grain) Slab {
     Slab *next;
     std::size_t size;
   };
-  /// In front of each block that is too large for a slab.
+  /// In front of each block that is too large for a chunk.
   struct alignas(grain) LargeBlock {
     BlockPool *pool;
     LargeBlock *previous;
     LargeBlock *next;
   };
+  /// What is left of the chunk that blocks are cut from.
+  struct Room {
+    char *cursor;
+    char *end;
+  };
 
-  [[nodiscard]] static Slab *slab_of(const void *block)
+  [[nodiscard]] static Chunk *chunk_of(const void *block)
   {
-    return reinterpret_cast<Slab *>(reinterpret_cast<std::uintptr_t>(block) &
-                                    ~std::uintptr_t{slab_alignment - 1});
+    return reinterpret_cast<Chunk *>(reinterpret_cast<std::uintptr_t>(block) &
+                                     ~std::uintptr_t{chunk_size - 1});
   }
   [[nodiscard]] static LargeBlock *large_block_of(void *block)
   {
     return static_cast<LargeBlock *>(block) - 1;
   }
 
-  /// A block of so many bytes, a multiple of the grain, at the beginning of a new slab.
-  [[nodiscard]] void *cut(std::size_t size);
+  /// A block of so many bytes at the beginning of another chunk.
+  [[nodiscard]] void *cut_object(std::size_t size);
+  [[nodiscard]] void *cut_record(std::size_t size);
+  /// Makes a chunk without a block in use ready for others.
+  void use_up(Chunk *chunk) noexcept;
   [[nodiscard]] void *allocate_large(std::size_t size);
   static void free_large(LargeBlock *block) noexcept;
   /// Gives all memory back.
   void clear() noexcept;
 
   FreeBlock *free[largest / grain + 1];
-  char *cursor; ///< the rest of the newest slab
-  char *end;
+  Room objects;
+  Room records;
+  bool records_apart; ///< whether a RecordScope is open
+  Chunk *used_up;
+  Room chunks; ///< of the newest slab
   Slab *slabs;
   LargeBlock *large_blocks;
-  std::size_t in_use; ///< blocks in slabs
+  std::size_t in_use; ///< blocks of objects
+
+private:
+  [[nodiscard]] Room next_room(bool of_records);
+  void add_slab();
 };
 
 // Initialised before any code runs, and trivially destroyed: who frees a block late finds them.
@@ -146,6 +189,18 @@ public:
 
 private:
   BlockPool *before_;
+};
+
+/// Records are kept apart from objects in the open pool, until the scope ends.
+class RecordScope {
+public:
+  RecordScope() : pool_(*open_pool) { pool_.records_apart = true; }
+  ~RecordScope() { pool_.records_apart = false; }
+  RecordScope(const RecordScope &) = delete;
+  RecordScope &operator=(const RecordScope &) = delete;
+
+private:
+  BlockPool &pool_;
 };
 
 /// A pool that ends with all that is in it.
@@ -199,9 +254,10 @@ private:
     return block;
   }
   const std::size_t whole = grains * BlockPool::grain;
-  if (static_cast<std::size_t>(pool.end - pool.cursor) < whole) return pool.cut(whole);
-  void *const block = pool.cursor;
-  pool.cursor += whole;
+  BlockPool::Room &room = pool.objects;
+  if (static_cast<std::size_t>(room.end - room.cursor) < whole) return pool.cut_object(whole);
+  void *const block = room.cursor;
+  room.cursor += whole;
   ++pool.in_use;
   return block;
 }
@@ -211,17 +267,41 @@ inline void pool_free(void *block, std::size_t size) noexcept
 {
   if (block == nullptr) return;
   if (size > BlockPool::largest) return BlockPool::free_large(BlockPool::large_block_of(block));
-  BlockPool &pool = *BlockPool::slab_of(block)->pool;
+  BlockPool &pool = *BlockPool::chunk_of(block)->pool;
   --pool.in_use;
   const std::size_t grains = (size + BlockPool::grain - 1) / BlockPool::grain;
   pool.free[grains] = new (block) BlockPool::FreeBlock{pool.free[grains]};
+}
+
+/// For records, and lists in them; aligned for pointers and numbers.
+[[nodiscard]] inline void *record_allocate(std::size_t size)
+{
+  BlockPool &pool = *open_pool;
+  if (!pool.records_apart || size > BlockPool::largest) return pool_allocate(size);
+  const std::size_t whole =
+      (size + BlockPool::record_grain - 1) / BlockPool::record_grain * BlockPool::record_grain;
+  BlockPool::Room &room = pool.records;
+  if (static_cast<std::size_t>(room.end - room.cursor) < whole) return pool.cut_record(whole);
+  void *const block = room.cursor;
+  room.cursor += whole;
+  ++BlockPool::chunk_of(block)->in_use;
+  return block;
+}
+
+/// As pool_free.
+inline void record_free(void *block, std::size_t size) noexcept
+{
+  if (block == nullptr || size > BlockPool::largest) return pool_free(block, size);
+  BlockPool::Chunk *const chunk = BlockPool::chunk_of(block);
+  if (!chunk->is_of_records) return pool_free(block, size);
+  if (--chunk->in_use == 0) chunk->pool->use_up(chunk);
 }
 
 /// Whether a block of that size lives as long as new ones do.
 [[nodiscard]] inline bool is_of_open_pool(void *block, std::size_t size)
 {
   return open_pool == (size > BlockPool::largest ? BlockPool::large_block_of(block)->pool
-                                                 : BlockPool::slab_of(block)->pool);
+                                                 : BlockPool::chunk_of(block)->pool);
 }
 
 #endif
@@ -248,11 +328,31 @@ template <typename T> struct PoolAllocator {
 /// A vector that keeps its elements in the pool: for the short lists of the many.
 template <typename T> using PooledVector = std::vector<T, PoolAllocator<T>>;
 
-/// A base that makes objects live in the pool. What derives from it needs a virtual destructor, or
-/// must be deleted as what it is.
-struct Pooled {
-  static void *operator new(std::size_t size) { return pool_allocate(size); }
-  static void operator delete(void *block, std::size_t size) noexcept { pool_free(block, size); }
+/// Makes containers keep their elements with the records.
+template <typename T> struct RecordAllocator {
+  static_assert(alignof(T) <= 8);
+  using value_type = T;
+
+  RecordAllocator() = default;
+  template <typename Other> RecordAllocator(const RecordAllocator<Other> &) noexcept {}
+
+  [[nodiscard]] T *allocate(std::size_t count)
+  {
+    return static_cast<T *>(record_allocate(count * sizeof(T)));
+  }
+  void deallocate(T *elements, std::size_t count) noexcept
+  {
+    record_free(elements, count * sizeof(T));
+  }
+
+  friend bool operator==(RecordAllocator, RecordAllocator) { return true; }
+};
+
+/// A base that makes objects live with the records. What derives from it needs a virtual
+/// destructor, or must be deleted as what it is.
+struct RecordMemory {
+  static void *operator new(std::size_t size) { return record_allocate(size); }
+  static void operator delete(void *block, std::size_t size) noexcept { record_free(block, size); }
 };
 
 } // namespace tdm

@@ -10,13 +10,13 @@
 namespace tdm {
 
 /// What records keep lists in.
-template <typename T> using RecordList = std::vector<T, PoolAllocator<T>>;
+template <typename T> using RecordList = std::vector<T, RecordAllocator<T>>;
 
 } // namespace tdm
 
 /// A record of the parse. It says what was written and nothing more; the model is built from
 /// records and never refers to one.
-class TDMFileObject : public tdm::Pooled {
+class TDMFileObject : public tdm::RecordMemory {
 public:
   TDMFileObject() = default;
   TDMFileObject(const TDMFileObject &) = delete;

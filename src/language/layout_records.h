@@ -182,7 +182,7 @@ public:
 };
 
 /// One range of a group's location: a memory, with bounds or without, or two bounds.
-class TDMFileGroupLocationRange {
+class TDMFileGroupLocationRange : public tdm::RecordMemory {
 public:
   virtual ~TDMFileGroupLocationRange() = default;
 

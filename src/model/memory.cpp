@@ -86,18 +86,17 @@ Interval TDMMemory::address_range() const
   return {AddressValue{0, 0, mau, -1}, AddressValue{size, 0, mau, -1}};
 }
 
-void TDMMemory::resolve_mappings(const TDMFileMemory &record, const tdm::BusesInReach &reach,
-                                 const tdm::Text *processor)
+void TDMMemory::resolve_mappings(std::span<const tdm::Text> destinations,
+                                 const tdm::BusesInReach &reach, const tdm::Text *processor)
 {
   const Interval whole = address_range();
-  for (size_t i = 0; i < record.mappings.size(); ++i) {
-    const TDMFileMapping &entry = *record.mappings[i];
+  for (size_t i = 0; i < destinations.size(); ++i) {
     TDMMapping &mapping = *owned_[i];
-    TDMBus *bus = reach.find(*entry.destination);
+    TDMBus *bus = reach.find(destinations[i]);
     if (bus == nullptr)
-      throw new TDMSyntaxException(tdm::place_of(entry, "destination"),
+      throw new TDMSyntaxException(mapping.location_or("destination"),
                                    "could not find bus destination \"" +
-                                       tdm::prefixed_name(processor, nullptr, *entry.destination) +
+                                       tdm::prefixed_name(processor, nullptr, destinations[i]) +
                                        "\" in mapping from memory " + full_name());
     mapping.set_source(*bus, tdm::map_end(*bus));
     // A bank that the mapping selects has no bearing on the bounds.
@@ -107,7 +106,7 @@ void TDMMemory::resolve_mappings(const TDMFileMemory &record, const tdm::BusesIn
         (reached.high.value < size || (reached.high.value == size && reached.high.bits == 0)) &&
         whole.pattern.contains(reached.pattern);
     if (!inside)
-      throw new TDMSyntaxException(tdm::place_of(entry, "destination"),
+      throw new TDMSyntaxException(mapping.location_or("destination"),
                                    "one or more mappings from memory " + name +
                                        " map outside of memory address range");
   }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,8 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   TDMMemory &operator=(const TDMMemory &) = delete;
 
   /// Finds the bus that each mapping comes from, and checks that it stays inside the memory.
-  void resolve_mappings(const TDMFileMemory &record, const tdm::BusesInReach &reach,
+  /// `destinations` are the names of the buses, entry by entry.
+  void resolve_mappings(std::span<const tdm::Text> destinations, const tdm::BusesInReach &reach,
                         const tdm::Text *processor);
 
   int get_mau_size() const override { return mau_size; }

@@ -57,14 +57,19 @@ public:
     BusesInReach reach;
     reach.add(processor_.buses);
     for (const auto &core : processor_.cores) reach.add(core->buses, &core->name);
+    InlineStack<Text, 8> destinations;
     size_t next_bus = 0;
     size_t next_memory = 0;
     for (const DerivativeLevel &level : chain_) {
       for (const auto &bus : level.record->buses)
         processor_.buses[next_bus++]->resolve_mappings(*bus, TDMBus::Form::forward, reach,
                                                        &processor_.name, nullptr, level.scope);
-      for (const auto &memory : level.record->memories)
-        processor_.memories[next_memory++]->resolve_mappings(*memory, reach, &processor_.name);
+      for (const auto &memory : level.record->memories) {
+        destinations.cut(0);
+        for (const auto &entry : memory->mappings) destinations.push_back(*entry->destination);
+        processor_.memories[next_memory++]->resolve_mappings(
+            {destinations.begin(), destinations.end()}, reach, &processor_.name);
+      }
       for (const auto &core : level.record->cores) resolve_core(*core);
     }
   }

@@ -1,6 +1,7 @@
 // The road of a parse, from file names to a checked model.
 #include "model/spec.h"
 
+#include <span>
 #include <string_view>
 #include <unordered_set>
 
@@ -97,6 +98,7 @@ TDMSpec::~TDMSpec()
 
 std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> &files)
 {
+  const tdm::RecordScope records;
   // A file that can't be opened is told as it is, without a position.
   TDMPreprocessedFileInputStream stream(files, &file_dependencies);
   try {
@@ -166,9 +168,13 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
 void TDMSpec::create_globals(TDMFileInterface &records)
 {
   const tdm::ArgumentScope no_parameters;
+  tdm::PooledVector<tdm::Text> destinations; // of the mappings of memories, one after the other
   memories.reserve(records.memories.size());
-  for (const auto &record : records.memories)
+  for (auto &record : records.memories) {
     memories.push_back(std::make_unique<TDMMemory>(*record, no_parameters));
+    for (const auto &entry : record->mappings) destinations.push_back(*entry->destination);
+    record.reset();
+  }
   for (const auto &record : records.buses)
     buses.push_back(std::make_unique<TDMBus>(*record, TDMBus::Form::reversed, no_parameters));
 
@@ -176,9 +182,11 @@ void TDMSpec::create_globals(TDMFileInterface &records)
   tdm::BusesInReach reach;
   reach.add(buses);
   for (const auto &processor : processors) reach.add(processor->buses, &processor->name);
-  for (size_t i = 0; i < memories.size(); ++i) {
-    memories[i]->resolve_mappings(*records.memories[i], reach, nullptr);
-    records.memories[i].reset();
+  std::span<const tdm::Text> unresolved = destinations;
+  for (const auto &memory : memories) {
+    const size_t count = memory->own_mappings().size();
+    memory->resolve_mappings(unresolved.first(count), reach, nullptr);
+    unresolved = unresolved.subspan(count);
   }
   for (size_t i = 0; i < buses.size(); ++i) {
     buses[i]->resolve_mappings(*records.buses[i], TDMBus::Form::reversed, reach, nullptr, nullptr,
