@@ -13,7 +13,7 @@
 #include "preprocessor/condition.h"
 #include "preprocessor/conditionals.h"
 #include "preprocessor/escapes.h"
-#include "preprocessor/macro_expand.h"
+#include "preprocessor/macro_lists.h"
 #include "preprocessor/macros.h"
 #include "preprocessor/scanner_block.h"
 #include "preprocessor/source_directives.h"
@@ -315,7 +315,8 @@ const PpToken *treat(const PpToken *token, bool from_list, bool expand)
 
 const PpToken *read_round(bool expand)
 {
-  if (!list_stack_empty() && list_next(state.token)) return treat(&state.token, true, expand);
+  if (!list_stack_empty() && (list_next_plain(state.token) || list_next(state.token)))
+    return treat(&state.token, true, expand);
   const PpToken &token = scanner_next_token(wants_text());
   expansion_work.allowed += expansion_per_token;
   return treat(&token, false, expand);
@@ -368,11 +369,15 @@ const PpToken &pass_on(const PpToken &token, bool expand)
 // The read step for what doesn't lie whole in a block, or isn't text of an active group.
 [[gnu::noinline]] const PpToken &next_on_other_road(bool expand)
 {
-  if (state.in_directive || !conditional_active()) return read_on(nullptr, false, expand);
-  if (list_stack_empty()) {
-    expansion_work.allowed += expansion_per_token;
-    return pass_on(scanner_next_token(), expand);
-  }
+  if (state.in_directive || !conditional_active() || !list_stack_empty())
+    return read_on(nullptr, false, expand);
+  expansion_work.allowed += expansion_per_token;
+  return pass_on(scanner_next_token(), expand);
+}
+
+// The read step in an active group while there is a list.
+[[gnu::noinline]] const PpToken &next_of_list(bool expand)
+{
   if (!list_next_plain(state.token)) return read_on(nullptr, false, expand);
   return passes(state.token, true, expand) ? state.token : read_on(&state.token, true, expand);
 }
@@ -492,10 +497,10 @@ void pp_pass_blanks()
 const tdm::PpToken &pp_next_token(bool expand)
 {
   using namespace tdm;
+  if (state.in_directive || !conditional_active()) return next_on_other_road(expand);
+  if (!list_stack_empty()) return next_of_list(expand);
   TDMInputRecord *const record = record_with_block();
-  if (record == nullptr || record->kind != TDMInputRecord::file || state.in_directive ||
-      !conditional_active() || !list_stack_empty())
-    return next_on_other_road(expand);
+  if (record == nullptr || record->kind != TDMInputRecord::file) return next_on_other_road(expand);
   expansion_work.allowed += expansion_per_token;
   switch (start_of(*record->cursor)) {
   case Start::blank:

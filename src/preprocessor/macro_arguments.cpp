@@ -127,6 +127,7 @@ struct {
 // The next item of a call; false at the end of what can belong to it.
 bool next_of_call(PpToken &item)
 {
+  if (!list_stack_empty() && list_next_plain(item)) return true;
   switch (read_item(item, Parts::neutral)) {
   case Read::token:
     return true;
@@ -166,12 +167,35 @@ public:
   {
     PpToken item;
     while (next_of_call(item)) {
-      if (item.number == tRPAR && depth() == 0) {
-        end_argument();
-        push_arguments(item.position);
-        return true;
+      item.link = 0;
+      switch (item.number) {
+      case tLPAR:
+        scratch.separators.push_back(scratch.tokens.size());
+        add(item);
+        break;
+      case tRPAR:
+        if (depth() == 0) {
+          end_argument();
+          push_arguments(item.position);
+          return true;
+        }
+        add_separator(item);
+        scratch.separators.pop_back();
+        break;
+      case tCOMMA:
+        add_comma(item);
+        break;
+      case tIDENT:
+        if (const TDMMacro *macro = macro_lookup(item.text); macro != nullptr && macro->busy)
+          item.number = tIDENT2;
+        add(item);
+        break;
+      default:
+        if (passed_over(item))
+          add_blank(item);
+        else
+          add(item);
       }
-      add(item);
     }
     if (!expansion.exhausted) diag_at(E_runaway_argument, name_.position);
     return false;
@@ -181,63 +205,50 @@ private:
   [[nodiscard]] std::size_t depth() const { return scratch.separators.size() - first_separator_; }
   [[nodiscard]] std::size_t arguments() const { return scratch.ends.size() - first_end_; }
 
-  void add(PpToken &item)
+  void add(const PpToken &item)
   {
-    item.link = 0;
-    if (passed_over(item)) {
-      add_blank(item);
-      return;
-    }
-    if (item.number == tCOMMA && depth() == 0 && splits_at_comma(macro_, arguments())) {
-      if (too_many_) return;
-      end_argument();
-      too_many_ = arguments() == macro_.parameter_count;
-      if (too_many_) diag_at(E_too_many_arguments, item.position);
-      return;
-    }
-    const std::size_t index = scratch.tokens.size();
-    switch (item.number) {
-    case tLPAR:
-      scratch.separators.push_back(index);
-      break;
-    case tCOMMA:
-      if (depth() > 0) link_to(index);
-      break;
-    case tRPAR:
-      link_to(index);
-      scratch.separators.pop_back();
-      break;
-    case tIDENT:
-      if (const TDMMacro *macro = macro_lookup(item.text); macro != nullptr && macro->busy)
-        item.number = tIDENT2;
-      break;
-    default:
-      break;
-    }
     scratch.tokens.push_back(item);
+    last_is_blank_ = false;
   }
 
   // White space of any kind and length becomes one blank, and none at the start of an argument.
   void add_blank(PpToken &item)
   {
-    const std::size_t start = arguments() == 0 ? first_token_ : scratch.ends.back();
-    if (scratch.tokens.size() == start || is_white(scratch.tokens.back().number)) return;
+    if (last_is_blank_) return;
     item.number = tWHITE;
     item.text = token_text(tSPACE);
     item.length = 1;
     scratch.tokens.push_back(item);
+    last_is_blank_ = true;
   }
 
-  void link_to(std::size_t index)
+  void add_comma(PpToken &item)
   {
+    if (depth() > 0) {
+      add_separator(item);
+    } else if (!splits_at_comma(macro_, arguments())) {
+      add(item);
+    } else if (!too_many_) {
+      end_argument();
+      too_many_ = arguments() == macro_.parameter_count;
+      if (too_many_) diag_at(E_too_many_arguments, item.position);
+    }
+  }
+
+  // A comma or ")" inside parentheses; the separator in front of it on its level links to it.
+  void add_separator(const PpToken &item)
+  {
+    const std::size_t index = scratch.tokens.size();
     std::size_t &last = scratch.separators.back();
     scratch.tokens[last].link = static_cast<std::uint32_t>(index - last);
     last = index;
+    add(item);
   }
 
   void end_argument()
   {
     if (!too_many_) scratch.ends.push_back(scratch.tokens.size());
+    last_is_blank_ = true;
   }
 
   void push_arguments(const tdm_srcpos &closing)
@@ -259,6 +270,7 @@ private:
   const std::size_t first_token_;
   const std::size_t first_separator_;
   const std::size_t first_end_;
+  bool last_is_blank_ = true; ///< or nothing stands in front of it in the argument
   bool too_many_ = false;
 };
 
@@ -283,9 +295,10 @@ bool collect_arguments(const TDMMacro &macro, const PpToken &name)
   // The "(" may lie in a linked list, or else behind white space in whatever is next: a part that
   // begins with it has no link.
   OpenList &list = expansion.lists.back();
-  const PpToken *next = skip_white(list.cursor, list.end);
-  if (list.linked && next != list.end && next->number == tLPAR)
-    return collect_linked(macro, name, list);
+  if (list.linked) {
+    const PpToken *next = skip_white(list.cursor, list.end);
+    if (next != list.end && next->number == tLPAR) return collect_linked(macro, name, list);
+  }
   PpToken item;
   while (read_item(item, Parts::none) == Read::token && item.number != tLPAR) {
   }

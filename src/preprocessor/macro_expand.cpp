@@ -81,12 +81,9 @@ void push_expansion(TDMMacro &macro, const PpToken &name, const PpToken *items, 
 // The list that takes the place of a complete call.
 void push_result(const MacroCall &call)
 {
-  std::vector<PpToken> &result = expansion.result;
-  result.clear();
-  substitute(call, result);
-  if (expansion.exhausted) return;
-  const PpToken *items = expansion.memory.copy(result.data(), result.size());
-  push_expansion(*call.macro, call.name, items, result.size(), call.mark);
+  const TokenSpan result = substitute(call);
+  if (!expansion.exhausted)
+    push_expansion(*call.macro, call.name, result.items, result.count, call.mark);
 }
 
 Begun begin_call(TDMMacro &macro, const PpToken &name)
@@ -132,7 +129,7 @@ Begun begin(PpToken &name)
   }
   if (macro->function_like)
     return next_is_parenthesis() ? begin_call(*macro, name) : Begun::nothing;
-  if (!macro->has_paste) {
+  if (!macro->has_operators) {
     push_expansion(*macro, name, macro->body, macro->body_count, expansion.memory.mark());
     return Begun::list;
   }
@@ -250,13 +247,54 @@ void finish_argument(MacroCall &call)
   call.reading = false;
 }
 
+bool comes_whole(const TokenPart &part, Parts whole)
+{
+  switch (whole) {
+  case Parts::done:
+    return part.generation == macro_generation();
+  case Parts::neutral:
+    return part.balanced && !part.has_comma;
+  case Parts::none:
+    return false;
+  }
+  return false;
+}
+
+// Whether nothing in a short argument can be expanded, so that it comes out as it stands.
+bool stays(const PpToken *begin, const PpToken *end)
+{
+  if (static_cast<std::size_t>(end - begin) >= smallest_part) return false;
+  for (const PpToken *item = begin; item != end; ++item) {
+    if (item->link != 0) return false;
+    if (item->number == item_part && !comes_whole(part_of(*item), Parts::done)) return false;
+    if (item->number == tIDENT &&
+        (macro_lookup(item->text) != nullptr || item->text == word_function))
+      return false;
+  }
+  return true;
+}
+
+void take_as_it_stands(MacroArgument &argument)
+{
+  std::uint64_t work = 0;
+  for (const PpToken *item = argument.begin; item != argument.end; ++item)
+    work += reading_work(*item);
+  count_work(work, {});
+  argument.expanded = argument.begin;
+  argument.expanded_count = static_cast<std::size_t>(argument.end - argument.begin);
+}
+
 // Pushes the next argument that the body uses expanded; false when there is none left.
 bool start_argument(MacroCall &call)
 {
   while (call.next < call.macro->parameter_count) {
     const std::size_t index = call.next++;
-    const MacroArgument &argument = expansion.arguments[call.first_argument + index];
+    MacroArgument &argument = expansion.arguments[call.first_argument + index];
     if (!call.macro->parameters[index].expanded || argument.begin == argument.end) continue;
+    if (stays(argument.begin, argument.end)) {
+      take_as_it_stands(argument);
+      continue;
+    }
     OpenList list = {};
     list.cursor = argument.begin;
     list.end = argument.end;
@@ -320,25 +358,6 @@ void drop_everything()
   expansion.calls.clear();
   expansion.arguments.clear();
   expansion.output.clear();
-}
-
-// Strings that macros have made can be long, and be read any number of times.
-std::uint64_t reading_work(const PpToken &item)
-{
-  return 1 + item.length / 256;
-}
-
-bool comes_whole(const TokenPart &part, Parts whole)
-{
-  switch (whole) {
-  case Parts::done:
-    return part.generation == macro_generation();
-  case Parts::neutral:
-    return part.balanced && !part.has_comma;
-  case Parts::none:
-    return false;
-  }
-  return false;
 }
 
 } // namespace
@@ -411,19 +430,6 @@ Read read_item(PpToken &item, Parts whole)
     push_list(inner);
   }
   return Read::end;
-}
-
-bool list_next_plain(PpToken &token)
-{
-  OpenList &list = expansion.lists.back();
-  if (list.cursor == list.end || list.cursor->number == item_part ||
-      expansion_work.done >= expansion_work.allowed)
-    return false;
-  expansion_work.done += reading_work(*list.cursor);
-  token = *list.cursor++;
-  if (list.positioned) token.position = list.position;
-  expansion.forwarding = list.forwarded;
-  return true;
 }
 
 bool list_next(PpToken &token)

@@ -19,10 +19,6 @@ void expansion_stop();
 /// Takes the next token from the list stack; false when all lists have been read to their end.
 bool list_next(PpToken &token);
 
-/// The same if the list on top, which must exist, has a token at hand; else false, and nothing has
-/// been done.
-bool list_next_plain(PpToken &token);
-
 /// The number of lists on the stack.
 [[gnu::visibility("hidden")]] extern std::size_t list_count;
 [[nodiscard]] inline bool list_stack_empty()

@@ -1,5 +1,6 @@
 // What the parts of macro expansion share: the list stack, the calls at work and their arguments.
-// Only macro_expand.cpp, macro_arguments.cpp and macro_substitute.cpp look in here.
+// Only macro_expand.cpp, macro_arguments.cpp and macro_substitute.cpp look in here, and the read
+// step, which takes tokens from the list on top.
 #pragma once
 
 #include <cstddef>
@@ -59,7 +60,7 @@ struct ExpansionState {
   int collecting; ///< arguments are being collected: memory of popped lists is still needed
   TokenMemory::Mark lowest; ///< of the lists popped meanwhile
 };
-extern ExpansionState expansion;
+[[gnu::visibility("hidden")]] extern ExpansionState expansion;
 
 enum class Read { token, barrier, end };
 
@@ -83,6 +84,27 @@ inline bool count_work(std::size_t tokens, const tdm_srcpos &position)
   return expansion_work.done <= expansion_work.allowed || refuse_work(position);
 }
 
+/// Strings that macros have made can be long, and be read any number of times.
+inline std::uint64_t reading_work(const PpToken &item)
+{
+  return 1 + item.length / 256;
+}
+
+/// Takes the next token of the list on top, which must exist, if that has one at hand and the limit
+/// is far; else false, and nothing has been done.
+inline bool list_next_plain(PpToken &token)
+{
+  OpenList &list = expansion.lists.back();
+  if (list.cursor == list.end || list.cursor->number == item_part) return false;
+  const std::uint64_t done = expansion_work.done + reading_work(*list.cursor);
+  if (done > expansion_work.allowed) return false;
+  expansion_work.done = done;
+  token = *list.cursor++;
+  if (list.positioned) token.position = list.position;
+  expansion.forwarding = list.forwarded;
+  return true;
+}
+
 /// Whether the next token that isn't white is a "(". Tokens that must be read from the input for
 /// that are put back.
 [[nodiscard]] bool next_is_parenthesis();
@@ -91,8 +113,8 @@ inline bool count_work(std::size_t tokens, const tdm_srcpos &position)
 /// the call isn't complete; a message tells.
 [[nodiscard]] bool collect_arguments(const TDMMacro &macro, const PpToken &name);
 
-/// Builds the list that replaces the call.
-void substitute(const MacroCall &call, std::vector<PpToken> &result);
+/// Builds the list that replaces the call, unless the limit is met.
+[[nodiscard]] TokenSpan substitute(const MacroCall &call);
 
 void substitution_stop();
 

@@ -4,6 +4,8 @@
 // An empty argument beside ## leaves a placemarker, which vanishes at the end. Pasting goes through
 // the scanner, except that a name or number grows by letters and digits without it, however many
 // pastes stand in a row.
+#include <algorithm>
+#include <span>
 #include <string>
 
 #include "preprocessor/c_diag.h"
@@ -321,11 +323,40 @@ private:
   bool joining_ = false;
 };
 
+// The body of a macro without # and ##: runs of its tokens between the expanded arguments.
+TokenSpan copied_body(const MacroCall &call)
+{
+  const TDMMacro &macro = *call.macro;
+  const std::span runs(macro.runs, macro.run_count);
+  const MacroArgument *const arguments = expansion.arguments.data() + call.first_argument;
+  std::size_t count = macro.body_count;
+  for (const BodyRun &run : runs) count += arguments[run.parameter].expanded_count - 1;
+  count_work(count, call.name.position);
+  if (expansion.exhausted || count == 0) return {};
+
+  auto *const items = static_cast<PpToken *>(expansion.memory.allocate(count * sizeof(PpToken)));
+  const PpToken *token = macro.body;
+  PpToken *out = items;
+  for (const BodyRun &run : runs) {
+    out = std::copy_n(token, run.length, out);
+    const MacroArgument &argument = arguments[run.parameter];
+    out = std::copy_n(argument.expanded, argument.expanded_count, out);
+    token += run.length + 1;
+  }
+  std::copy(token, macro.body + macro.body_count, out);
+  return {items, count};
+}
+
 } // namespace
 
-void substitute(const MacroCall &call, std::vector<PpToken> &result)
+TokenSpan substitute(const MacroCall &call)
 {
+  if (!call.macro->has_operators) return copied_body(call);
+  std::vector<PpToken> &result = expansion.result;
+  result.clear();
   Substitution(call, result).run();
+  if (expansion.exhausted) return {};
+  return {expansion.memory.copy(result.data(), result.size()), result.size()};
 }
 
 void substitution_stop()

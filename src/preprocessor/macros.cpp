@@ -128,7 +128,7 @@ public:
     if (parameters_ != nullptr) mark_uses();
   }
 
-  [[nodiscard]] bool has_paste() const { return has_paste_; }
+  [[nodiscard]] bool has_operators() const { return has_operators_; }
 
 private:
   static constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -181,7 +181,8 @@ private:
         make_blank(token);
         continue;
       }
-      has_paste_ = has_paste_ || token.number == tCONCAT;
+      if (token.number == tCONCAT || (token.number == tHASH && parameters_ != nullptr))
+        has_operators_ = true;
       in_front = true;
     }
   }
@@ -221,8 +222,21 @@ private:
   std::vector<MacroParameter> *parameters_;
   std::vector<NamedParameter> named_;
   hashtab table_;
-  bool has_paste_ = false;
+  bool has_operators_ = false;
 };
+
+std::vector<BodyRun> runs_of(const std::vector<PpToken> &body)
+{
+  std::vector<BodyRun> runs;
+  std::uint32_t length = 0;
+  for (const PpToken &token : body) {
+    ++length;
+    if (token.link == 0) continue;
+    runs.push_back({length - 1, (token.link & parameter_index) - 1});
+    length = 0;
+  }
+  return runs;
+}
 
 TDMMacro *new_macro(const char *name)
 {
@@ -298,7 +312,12 @@ void macro_define(const char *name, const std::vector<tdm::MacroParameter> *para
   macro->parameter_count = own_parameters.size();
   macro->body = copy_to_arena(body);
   macro->body_count = body.size();
-  macro->has_paste = check.has_paste();
+  if (parameters != nullptr) {
+    const std::vector<BodyRun> runs = runs_of(body);
+    macro->runs = copy_to_arena(runs);
+    macro->run_count = runs.size();
+  }
+  macro->has_operators = check.has_operators();
   macro->position = position;
   macro->predefined = predefined;
   static_cast<void>(hashtab_lookup(&state.table, name));
@@ -327,5 +346,7 @@ void macro_undefine(const char *name, const tdm_srcpos &position)
 TDMMacro *macro_lookup(const char *name)
 {
   if ((tdm::pooled(name).marks & tdm::mark_macro_name) == 0) return nullptr;
-  return static_cast<TDMMacro *>(hashtab_lookup(&tdm::state.table, name));
+  return static_cast<TDMMacro *>(
+      tdm::hashtab_search(tdm::state.table, tdm::pooled(name).hash,
+                          [name](const void *macro) { return tdm::name_of_macro(macro) == name; }));
 }

@@ -21,6 +21,12 @@ struct MacroParameter {
 /// What a macro without a body does.
 enum class MacroKind : std::uint8_t { with_body, file_name, line_number };
 
+/// Tokens of a body that are copied as they stand, and the parameter behind them.
+struct BodyRun {
+  std::uint32_t length;
+  std::uint32_t parameter; ///< its index
+};
+
 // The link of a body token that names a parameter: its index, counted from 1, and whether it
 // stands beside a ##, so that its argument isn't expanded.
 constexpr std::uint32_t parameter_index = 0x7FFFFFFF;
@@ -34,10 +40,12 @@ struct TDMMacro {
   std::size_t parameter_count;
   const tdm::PpToken *body;
   std::size_t body_count;
+  const tdm::BodyRun *runs; ///< what the body is made of up to its last parameter
+  std::size_t run_count;
   tdm_srcpos position; ///< of the definition; with a null file when there is none
   bool busy;           ///< its expansion is being read
   bool function_like;
-  bool has_paste; ///< there is a ## in the body
+  bool has_operators; ///< there is a ## in the body, or a # with a parameter
   bool predefined;
   tdm::MacroKind kind;
   TDMMacro *next_made;

@@ -32,6 +32,12 @@ struct TokenPart {
   return *reinterpret_cast<const TokenPart *>(item.text);
 }
 
+/// A list.
+struct TokenSpan {
+  const PpToken *items;
+  std::size_t count;
+};
+
 /// A stack of memory: what was made since a mark is given back at once.
 class TokenMemory {
 public:
