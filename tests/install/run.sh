@@ -23,5 +23,5 @@ LD_LIBRARY_PATH="$library" by-cmake/client "$PWD/chip.tdm"
 
 # The paths in the file go by the place of the file.
 flags=$(PKG_CONFIG_PATH="$library/pkgconfig" pkg-config --cflags --libs tdm_c)
-"$cxx" -std=c++20 -o by-pkg-config main.cpp linker.cpp expressions.cpp walk.cpp $flags
+"$cxx" -std=c++20 -o by-pkg-config *.cpp $flags
 LD_LIBRARY_PATH="$library" ./by-pkg-config "$PWD/chip.tdm"

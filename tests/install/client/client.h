@@ -60,3 +60,4 @@ public:
 void test_expressions(tdm_spec *spec);
 void test_walk(tdm_space *space);
 void test_failures(tdm_space *space, tdm_space *bad);
+void test_keeping(const tdm_arr &names);

@@ -30,6 +30,7 @@ int main(int argc, char **argv)
   test_walk(space);
   test_failures(space, tdm_core_get_space_by_name(core, "bad"));
   tdm_spec_free(spec);
+  test_keeping(names);
   tdm_cleanup();
   std::printf(faults == 0 ? "all as expected\n" : "%d faults\n", faults);
   return faults == 0 ? 0 : 1;
