@@ -3,7 +3,10 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <functional>
+#include <map>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "common/source_location.h"
@@ -74,5 +77,10 @@ template <typename T> struct ObjectAllocator {
 
 /// A list in an object of which there are many.
 template <typename T> using ObjectList = std::vector<T, ObjectAllocator<T>>;
+/// A set of the same kind.
+template <typename T> using ObjectSet = std::set<T, std::less<T>, ObjectAllocator<T>>;
+/// A map of the same kind.
+template <typename Key, typename T>
+using ObjectMap = std::map<Key, T, std::less<Key>, ObjectAllocator<std::pair<const Key, T>>>;
 
 } // namespace tdm

@@ -3,6 +3,7 @@
 
 #include "common/failures.h"
 #include "common/work_stack.h"
+#include "preprocessor/string_pool.h"
 
 namespace tdm {
 
@@ -162,17 +163,17 @@ void ArgumentScope::bind(const FileParameters &parameters, Arguments arguments)
   }
 }
 
-void ArgumentScope::bind(std::string name, ExpressionPtr record)
+void ArgumentScope::bind(Text name, ExpressionPtr record)
 {
   const TDMFileExpression *bound = record.get();
-  single(std::move(name)) = {bound, std::move(record)};
+  single(name) = {bound, std::move(record)};
 }
 
 /// The binding of a single name, which there is from now on.
-ArgumentScope::Binding &ArgumentScope::single(std::string name) const
+ArgumentScope::Binding &ArgumentScope::single(Text name) const
 {
   if (single_ == nullptr) single_ = std::make_unique<Bindings>();
-  return (*single_)[std::move(name)];
+  return single_->by_name[name];
 }
 
 ArgumentScope ArgumentScope::copy() const
@@ -180,7 +181,7 @@ ArgumentScope ArgumentScope::copy() const
   ArgumentScope result;
   for (std::size_t i = 0; i < bound_.size(); ++i)
     if (bound_names_.find(bound_[i].name, NameAt{bound_}) == i)
-      result.bind(std::string(bound_[i].name), bound_[i].binding.record->clone());
+      result.bind(bound_[i].name, bound_[i].binding.record->clone());
   return result;
 }
 
@@ -197,7 +198,8 @@ Arguments ArgumentScope::substitute(const ExpressionList &arguments,
 const ArgumentScope::Binding *ArgumentScope::find(std::string_view name) const
 {
   if (single_ != nullptr)
-    if (const auto found = single_->find(name); found != single_->end()) return &found->second;
+    if (const auto found = single_->by_name.find(name); found != single_->by_name.end())
+      return &found->second;
   if (const uint32_t place = bound_names_.find(name, NameAt{bound_}); place != NameTable::none)
     return &bound_[place].binding;
   if (parameters_ != nullptr)
@@ -215,7 +217,7 @@ const ArgumentScope::Binding *ArgumentScope::find_memory(std::string_view name) 
   if (!value) return nullptr;
   ExpressionPtr record = std::make_unique<TDMExprNumber>(*value);
   const TDMFileExpression *bound = record.get();
-  Binding &binding = single(std::string(name));
+  Binding &binding = single(pooled_text(name));
   binding = {bound, std::move(record)};
   return &binding;
 }

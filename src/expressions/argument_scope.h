@@ -70,7 +70,7 @@ public:
   void bind(const FileParameters &parameters, Arguments arguments);
 
   /// Binds a single name.
-  void bind(std::string name, ExpressionPtr record);
+  void bind(Text name, ExpressionPtr record);
 
   /// The same names, bound to copies of all records.
   [[nodiscard]] ArgumentScope copy() const;
@@ -95,7 +95,7 @@ public:
 
 private:
   struct Parameter {
-    std::string_view name;
+    Text name;
     Binding binding;
   };
   struct NameAt {
@@ -111,11 +111,14 @@ private:
       return std::hash<std::string_view>{}(text);
     }
   };
-  using Bindings = std::unordered_map<std::string, Binding, Hash, std::equal_to<>,
-                                      PoolAllocator<std::pair<const std::string, Binding>>>;
+  struct Bindings : RecordMemory {
+    std::unordered_map<Text, Binding, Hash, std::equal_to<>,
+                       PoolAllocator<std::pair<const Text, Binding>>>
+        by_name;
+  };
 
   const Binding *find_memory(std::string_view name) const;
-  Binding &single(std::string name) const;
+  Binding &single(Text name) const;
 
   PooledVector<Parameter> bound_;
   NameTable bound_names_;

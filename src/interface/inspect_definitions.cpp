@@ -14,7 +14,7 @@ using tdm::text_result;
 namespace {
 
 /// In the order of names: the order of the addresses of spaces would differ from run to run.
-tdm_arr *destinations(const std::map<TDMSpace *, TDMSpace *> &pairs)
+tdm_arr *destinations(const tdm::ObjectMap<TDMSpace *, TDMSpace *> &pairs)
 {
   return guarded_array<tdm_inspect_copy_destination>([&] {
     std::vector<std::pair<std::string, tdm_inspect_copy_destination>> sorted;

@@ -25,7 +25,7 @@ struct TDMBankDef : TDMObject {
   void add_bank(int32_t bank, const TDMSourceLocation &place);
 
   tdm::Text name; ///< the full name of the space, then ":bank"
-  std::set<int32_t> banks;
+  tdm::ObjectSet<int32_t> banks;
   std::optional<tdm::Text> stub_template;
   std::optional<tdm::Text> stub_prefix;
   std::optional<tdm::Text> stub_arg_address;

@@ -23,7 +23,7 @@ TDMSpace *find_destination(const TDMFileObject &record, tdm::Text name, Location
 /// name's own key, which is that name.
 template <typename Pairs>
 void resolve_pairs(const TDMFileObject &record, const Pairs &pairs, const tdm::SpaceLookup &lookup,
-                   std::map<TDMSpace *, TDMSpace *> &destinations)
+                   tdm::ObjectMap<TDMSpace *, TDMSpace *> &destinations)
 {
   for (const auto &[source, destination] : pairs) {
     const LocationKey key = LocationKey::of(tdm::intern(source));

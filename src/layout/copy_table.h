@@ -24,8 +24,8 @@ class SpaceLookup;
 
 /// A part of a copy table with a symbol of its own.
 struct TDMCopySubTable {
-  tdm::Text symbol;               ///< its symbol
-  std::vector<TDMSpace *> spaces; ///< the spaces that it serves
+  tdm::Text symbol;                   ///< its symbol
+  tdm::ObjectList<TDMSpace *> spaces; ///< the spaces that it serves
 };
 
 struct TDMCopyTable : TDMObject {
@@ -35,13 +35,13 @@ struct TDMCopyTable : TDMObject {
   /// Finds the spaces that the record names, once all spaces of the core stand.
   void resolve(const TDMFileCopyTable &record, const tdm::SpaceLookup &lookup);
 
-  tdm::Text name = "table";                      ///< of the section that holds the table
-  int64_t alignment = 1;                         ///< in MAUs of the space
-  int64_t copy_unit = 0;                         ///< in MAUs of the space; 0 if none is given
-  std::map<TDMSpace *, TDMSpace *> destinations; ///< source to destination
-  TDMSpace *default_destination = nullptr;       ///< null if none is given
-  bool page_restrict_rom_copies = false;         ///< `page`
-  std::vector<TDMCopySubTable> sub_tables;       ///< `table { ... }`, in the order of the text
+  tdm::Text name = "table";                            ///< of the section that holds the table
+  int64_t alignment = 1;                               ///< in MAUs of the space
+  int64_t copy_unit = 0;                               ///< in MAUs of the space; 0 if none is given
+  tdm::ObjectMap<TDMSpace *, TDMSpace *> destinations; ///< source to destination
+  TDMSpace *default_destination = nullptr;             ///< null if none is given
+  bool page_restrict_rom_copies = false;               ///< `page`
+  tdm::ObjectList<TDMCopySubTable> sub_tables; ///< `table { ... }`, in the order of the text
 };
 
 struct TDMDirectInit : TDMObject {
@@ -51,8 +51,8 @@ struct TDMDirectInit : TDMObject {
   /// Finds the spaces that the record names.
   void resolve(const TDMFileDirectInit &record, const tdm::SpaceLookup &lookup);
 
-  tdm::Text name = "dinit";                      ///< always this one
-  int64_t alignment = 1;                         ///< in MAUs of the space
-  std::map<TDMSpace *, TDMSpace *> destinations; ///< source to destination
-  TDMSpace *default_destination = nullptr;       ///< null if none is given
+  tdm::Text name = "dinit";                            ///< always this one
+  int64_t alignment = 1;                               ///< in MAUs of the space
+  tdm::ObjectMap<TDMSpace *, TDMSpace *> destinations; ///< source to destination
+  TDMSpace *default_destination = nullptr;             ///< null if none is given
 };

@@ -21,7 +21,7 @@ public:
   [[nodiscard]] virtual const TDMMapDestination &destination() const = 0;
   /// 0 if the space has none.
   [[nodiscard]] virtual int32_t page_size() const = 0;
-  [[nodiscard]] virtual const std::vector<std::unique_ptr<TDMRange>> &page_ranges() const = 0;
+  [[nodiscard]] virtual const ObjectList<std::unique_ptr<TDMRange>> &page_ranges() const = 0;
   /// The space that literal addresses are meant in, as it is set at the moment, or null.
   [[nodiscard]] virtual const LayoutSpace *address_literal_space() const = 0;
 

@@ -25,7 +25,9 @@ struct SectionNames {
   PooledVector<Text> optional_symbols;
   std::vector<RequiredSymbol, PoolAllocator<RequiredSymbol>> required_symbols;
   PooledVector<Text> referenced_names;
-  std::unordered_set<std::string_view> group_names;
+  std::unordered_set<std::string_view, std::hash<std::string_view>, std::equal_to<>,
+                     PoolAllocator<std::string_view>>
+      group_names;
 };
 
 } // namespace tdm

@@ -66,22 +66,22 @@ private:
 /// all spaces finds, so that the walks don't multiply with the members.
 class MembersInReach {
 public:
-  explicit MembersInReach(const std::vector<TDMSpace *> &members) : members_(members)
+  explicit MembersInReach(const tdm::ObjectList<TDMSpace *> &members) : members_(members)
   {
     if (members.size() <= few) return;
     for (size_t i = 0; i < members.size(); ++i) numbers_.emplace(members[i], i);
   }
 
   /// In the order of the members; all that reach the interval, and perhaps more.
-  [[nodiscard]] std::vector<TDMSpace *> of(const TDMMapDestination &memory,
-                                           const Interval &interval) const
+  [[nodiscard]] tdm::ObjectList<TDMSpace *> of(const TDMMapDestination &memory,
+                                               const Interval &interval) const
   {
     if (members_.size() <= few) return members_;
     std::set<size_t> found;
     for (const auto &route : tdm::map_back_to(tdm::NodeKind::space, memory, interval))
       if (const auto number = numbers_.find(route.object); number != numbers_.end())
         found.insert(number->second);
-    std::vector<TDMSpace *> in_reach;
+    tdm::ObjectList<TDMSpace *> in_reach;
     in_reach.reserve(found.size());
     for (const size_t number : found) in_reach.push_back(members_[number]);
     return in_reach;
@@ -90,7 +90,7 @@ public:
 private:
   static constexpr size_t few = 8;
 
-  const std::vector<TDMSpace *> &members_;
+  const tdm::ObjectList<TDMSpace *> &members_;
   std::unordered_map<const TDMMapSource *, size_t> numbers_;
 };
 
@@ -114,8 +114,8 @@ void append_connections(const TDMMapDestination &memory, const Interval &interva
 
 } // namespace
 
-TDMCloneSpace::TDMCloneSpace(std::vector<TDMSpace *> spaces, tdm::Text core, tdm::Text processor,
-                             int32_t space_id, const TDMSourceLocation &place)
+TDMCloneSpace::TDMCloneSpace(tdm::ObjectList<TDMSpace *> spaces, tdm::Text core,
+                             tdm::Text processor, int32_t space_id, const TDMSourceLocation &place)
     : members(std::move(spaces)), owned_core_name_(core), owned_processor_name_(processor)
 {
   core_name = &owned_core_name_;
@@ -211,7 +211,7 @@ TDMSpec::create_clone_space(TDMCore &core,
                             const tdm::PooledVector<std::unique_ptr<TDMCore>> &siblings,
                             const std::set<std::string> &names, const TDMSourceLocation &place)
 {
-  std::vector<TDMSpace *> members;
+  tdm::ObjectList<TDMSpace *> members;
   for (const std::string &full_name : names)
     if (TDMSpace *space = find_by_full_name(full_name, *this, *core.processor_name, siblings))
       members.push_back(space);

@@ -61,7 +61,7 @@ struct TDMProcessor : TDMObject {
   /// Of its derivative, not of the bases, with copies of what they are bound to: for expressions
   /// that a caller brings after the parse.
   tdm::ArgumentScope parameters;
-  std::vector<tdm::Text> parameter_names; ///< in the order of the definition, each once
+  tdm::PooledVector<tdm::Text> parameter_names; ///< in the order of the definition, each once
 
 private:
   void instantiate(const TDMFileDerivative &derivative, tdm::Arguments arguments,

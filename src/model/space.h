@@ -77,7 +77,7 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   int32_t mau_size = 0; ///< bits
   int32_t alignment = 0;
   int32_t page_size = 0;
-  std::vector<std::unique_ptr<TDMRange>> page_ranges;
+  tdm::ObjectList<std::unique_ptr<TDMRange>> page_ranges;
   bool page_restrict_sections = false;
   int32_t locate_direction = 0; ///< enum tdm_locate_direction
   TDMSpace *address_literal_space = nullptr;
@@ -90,7 +90,8 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   std::unique_ptr<TDMStartAddress> start_address;
   std::unique_ptr<TDMBankDef> bank_def;
   tdm::PooledVector<std::unique_ptr<TDMSectionLayout>> section_layouts;
-  std::set<int32_t> prohibited_spaces; ///< ids of the spaces that sections here can't refer to
+  tdm::ObjectSet<int32_t>
+      prohibited_spaces; ///< ids of the spaces that sections here can't refer to
   tdm::PooledVector<std::unique_ptr<TDMInputModification>> input_modifications;
 
 protected:
@@ -113,7 +114,7 @@ private:
     [[nodiscard]] const TDMMapSource &source() const override { return space_; }
     [[nodiscard]] const TDMMapDestination &destination() const override { return space_; }
     [[nodiscard]] int32_t page_size() const override { return space_.page_size; }
-    [[nodiscard]] const std::vector<std::unique_ptr<TDMRange>> &page_ranges() const override
+    [[nodiscard]] const tdm::ObjectList<std::unique_ptr<TDMRange>> &page_ranges() const override
     {
       return space_.page_ranges;
     }
@@ -157,13 +158,13 @@ struct TDMVoidSpace final : TDMSpace {
 
 /// A space that stands for several at once, reaching each memory through one of them.
 struct TDMCloneSpace final : TDMSpace {
-  TDMCloneSpace(std::vector<TDMSpace *> spaces, tdm::Text core, tdm::Text processor,
+  TDMCloneSpace(tdm::ObjectList<TDMSpace *> spaces, tdm::Text core, tdm::Text processor,
                 int32_t space_id, const TDMSourceLocation &place);
 
   void check_mappings() const override {}
   void resolve_mappings(TDMCore &, const tdm::BusesInReach &, const TDMFileSpace &) override {}
 
-  std::vector<TDMSpace *> members;
+  tdm::ObjectList<TDMSpace *> members;
 
 private:
   void connect();

@@ -6,7 +6,7 @@
 namespace {
 
 std::shared_ptr<const std::vector<TDMRange>>
-copied(const std::vector<std::unique_ptr<TDMRange>> &ranges)
+copied(const tdm::ObjectList<std::unique_ptr<TDMRange>> &ranges)
 {
   auto copies = std::make_shared<std::vector<TDMRange>>();
   copies->reserve(ranges.size());

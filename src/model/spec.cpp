@@ -32,16 +32,6 @@ template <class Object> void leave(tdm::PooledVector<std::unique_ptr<Object>> &o
   for (auto &object : objects) static_cast<void>(object.release());
 }
 
-void leave_contents(TDMSpace &space)
-{
-  leave(space.section_layouts);
-  leave(space.vector_tables);
-  leave(space.stacks);
-  leave(space.heaps);
-  leave(space.reserved_ranges);
-  leave(space.input_modifications);
-}
-
 /// Runs `work`; a failure goes on as a finished text, which nothing behind it changes any more. The
 /// text is that of the check that has failed before it, if one has: without mercy for that the
 /// parse would have ended there.
@@ -80,20 +70,13 @@ TDMSpec::TDMSpec(const std::vector<std::string> &files, Checks checks)
   });
 }
 
-/// What there is much of stays to the region, which ends right behind.
+/// The model stays to the region, which ends right behind.
 TDMSpec::~TDMSpec()
 {
   if (!tdm::Region::ends_objects) return;
   leave(memories);
   leave(buses);
-  for (const auto &processor : processors) {
-    leave(processor->memories);
-    leave(processor->buses);
-    for (const auto &core : processor->cores) {
-      leave(core->buses);
-      for (const auto &space : core->spaces) leave_contents(*space);
-    }
-  }
+  leave(processors);
 }
 
 std::unique_ptr<TDMFileInterface> TDMSpec::parse(const std::vector<std::string> &files)

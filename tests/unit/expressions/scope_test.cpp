@@ -145,12 +145,6 @@ TEST(Scope, SubstitutesVariablesOnce)
             "[\"file\" 7/20] syntax error: TDM variable \"z\" is used but not defined");
 }
 
-/// While names that are put together are needed.
-struct Pool {
-  Pool() { tdm::string_pool_start(); }
-  ~Pool() { tdm::string_pool_end(); }
-};
-
 /// The name of a parameter.
 tdm::Text numbered(int i)
 {
@@ -162,12 +156,11 @@ const std::string too_large =
 
 TEST(Scope, EndsExplosions)
 {
-  const Pool pool;
   tdm::ArgumentScope doubling;
   doubling.bind("p0", num(1));
   for (int i = 1; i <= 60; ++i) {
     const tdm::Text below = numbered(i - 1);
-    doubling.bind("p" + std::to_string(i), binary(4, var(below), var(below)));
+    doubling.bind(numbered(i), binary(4, var(below), var(below)));
   }
   EXPECT_EQ(tdm::evaluate(*var("p12"), doubling, here), 4096);
   EXPECT_EQ(failure_of([&] { (void)tdm::evaluate(*var("p60"), doubling, here); }), too_large);
@@ -244,12 +237,11 @@ void run_through_deep_trees()
 
 void run_through_long_chains()
 {
-  const Pool pool;
   tdm::ArgumentScope scope;
-  for (int i = 0; i < depth; ++i) scope.bind("p" + std::to_string(i), var(numbered(i + 1)));
-  scope.bind("p" + std::to_string(depth), num(3));
+  for (int i = 0; i < depth; ++i) scope.bind(numbered(i), var(numbered(i + 1)));
+  scope.bind(numbered(depth), num(3));
   EXPECT_EQ(tdm::evaluate(*var("p0"), scope, here), 3);
-  scope.bind("p" + std::to_string(depth), var("p1"));
+  scope.bind(numbered(depth), var("p1"));
   EXPECT_NE(failure_of([&] { (void)tdm::evaluate(*var("p0"), scope, here); }), "");
 
   ExpressionList list;

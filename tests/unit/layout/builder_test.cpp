@@ -163,7 +163,7 @@ TEST(BankDef, KindDependsOnTheSwitchAndNumbersAscend)
   EXPECT_STREQ(single->kind_name(), "jstub");
   EXPECT_EQ(single->name, "c:k:s:bank");
   for (const int32_t bank : {3, 1, 2}) single->add_bank(bank, {});
-  EXPECT_EQ(single->banks, (std::set<int32_t>{1, 2, 3}));
+  EXPECT_EQ(single->banks, (tdm::ObjectSet<int32_t>{1, 2, 3}));
   record.switchTemplate = "t";
   EXPECT_STREQ(make_bank_def(record, "s", "c:k:s")->kind_name(), "bar");
 }

@@ -12,7 +12,7 @@ public:
   [[nodiscard]] const TDMMapSource &source() const override { return *this; }
   [[nodiscard]] const TDMMapDestination &destination() const override { return *this; }
   [[nodiscard]] int32_t page_size() const override { return 0; }
-  [[nodiscard]] const std::vector<std::unique_ptr<TDMRange>> &page_ranges() const override
+  [[nodiscard]] const tdm::ObjectList<std::unique_ptr<TDMRange>> &page_ranges() const override
   {
     return page_ranges_;
   }
@@ -26,6 +26,6 @@ public:
   const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return none_; }
 
 private:
-  std::vector<std::unique_ptr<TDMRange>> page_ranges_;
+  tdm::ObjectList<std::unique_ptr<TDMRange>> page_ranges_;
   tdm::PooledVector<TDMMapping *> none_;
 };

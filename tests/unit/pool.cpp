@@ -1,4 +1,4 @@
-// The texts of patterns that are put together are in the pool, as in a parse.
+// The pool of texts, from the beginning of a test program to its end.
 #include "preprocessor/string_pool.h"
 
 #include <gtest/gtest.h>
