@@ -96,9 +96,9 @@ inline void record_free(void *block, std::size_t size) noexcept
   pool_free(block, size);
 }
 
-[[nodiscard]] inline bool is_of_open_pool(const void *, std::size_t)
+[[nodiscard]] inline bool region_is_open()
 {
-  return true;
+  return false;
 }
 
 #else
@@ -297,11 +297,10 @@ inline void record_free(void *block, std::size_t size) noexcept
   if (--chunk->in_use == 0) chunk->pool->use_up(chunk);
 }
 
-/// Whether a block of that size lives as long as new ones do.
-[[nodiscard]] inline bool is_of_open_pool(void *block, std::size_t size)
+/// Whether new blocks may be left to a region.
+[[nodiscard]] inline bool region_is_open()
 {
-  return open_pool == (size > BlockPool::largest ? BlockPool::large_block_of(block)->pool
-                                                 : BlockPool::chunk_of(block)->pool);
+  return open_pool != &process_pool;
 }
 
 #endif

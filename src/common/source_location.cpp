@@ -80,14 +80,14 @@ std::size_t SourceLocations::block_size(std::uint32_t capacity)
 SourceLocations::List *SourceLocations::make_list(std::uint32_t capacity)
 {
   void *memory = tdm::pool_allocate(block_size(capacity));
-  return new (memory) List{1, 0, capacity, 0};
+  return new (memory) List{0, capacity, 0, 0};
 }
 
 // An object that a client keeps beyond the spec has a list of its own.
-void SourceLocations::share()
+void SourceLocations::copy_list(const SourceLocations &other)
 {
-  if (tdm::is_of_open_pool(list(), block_size(list()->capacity)))
-    ++list()->users;
+  if (tdm::region_is_open())
+    only_.first = other.only_.first = shared_mark;
   else
     set_list(copied(entries()));
 }
@@ -105,7 +105,7 @@ SourceLocations::List *SourceLocations::copied(std::span<const Entry> entries)
 void SourceLocations::renew()
 {
   List *const next = copied(entries());
-  if (has_list() && --list()->users == 0) free(list());
+  if (owns_list()) free(list());
   set_list(next);
 }
 

@@ -84,9 +84,9 @@ void forget_location_texts();
 /// The one location of a number or a name stands in the table itself. Most other objects have a
 /// dozen keys at the most, and for these a flat list beats any tree, in memory and in time. But
 /// where keys are names of the text, as in copy tables, there is no end to them: a long list is
-/// indexed. What is copied from object to object shares one list, until somebody stores into a
-/// shared one. The count of users is no atomic one: like all of the model, a list belongs to one
-/// thread at a time.
+/// indexed. What is copied from object to object inside a parse shares one list, which stays until
+/// the spec ends, so that nobody has to count its users; who stores into a shared one gets a list
+/// of its own. Every other copy has one from the beginning.
 class TDM_CLIENT_API SourceLocations {
 public:
   /// A location and its key.
@@ -96,10 +96,10 @@ public:
   };
 
   SourceLocations() = default;
-  /// Shares the list of the other one, or copies one that may end earlier.
+  /// Inside a parse, shares the list of the other one.
   SourceLocations(const SourceLocations &other) : only_(other.only_)
   {
-    if (has_list()) share();
+    if (has_list()) copy_list(other);
   }
   /// Takes the list of the other one, which is empty then.
   SourceLocations(SourceLocations &&other) noexcept : only_(other.only_) { other.only_ = {}; }
@@ -113,7 +113,7 @@ public:
   }
   ~SourceLocations()
   {
-    if (has_list() && --list()->users == 0) free(list());
+    if (owns_list()) free(list());
   }
 
   /// Keeps the location under the key; the first one stored under a key wins.
@@ -124,7 +124,7 @@ public:
       return;
     }
     if (find(key) != nullptr) return;
-    if (!has_list() || list()->count == list()->capacity || list()->users > 1) renew();
+    if (!owns_list() || list()->count == list()->capacity) renew();
     list()->entries()[list()->count++] = {key, location};
   }
 
@@ -153,14 +153,15 @@ public:
 private:
   static constexpr std::uint32_t flat_limit = 31;
   static constexpr LocationKey list_mark{UINT32_MAX};
+  static constexpr LocationKey shared_mark{UINT32_MAX - 1};
 
   /// The head of a block of memory that goes on with the entries, and behind those with the index
   /// if there are so many that they need one.
   struct List {
-    std::uint32_t users;
     std::uint32_t count;
     std::uint32_t capacity;
     std::uint32_t indexed; ///< how many entries the index knows
+    std::uint32_t padding; ///< entries begin at a multiple of their size
 
     [[nodiscard]] Entry *entries() { return reinterpret_cast<Entry *>(this + 1); }
     /// The number of an entry plus one, or 0, by its key: twice as many places as entries.
@@ -172,7 +173,8 @@ private:
   };
 
   [[nodiscard]] bool is_empty() const { return only_.first == LocationKey(); }
-  [[nodiscard]] bool has_list() const { return only_.first == list_mark; }
+  [[nodiscard]] bool owns_list() const { return only_.first == list_mark; }
+  [[nodiscard]] bool has_list() const { return only_.first.number() >= shared_mark.number(); }
   [[nodiscard]] List *list() const
   {
     List *list = nullptr;
@@ -188,7 +190,7 @@ private:
   [[nodiscard]] static std::size_t block_size(std::uint32_t capacity);
   [[nodiscard]] static List *make_list(std::uint32_t capacity);
   [[nodiscard]] static List *copied(std::span<const Entry> entries);
-  void share();
+  void copy_list(const SourceLocations &other);
   void renew();
   [[nodiscard]] const TDMSourceLocation *find_indexed(LocationKey key) const;
   static void update_index(List &list);
@@ -196,5 +198,6 @@ private:
 
   static constexpr std::size_t address_in_entry = sizeof(Entry) - sizeof(List *);
 
-  alignas(List *) Entry only_; ///< or, with its mark as the key, the address of a list at its end
+  /// Or, with a mark as the key, the address of a list at its end. What is shared changes its mark.
+  alignas(List *) mutable Entry only_;
 };

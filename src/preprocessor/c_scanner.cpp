@@ -150,7 +150,11 @@ const PpToken &quoted_in_block(TDMInputRecord &record, std::size_t prefix)
     scanner.token.number = is_string ? tSTRING : tCHAR;
   else
     scanner.token.number = is_string ? tWSTRING : tWCHAR;
-  set_interned({begin, static_cast<std::size_t>(end - begin)});
+  const std::string_view text(begin, static_cast<std::size_t>(end - begin));
+  if (scanner.token.number == tSTRING && scanner.want_text)
+    set_text(keep_unindexed(text), text.size());
+  else
+    set_interned(text);
   return pass(record, end);
 }
 

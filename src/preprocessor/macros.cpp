@@ -51,6 +51,12 @@ bool pass_white(const PpToken *&cursor, const PpToken *end)
   return cursor != begin;
 }
 
+// Strings aren't interned.
+bool same_text(const PpToken &a, const PpToken &b)
+{
+  return a.text == b.text || (a.number == tSTRING && b.number == tSTRING && a.view() == b.view());
+}
+
 // Any amount of white space counts as one, and none at the ends, where a faulty # or ## may have
 // left it.
 bool same_body(const PpToken *a, const PpToken *a_end, const PpToken *b, const PpToken *b_end)
@@ -58,7 +64,7 @@ bool same_body(const PpToken *a, const PpToken *a_end, const PpToken *b, const P
   pass_white(a, a_end);
   pass_white(b, b_end);
   while (a != a_end && b != b_end) {
-    if (a++->text != b++->text) return false;
+    if (!same_text(*a++, *b++)) return false;
     const bool white_a = pass_white(a, a_end);
     const bool white_b = pass_white(b, b_end);
     if (white_a != white_b && a != a_end && b != b_end) return false;

@@ -160,15 +160,21 @@ void grow()
   pool.index = index;
 }
 
-[[gnu::noinline]] const char *add(std::string_view text, std::uint64_t hash, std::size_t place)
+const char *store(std::string_view text, std::uint32_t hash)
 {
   auto *record = static_cast<PooledText *>(
       pool.arena.allocate(sizeof(PooledText) + ((text.size() + 8) & ~std::size_t{7})));
-  record->hash = static_cast<std::uint32_t>(hash);
+  record->hash = hash;
   record->length = text.size();
   char *copy = reinterpret_cast<char *>(record + 1);
   if (!text.empty()) std::memcpy(copy, text.data(), text.size()); // zero-filled: terminated
-  put(pool.index, place, copy, record->hash, tag_of(hash));
+  return copy;
+}
+
+[[gnu::noinline]] const char *add(std::string_view text, std::uint64_t hash, std::size_t place)
+{
+  const char *const copy = store(text, static_cast<std::uint32_t>(hash));
+  put(pool.index, place, copy, static_cast<std::uint32_t>(hash), tag_of(hash));
   if (++pool.used * 3 > pool.index.mask * 2) grow();
   return copy;
 }
@@ -196,6 +202,11 @@ void string_pool_end()
 bool string_pool_started()
 {
   return pool.index.texts != nullptr;
+}
+
+const char *keep_unindexed(std::string_view text)
+{
+  return store(text, 0);
 }
 
 const char *intern(std::string_view text)

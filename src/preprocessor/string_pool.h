@@ -38,6 +38,10 @@ extern std::uint32_t pool_number;
 /// been started.
 [[nodiscard]] const char *intern(std::string_view text);
 
+/// A copy in the pool that intern() doesn't find: for texts of which there are many, most of them
+/// once, and which nobody compares by address.
+[[nodiscard]] const char *keep_unindexed(std::string_view text);
+
 /// The same as a view.
 [[nodiscard]] inline Text pooled_text(std::string_view text)
 {
@@ -49,7 +53,7 @@ extern std::uint32_t pool_number;
 
 /// What the pool keeps with each text.
 struct PooledText {
-  std::uint32_t hash;
+  std::uint32_t hash;  ///< 0 in a text that isn't in the index
   std::uint32_t marks; ///< bits below, free for the users of the pool; 0 in a new text
   std::size_t length;
 };
@@ -64,7 +68,7 @@ constexpr std::uint32_t mark_dependency = 2;
 constexpr unsigned mark_lexer_shift = 8;
 constexpr std::uint32_t marks_of_preprocessor = (1U << mark_lexer_shift) - 1;
 
-/// The record of a text of the pool. Only for pointers that intern() gave.
+/// The record of a text of the pool. Only for pointers that the functions above gave.
 [[nodiscard]] inline PooledText &pooled(const char *text)
 {
   return reinterpret_cast<PooledText *>(const_cast<char *>(text))[-1];

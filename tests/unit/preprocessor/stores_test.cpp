@@ -91,6 +91,24 @@ TEST(Hashtab, ComparesKeysByKind)
   tdm::hashtab_free(by_bytes);
 }
 
+TEST(StringPool, FindsWhatIsInternedAlone)
+{
+  tdm::string_pool_start();
+  const std::string text = "a text that is kept \0 twice";
+  const char *const first = tdm::keep_unindexed(text);
+  const char *const second = tdm::keep_unindexed(text);
+  const char *const interned = tdm::intern(text);
+  EXPECT_NE(first, second);
+  EXPECT_NE(first, interned);
+  EXPECT_EQ(tdm::intern(text), interned);
+  for (const char *copy : {first, second, interned}) {
+    EXPECT_EQ(std::string_view(copy, tdm::pooled(copy).length), text);
+    EXPECT_EQ(copy[text.size()], '\0');
+    EXPECT_EQ(tdm::pooled(copy).marks, 0U);
+  }
+  tdm::string_pool_end();
+}
+
 TEST(StringPool, GivesOneAddressForEqualTexts)
 {
   tdm::string_pool_start();
