@@ -40,6 +40,10 @@ public:
   {
     if (argument.kind() == kExprVarRef)
       return {value_of(static_cast<const TDMExprVarRef &>(argument)), nullptr};
+    if (argument.kind() == kExprNumber) {
+      count(1);
+      return {&argument, nullptr};
+    }
     if (!has_variables(argument)) {
       count(count_terms(argument));
       return {&argument, nullptr};
@@ -66,10 +70,10 @@ private:
   ExpressionPtr rewritten_copy(const TDMFileExpression &argument)
   {
     struct Pair {
-      const TDMFileExpression *from; // has the locations that its copy lacks
+      const TDMFileExpression *from;
       ExpressionPtr *copy;
     };
-    ExpressionPtr result = argument.clone();
+    ExpressionPtr result;
     WorkStack<Pair> pending;
     pending.push({&argument, &result});
     while (!pending.empty()) {
@@ -79,6 +83,7 @@ private:
         continue;
       }
       count(1);
+      *pair.copy = clone_node(*pair.from);
       const ExpressionOperands from = operands_of(*pair.from);
       const ExpressionOperands copies = expression_operands(**pair.copy);
       for (std::size_t i = from.count; i > 0; --i)

@@ -275,9 +275,15 @@ std::unique_ptr<TDMExpression> tdm_translate_expression(const TDMFileExpression 
   return Translation(scope, place).run(*record);
 }
 
+std::optional<std::int64_t> tdm::plain_value(const TDMFileExpression &record,
+                                             const ArgumentScope &scope)
+{
+  return Shortcut(scope).value(record);
+}
+
 std::int64_t tdm::evaluate(const TDMFileExpression &record, const ArgumentScope &scope,
                            const TDMSourceLocation &place)
 {
-  if (const std::optional<std::int64_t> value = Shortcut(scope).value(record)) return *value;
+  if (const std::optional<std::int64_t> value = plain_value(record, scope)) return *value;
   return tdm_translate_expression(&record, scope, place)->value();
 }

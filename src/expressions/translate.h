@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "common/source_location.h"
 #include "expressions/argument_scope.h"
@@ -18,6 +19,11 @@ tdm_translate_expression(const TDMFileExpression *record, const tdm::ArgumentSco
                          const TDMSourceLocation &place);
 
 namespace tdm {
+
+/// The record's value without an environment, if it is a small expression of numbers; else nothing,
+/// and evaluate() has the answer.
+[[nodiscard]] std::optional<std::int64_t> plain_value(const TDMFileExpression &record,
+                                                      const ArgumentScope &scope);
 
 /// The record's value without an environment, for what is needed once.
 [[nodiscard]] std::int64_t evaluate(const TDMFileExpression &record, const ArgumentScope &scope,

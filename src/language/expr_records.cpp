@@ -17,7 +17,8 @@ ExpressionOperands operands(ExpressionPtr &first, ExpressionPtr &second)
   return {{&first, &second, nullptr}, 2};
 }
 
-/// A copy of the node with all operands null.
+} // namespace
+
 ExpressionPtr clone_node(const TDMFileExpression &node)
 {
   switch (node.kind()) {
@@ -44,8 +45,6 @@ ExpressionPtr clone_node(const TDMFileExpression &node)
     return node.clone(); // no operands, so no way back to here
   }
 }
-
-} // namespace
 
 ExpressionOperands expression_operands(TDMFileExpression &expression)
 {

@@ -117,6 +117,9 @@ struct ExpressionOperands {
 /// operands have operands in turn.
 void destroy_operands(TDMFileExpression &expression);
 
+/// A copy with no operands yet.
+[[nodiscard]] ExpressionPtr clone_node(const TDMFileExpression &node);
+
 /// What clone() of composite expressions does.
 [[nodiscard]] ExpressionPtr clone_expression(const TDMFileExpression &expression);
 

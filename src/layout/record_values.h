@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "common/failures.h"
@@ -23,6 +24,7 @@ inline int64_t number_of(const TDMFileObject &record, LocationKey key,
                          const TDMFileExpression &value, const ArgumentScope &scope)
 {
   if (value.kind() == kExprNumber) return static_cast<const TDMExprNumber &>(value).value;
+  if (const std::optional<int64_t> plain = plain_value(value, scope)) return *plain;
   return evaluate(value, scope, place_of(record, key));
 }
 
