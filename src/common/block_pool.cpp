@@ -15,6 +15,7 @@ namespace tdm {
 
 #ifdef TDM_PLAIN_BLOCKS
 
+void pool_start() noexcept {}
 void pool_trim() noexcept {}
 
 #else
@@ -38,14 +39,43 @@ void *map_large_slab()
   }
 }
 
+// Slabs of a spec that has ended, for the next one: who parses the same description again and again
+// would else wait for fresh pages each time.
+struct SpareSlab {
+  SpareSlab *next;
+  std::size_t size;
+};
+struct {
+  SpareSlab *slabs;
+  std::size_t room; ///< for more, in bytes
+} spare;
+constexpr std::size_t most_spare = std::size_t{8} << 20;
+
+void *take_spare(std::size_t size)
+{
+  SpareSlab **link = &spare.slabs;
+  while (*link != nullptr && (*link)->size != size) link = &(*link)->next;
+  SpareSlab *const slab = *link;
+  if (slab == nullptr) return nullptr;
+  *link = slab->next;
+  spare.room += size;
+  return slab;
+}
+
 // Slabs double in size until they are large.
 void *allocate_slab(std::size_t size)
 {
+  if (void *const slab = take_spare(size)) return slab;
   return size == largest_slab ? map_large_slab() : ::operator new(size, slab_alignment);
 }
 
 void free_slab(void *slab, std::size_t size) noexcept
 {
+  if (size <= spare.room) {
+    spare.slabs = new (slab) SpareSlab{spare.slabs, size};
+    spare.room -= size;
+    return;
+  }
   if (size == largest_slab)
     unmap_huge_pages(slab, size);
   else
@@ -146,8 +176,21 @@ void BlockPool::clear() noexcept
   *this = {};
 }
 
+void pool_start() noexcept
+{
+  pool_trim();
+  spare.room = most_spare;
+}
+
 void pool_trim() noexcept
 {
+  SpareSlab *slab = spare.slabs;
+  spare = {};
+  while (slab != nullptr) {
+    SpareSlab *const next = slab->next;
+    free_slab(slab, slab->size);
+    slab = next;
+  }
   if (process_pool.in_use == 0 && process_pool.large_blocks == nullptr) process_pool.clear();
 }
 

@@ -36,7 +36,10 @@
 
 namespace tdm {
 
-/// Gives all memory of the process's pool back if no block of it is in use.
+/// From here on some memory of specs that end is kept for those that come.
+void pool_start() noexcept;
+
+/// Gives back what is kept, and all memory of the process's pool if no block of it is in use.
 void pool_trim() noexcept;
 
 #ifdef TDM_PLAIN_BLOCKS

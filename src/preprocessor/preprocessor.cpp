@@ -12,6 +12,7 @@ namespace tdm {
 void preprocessor_start()
 {
   try {
+    pool_start();
     string_pool_start();
     source_files_end();
     option_start();

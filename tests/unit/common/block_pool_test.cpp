@@ -121,6 +121,21 @@ TEST(BlockPool, GuestsEndWithTheirOwnerOrWithTheRegion)
   EXPECT_EQ(ended, 4);
 }
 
+TEST(BlockPool, ARegionTakesTheRoomOfTheLastOne)
+{
+  tdm::pool_start();
+  const auto first_block = [] {
+    Region region;
+    const PoolScope scope(region.pool());
+    void *const block = tdm::pool_allocate(64);
+    for (int i = 0; i < 1000; ++i) std::memset(tdm::pool_allocate(1000), 5, 1000);
+    return block;
+  };
+  void *const block = first_block();
+  EXPECT_EQ(first_block(), block);
+  tdm::pool_trim();
+}
+
 TEST(BlockPool, PlacesThatAreCopiedOutlastTheirRegion)
 {
   SourceLocations copy;
