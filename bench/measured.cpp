@@ -98,10 +98,10 @@ std::vector<tdm_space *> Description::spaces() const
   return all;
 }
 
-void require(bool condition, const std::string &words)
+void require(bool condition, std::string_view words)
 {
   if (condition) return;
-  std::fprintf(stderr, "%s\n", words.c_str());
+  std::fprintf(stderr, "%.*s\n", static_cast<int>(words.size()), words.data());
   std::exit(1);
 }
 

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <tdm_c/tdm.h>
@@ -72,6 +73,6 @@ template <class T> std::vector<T> sample(const std::vector<T> &all, std::size_t 
 }
 
 /// Ends the program with the words unless the condition holds.
-void require(bool condition, const std::string &words);
+void require(bool condition, std::string_view words);
 
 } // namespace bench

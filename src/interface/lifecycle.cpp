@@ -79,6 +79,7 @@ void tdm_cleanup(void)
 {
   tdm::end_token_stream();
   tdm::forget_sections();
+  tdm::end_kept_array();
   if (tdm::preprocessor_started()) tdm::preprocessor_end();
 }
 

@@ -21,9 +21,8 @@ template <> struct Result<tdm_interval> {
 };
 
 /// Hands the value, meant in the node, to the walk, and its routes to the caller.
-template <class Node, class Given, class From, class Value, class Route>
-int translate(const Node &node, const Given &given, tdm_arr **results,
-              void (*walk)(const From &, const Value &, tdm::Routes<Route> &))
+template <auto walk, class Route, class Node, class Given>
+int translate(const Node &node, const Given &given, tdm_arr **results)
 {
   using Record = typename Result<Given>::Record;
   *results = tdm::guarded_array<Record>([&] {
@@ -55,60 +54,70 @@ void back_to_space(const TDMMemory &memory, const Value &value, RoutesBack<Value
 int tdm_space_map_interval_forward(const tdm_space *space, const tdm_interval *interval,
                                    tdm_arr **results)
 {
-  return translate(*space, *interval, results, tdm::append_forward<Interval>);
+  return translate<tdm::append_forward<Interval>, tdm::ForwardRoute<Interval>>(*space, *interval,
+                                                                               results);
 }
 
 int tdm_space_map_addressvalue_forward(const tdm_space *space, const tdm_addressvalue *address,
                                        tdm_arr **results)
 {
-  return translate(*space, *address, results, tdm::append_forward<AddressValue>);
+  return translate<tdm::append_forward<AddressValue>, tdm::ForwardRoute<AddressValue>>(
+      *space, *address, results);
 }
 
 int tdm_space_map_interval_forward_to_memory(const tdm_space *space, const tdm_interval *interval,
                                              tdm_arr **results)
 {
-  return translate(*space, *interval, results, tdm::append_to_memory<Interval>);
+  return translate<tdm::append_to_memory<Interval>, tdm::ForwardRoute<Interval>>(*space, *interval,
+                                                                                 results);
 }
 
 int tdm_space_map_addressvalue_forward_to_memory(const tdm_space *space,
                                                  const tdm_addressvalue *address, tdm_arr **results)
 {
-  return translate(*space, *address, results, tdm::append_to_memory<AddressValue>);
+  return translate<tdm::append_to_memory<AddressValue>, tdm::ForwardRoute<AddressValue>>(
+      *space, *address, results);
 }
 
 int tdm_memory_map_interval_backward(const tdm_memory *memory, const tdm_interval *interval,
                                      tdm_arr **results)
 {
-  return translate(*memory, *interval, results, tdm::append_backward<Interval>);
+  return translate<tdm::append_backward<Interval>, tdm::BackwardRoute<Interval>>(*memory, *interval,
+                                                                                 results);
 }
 
 int tdm_memory_map_addressvalue_backward(const tdm_memory *memory, const tdm_addressvalue *address,
                                          tdm_arr **results)
 {
-  return translate(*memory, *address, results, tdm::append_backward<AddressValue>);
+  return translate<tdm::append_backward<AddressValue>, tdm::BackwardRoute<AddressValue>>(
+      *memory, *address, results);
 }
 
 int tdm_memory_map_interval_backward_to_bus(const tdm_memory *memory, const tdm_interval *interval,
                                             tdm_arr **results)
 {
-  return translate(*memory, *interval, results, back_to_bus<Interval>);
+  return translate<back_to_bus<Interval>, tdm::BackwardRoute<Interval>>(*memory, *interval,
+                                                                        results);
 }
 
 int tdm_memory_map_addressvalue_backward_to_bus(const tdm_memory *memory,
                                                 const tdm_addressvalue *address, tdm_arr **results)
 {
-  return translate(*memory, *address, results, back_to_bus<AddressValue>);
+  return translate<back_to_bus<AddressValue>, tdm::BackwardRoute<AddressValue>>(*memory, *address,
+                                                                                results);
 }
 
 int tdm_memory_map_interval_backward_to_space(const tdm_memory *memory,
                                               const tdm_interval *interval, tdm_arr **results)
 {
-  return translate(*memory, *interval, results, back_to_space<Interval>);
+  return translate<back_to_space<Interval>, tdm::BackwardRoute<Interval>>(*memory, *interval,
+                                                                          results);
 }
 
 int tdm_memory_map_addressvalue_backward_to_space(const tdm_memory *memory,
                                                   const tdm_addressvalue *address,
                                                   tdm_arr **results)
 {
-  return translate(*memory, *address, results, back_to_space<AddressValue>);
+  return translate<back_to_space<AddressValue>, tdm::BackwardRoute<AddressValue>>(*memory, *address,
+                                                                                  results);
 }

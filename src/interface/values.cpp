@@ -5,7 +5,9 @@
 #include <cstring>
 #include <new>
 
+#include "common/block_pool.h"
 #include "common/failures.h"
+#include "interface/tdm.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -14,24 +16,75 @@ namespace {
 
 constexpr uint32_t first_capacity = 32;
 
-/// calloc() for what is little: it clears more than some 2 kB by an instruction that takes its time
-/// to start, and the results of a translation are that long. In pieces that doesn't happen.
-void *zero_filled(size_t count, size_t size) noexcept
+/// memset() by the library's function, which for such lengths is faster than what compilers put in
+/// its place; in pieces, as that turns to a slower way beyond some 2 kB.
+void clear(void *room, size_t bytes)
 {
-  constexpr size_t piece = 1024;
-  const size_t bytes = count * size;
-  if (size > SIZE_MAX / count || bytes > 8 * piece) return std::calloc(count, size);
-  auto *room = static_cast<char *>(std::malloc(bytes));
-  if (room == nullptr) return nullptr;
+  static void *(*const volatile fill)(void *, int, size_t) = std::memset;
+  constexpr size_t piece = 2048;
   for (size_t at = 0; at < bytes; at += piece)
-    std::memset(room + at, 0, std::min(piece, bytes - at));
-  return room;
+    fill(static_cast<char *>(room) + at, 0, std::min(piece, bytes - at));
 }
+
+/// The array of the latest translation, kept when it comes back, for the next one. malloc() has
+/// quick lists for shorter blocks alone, and who translates address after address gives each result
+/// back before the next call. All other arrays are the heap's.
+class KeptArray {
+public:
+#ifdef TDM_PLAIN_BLOCKS
+  static constexpr size_t least = SIZE_MAX; ///< none: each use after the end is to be seen
+#else
+  static constexpr size_t least = 1024;
+#endif
+  static constexpr size_t room = first_capacity * sizeof(tdm_map_interval_result);
+
+  static bool serves(size_t bytes)
+  {
+    return bytes > least && bytes <= room;
+  }
+
+  /// The array, if it is here.
+  tdm_arr *take()
+  {
+    if (!here_) return nullptr;
+    here_ = false;
+    return arr_;
+  }
+  /// From now on this one is kept, when it comes back.
+  void lend(tdm_arr *arr)
+  {
+    arr_ = arr;
+    items_ = arr->items;
+  }
+  /// False if it isn't this one, or not with the items that it went with.
+  bool put_back(tdm_arr *arr)
+  {
+    if (arr != arr_) return false;
+    here_ = arr->items == items_;
+    if (!here_) arr_ = nullptr;
+    return here_;
+  }
+  void end()
+  {
+    if (here_) {
+      std::free(items_);
+      std::free(arr_);
+    }
+    *this = {};
+  }
+
+private:
+  tdm_arr *arr_ = nullptr;
+  void *items_ = nullptr;
+  bool here_ = false;
+};
+
+KeptArray kept;
 
 tdm_arr *allocate(size_t element_size, uint32_t capacity) noexcept
 {
   auto *arr = static_cast<tdm_arr *>(std::malloc(sizeof(tdm_arr)));
-  void *items = zero_filled(capacity, element_size);
+  void *items = std::calloc(capacity, element_size);
   if (arr == nullptr || items == nullptr) {
     std::free(arr);
     std::free(items);
@@ -41,36 +94,60 @@ tdm_arr *allocate(size_t element_size, uint32_t capacity) noexcept
   return arr;
 }
 
-void require_mau(int32_t given, int expected)
+/// An array of the first capacity; null if there is no memory for it.
+[[gnu::always_inline]] inline tdm_arr *first_array(size_t element_size) noexcept
 {
-  if (given != expected)
-    throw new TDMFileException("address given in MAUs of " + std::to_string(given) +
-                               " bits, expected " + std::to_string(expected));
+  const size_t bytes = first_capacity * element_size;
+  if (!KeptArray::serves(bytes)) return allocate(element_size, first_capacity);
+  tdm_arr *arr = kept.take();
+  if (arr != nullptr) {
+    clear(arr->items, bytes);
+  } else {
+    // Longer than it need be, so that it serves addresses and intervals.
+    arr = allocate(KeptArray::room, 1);
+    if (arr == nullptr) return nullptr;
+    kept.lend(arr);
+  }
+  *arr = {static_cast<uint32_t>(element_size), first_capacity, 0, arr->items};
+  return arr;
+}
+
+/// An array of more than the first capacity; null if there is no memory for it.
+tdm_arr *long_array(size_t element_size, size_t expected) noexcept
+{
+  uint32_t capacity = first_capacity;
+  while (capacity < expected) {
+    if (capacity > UINT32_MAX / 2) return nullptr;
+    capacity *= 2;
+  }
+  return allocate(element_size, capacity);
 }
 
 } // namespace
 
 void ArrayDelete::operator()(tdm_arr *arr) const
 {
+  if (kept.put_back(arr)) return;
   std::free(arr->items);
   std::free(arr);
 }
 
-Array new_array(size_t element_size, size_t expected)
+void end_kept_array()
 {
-  uint32_t capacity = first_capacity;
-  while (capacity < expected) {
-    if (capacity > UINT32_MAX / 2) throw std::bad_alloc();
-    capacity *= 2;
-  }
-  Array arr(allocate(element_size, capacity));
+  kept.end();
+}
+
+tdm_arr *new_array(size_t element_size, size_t expected)
+{
+  tdm_arr *arr =
+      expected <= first_capacity ? first_array(element_size) : long_array(element_size, expected);
   if (arr == nullptr) throw std::bad_alloc();
   return arr;
 }
 
 tdm_arr *empty_array(size_t element_size) noexcept
 {
-  return allocate(element_size, first_capacity);
+  return first_array(element_size);
 }
 
 std::vector<std::string> texts_of(const tdm_arr *arr)
@@ -105,17 +182,10 @@ const char *text_result(const std::optional<Text> &text)
   return text.has_value() ? text_result(*text) : nullptr;
 }
 
-AddressValue imported(const tdm_addressvalue &address, int mau_size)
+void refuse_mau(int32_t given, int expected)
 {
-  require_mau(address.mau, mau_size);
-  return AddressValue(address);
-}
-
-Interval imported(const tdm_interval &interval, int mau_size)
-{
-  require_mau(interval.low.mau, mau_size);
-  require_mau(interval.high.mau, mau_size);
-  return Interval(interval);
+  throw new TDMFileException("address given in MAUs of " + std::to_string(given) +
+                             " bits, expected " + std::to_string(expected));
 }
 
 } // namespace tdm

@@ -23,18 +23,21 @@ struct ArrayDelete {
 };
 using Array = std::unique_ptr<tdm_arr, ArrayDelete>;
 
-/// A new, zero-filled array with room for the expected number of elements.
-[[nodiscard]] Array new_array(size_t element_size, size_t expected);
+/// A new, zero-filled array with room for the expected number of elements; never null.
+[[nodiscard]] tdm_arr *new_array(size_t element_size, size_t expected);
 
 /// A new array of nothing, the result of a call that fails; null if there is no memory even for it.
 [[nodiscard]] tdm_arr *empty_array(size_t element_size) noexcept;
+
+/// Frees what is kept between translations.
+void end_kept_array();
 
 /// A new array of what `convert` makes of each element.
 template <class Elements, class Convert>
 [[nodiscard]] tdm_arr *array_of(const Elements &elements, Convert convert)
 {
   using Element = decltype(convert(*elements.begin()));
-  Array arr = new_array(sizeof(Element), elements.size());
+  Array arr(new_array(sizeof(Element), elements.size()));
   auto *items = static_cast<Element *>(arr->items);
   for (const auto &element : elements) items[arr->count++] = convert(element);
   return arr.release();
@@ -68,9 +71,20 @@ template <class Object> [[nodiscard]] Object *handle(const Object *object)
 
 // ---- addresses and intervals
 
+[[noreturn]] void refuse_mau(int32_t given, int expected);
+
 /// Meant in an object whose MAU has that many bits: an address in other MAUs is a failure.
-[[nodiscard]] AddressValue imported(const tdm_addressvalue &address, int mau_size);
+[[nodiscard]] inline AddressValue imported(const tdm_addressvalue &address, int mau_size)
+{
+  if (address.mau != mau_size) refuse_mau(address.mau, mau_size);
+  return AddressValue(address);
+}
 /// The same for an interval; a mask that isn't one of 1 to 64 bits is a failure too.
-[[nodiscard]] Interval imported(const tdm_interval &interval, int mau_size);
+[[nodiscard]] inline Interval imported(const tdm_interval &interval, int mau_size)
+{
+  if (interval.low.mau != mau_size) refuse_mau(interval.low.mau, mau_size);
+  if (interval.high.mau != mau_size) refuse_mau(interval.high.mau, mau_size);
+  return Interval(interval);
+}
 
 } // namespace tdm

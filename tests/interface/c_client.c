@@ -7,6 +7,8 @@
  */
 #include "client.h"
 
+#include <stdlib.h>
+
 #include <tdm_c/tdm_inspect.h>
 
 int failures;
@@ -317,6 +319,48 @@ static void translate_backward(const tdm_space *lin, const tdm_memory *ram, cons
 }
 
 /* Values that a caller gets wrong are failures of their own, and nothing else is. */
+/* An array with all its room 0 behind the results, which is filled with what isn't. */
+static void scribble(tdm_arr *arr, size_t element_size, uint32_t count)
+{
+  const size_t used = count * element_size, room = arr->capacity * element_size;
+  unsigned char *bytes = arr->items;
+  size_t i, dirty = 0;
+  CHECK(arr->element_size == element_size && arr->capacity >= 32 && arr->count == count);
+  for (i = used; i < room; ++i) dirty += bytes[i] != 0;
+  CHECK(dirty == 0);
+  memset(bytes, 0xA5, room);
+}
+
+/* The results of translations are new arrays, whichever of those before are still held, and
+ * whatever their holder made of them. */
+static void hold_arrays(const tdm_space *lin)
+{
+  const tdm_addressvalue at = address(0x8010, 8);
+  const tdm_interval span = interval(0x4000, 0x4010, 8);
+  tdm_arr *held[4] = {NULL, NULL, NULL, NULL};
+  int round, i;
+  for (round = 0; round < 3; ++round) {
+    CHECK(tdm_space_map_addressvalue_forward_to_memory(lin, &at, &held[0]) == 1);
+    CHECK(tdm_space_map_interval_forward_to_memory(lin, &span, &held[1]) == 1);
+    CHECK(tdm_space_map_addressvalue_forward_to_memory(lin, &at, &held[2]) == 1);
+    scribble(held[0], sizeof(tdm_map_address_result), 1);
+    scribble(held[1], sizeof(tdm_map_interval_result), 1);
+    scribble(held[2], sizeof(tdm_map_address_result), 1);
+    tdm_arr_del(held[(round + 1) % 3]);
+    CHECK(tdm_space_map_interval_forward_to_memory(lin, &span, &held[3]) == 1);
+    scribble(held[3], sizeof(tdm_map_interval_result), 1);
+    for (i = 0; i < 4; ++i)
+      if (i != (round + 1) % 3) tdm_arr_del(held[i]);
+  }
+  CHECK(tdm_space_map_addressvalue_forward_to_memory(lin, &at, &held[0]) == 1);
+  free(held[0]->items);
+  held[0]->items = NULL;
+  tdm_arr_del(held[0]);
+  CHECK(tdm_space_map_addressvalue_forward_to_memory(lin, &at, &held[0]) == 1);
+  scribble(held[0], sizeof(tdm_map_address_result), 1);
+  tdm_arr_del(held[0]);
+}
+
 static void fail_in_queries(const tdm_space *lin, const tdm_memory *ram)
 {
   const int64_t before = tdm_inspect_failure_count();
@@ -437,6 +481,8 @@ int main(int argc, char **argv)
   const tdm_core *core;
   const char *dependency = NULL;
   tdm_spec *spec;
+  const tdm_addressvalue at = address(0x8010, 8);
+  tdm_arr *held = NULL;
   if (argc != 4) return 2;
   files[0] = argv[1];
 
@@ -469,6 +515,8 @@ int main(int argc, char **argv)
   ask_memory(spec, ram);
   translate_forward(lin, tdm_core_get_space_by_id(core, 2), ram, rom);
   translate_backward(lin, ram, rom);
+  hold_arrays(lin);
+  CHECK(tdm_space_map_addressvalue_forward_to_memory(lin, &at, &held) == 1);
   fail_in_queries(lin, ram);
   ranges_of_the_caller();
 
@@ -476,6 +524,7 @@ int main(int argc, char **argv)
   tdm_spec_free(spec);
   CHECK_TEXT(kept, "cpu1:cor1:lin");
   tdm_cleanup();
+  CHECK(take(held, sizeof(tdm_map_address_result), NULL) == 1);
   messages(argv[1]);
   walk(argv[2]);
   sequences(argv[3]);
