@@ -34,7 +34,7 @@ public:
   /// Moves the values when there is no more room: references to them end.
   void push_back(const T &value)
   {
-    if (size_ == capacity_) {
+    if (size_ == capacity_) [[unlikely]] {
       const T copy = value;
       grow();
       new (items() + size_++) T(copy);
@@ -43,13 +43,26 @@ public:
     new (items() + size_++) T(value);
   }
 
+  /// Where the next value goes, for one that is made in its place: it counts after add(). Moves the
+  /// values as push_back() does.
+  [[nodiscard]] T &next()
+  {
+    if (size_ == capacity_) [[unlikely]]
+      grow();
+    return items()[size_];
+  }
+  void add() { ++size_; }
+
+  /// Takes the last value off, which stands where it is until another comes.
+  const T &pop_back() { return items()[--size_]; }
+
   /// Keeps the first `size` values.
   void cut(size_t size) { size_ = size; }
 
 private:
   [[nodiscard]] T *items() const { return reinterpret_cast<T *>(room_); }
 
-  void grow()
+  [[gnu::noinline]] void grow()
   {
     std::unique_ptr<std::byte[]> larger(new std::byte[2 * capacity_ * sizeof(T)]);
     std::memcpy(larger.get(), room_, size_ * sizeof(T));

@@ -6,18 +6,15 @@
 
 namespace tdm {
 
-const MappingIndex *MappingIndex::of_long(const PooledVector<TDMMapping *> &list,
-                                          MapDirection direction)
+const MappingIndex *MappingIndex::made_for(const PooledVector<TDMMapping *> &list,
+                                           MapDirection direction)
 {
-  auto &index = direction == MapDirection::forward ? list.front()->outgoing_index_
-                                                   : list.front()->incoming_index_;
-  if (index == nullptr || index->entries_.size() != list.size()) {
-    const auto complete = [](const TDMMapping *mapping) { return mapping->is_complete(); };
-    if (!std::all_of(list.begin(), list.end(), complete)) return nullptr;
-    std::unique_ptr<MappingIndex> made(new MappingIndex(list, direction));
-    made->stay_with(list.front());
-    index = std::move(made);
-  }
+  const auto complete = [](const TDMMapping *mapping) { return mapping->is_complete(); };
+  if (!std::all_of(list.begin(), list.end(), complete)) return nullptr;
+  std::unique_ptr<MappingIndex> made(new MappingIndex(list, direction));
+  made->stay_with(list.front());
+  auto &index = kept_with(*list.front(), direction);
+  index = std::move(made);
   return index.get();
 }
 
@@ -72,27 +69,38 @@ void MappingIndex::find(const Reach &reach, Positions &positions) const
                          [](const Bank &each, int32_t wanted) { return each.bank < wanted; });
     if (bank != banks_.end() && bank->bank == reach.bank) find_in(*bank, reach, positions);
   }
-  if (positions.size() > 1) std::sort(positions.begin(), positions.end());
+  // Mostly there are two: a memory on a bus, and the way back to the bus in front of that.
+  if (positions.size() > 2)
+    sort(positions);
+  else if (positions.size() == 2 && positions[1] < positions[0])
+    std::swap(positions[0], positions[1]);
+}
+
+void MappingIndex::sort(Positions &positions)
+{
+  std::sort(positions.begin(), positions.end());
 }
 
 void MappingIndex::find_in(const Bank &bank, const Reach &reach, Positions &positions) const
 {
-  const Entry *entries = entries_.data();
+  const Entry *const entries = entries_.data();
+  const Entry *const begin = entries + bank.begin;
+  const int64_t low = reach.low;
   // Bisection without a branch that would have to be guessed.
-  uint32_t behind = bank.begin;
-  for (uint32_t length = bank.end - bank.begin; length > 0;) {
-    const uint32_t half = (length + 1) / 2;
-    behind += entries[behind + half - 1].low <= reach.high ? half : 0;
+  const Entry *entry = begin;
+  for (size_t length = bank.end - bank.begin; length > 0;) {
+    const size_t half = (length + 1) / 2;
+    entry = entry[half - 1].low <= reach.high ? entry + half : entry;
     length -= half;
   }
-  for (uint32_t i = behind; i != bank.begin;) {
-    --i;
-    while (entries[i].high < reach.low) {
-      const uint32_t far = entries[i].far_later;
-      if (far == none) return;
-      i = entries[far].high < reach.low ? far : entries[i].later;
+  while (entry != begin) {
+    --entry;
+    while (entry->high < low) {
+      if (entry->far_later == none) return;
+      const Entry *const far = entries + entry->far_later;
+      entry = far->high < low ? far : entries + entry->later;
     }
-    positions.push_back(entries[i].position);
+    positions.push_back(entry->position);
   }
 }
 

@@ -56,7 +56,10 @@ public:
   [[nodiscard]] static const MappingIndex *of(const PooledVector<TDMMapping *> &list,
                                               MapDirection direction)
   {
-    return list.size() < min_length ? nullptr : of_long(list, direction);
+    if (list.size() < min_length) return nullptr;
+    const MappingIndex *index = kept_with(*list.front(), direction).get();
+    return index != nullptr && index->entries_.size() == list.size() ? index
+                                                                     : made_for(list, direction);
   }
 
   /// Appends the positions of the mappings that may meet the values, in ascending order, to an
@@ -83,8 +86,15 @@ private:
 
   MappingIndex(const PooledVector<TDMMapping *> &list, MapDirection direction);
 
-  static const MappingIndex *of_long(const PooledVector<TDMMapping *> &list,
-                                     MapDirection direction);
+  /// Where the index of a list is kept that begins with the mapping.
+  static std::unique_ptr<const MappingIndex> &kept_with(const TDMMapping &first,
+                                                        MapDirection direction)
+  {
+    return direction == MapDirection::forward ? first.outgoing_index_ : first.incoming_index_;
+  }
+  static const MappingIndex *made_for(const PooledVector<TDMMapping *> &list,
+                                      MapDirection direction);
+  [[gnu::noinline]] static void sort(Positions &positions);
   void link(const Bank &bank);
   void find_in(const Bank &bank, const Reach &reach, Positions &positions) const;
 

@@ -17,23 +17,39 @@ enum class MapDirection : uint8_t { forward, backward };
   return near_bank >= 0 ? -1 : given;
 }
 
-/// Whether the short way can take the value. It is left to the long way to refuse units and to put
-/// up with bits beyond a unit.
-[[nodiscard]] inline bool is_plain(const TDMMapping &mapping, const AddressValue &address)
+/// Whether the short way can take the value across the mappings of its unit. It is left to the long
+/// way to put up with bits beyond a unit.
+[[nodiscard]] inline bool is_plain(const AddressValue &address)
 {
-  return mapping.is_shift() && address.mau == mapping.source_interval().low.mau &&
-         address.bits >= 0 && address.bits < address.mau && address.bank >= -1;
+  return address.bits >= 0 && address.bits < address.mau && address.bank >= -1;
 }
 
 /// The same for a span, which mustn't be empty. The mask of such a mapping is that of all lines.
-[[nodiscard]] inline bool is_plain(const TDMMapping &mapping, const Interval &interval)
+[[nodiscard]] inline bool is_plain(const Interval &interval)
 {
   const Interval::Pattern &mask = interval.pattern;
-  const Interval::Pattern &all = mapping.source_interval().pattern;
-  return is_plain(mapping, interval.low) && is_plain(mapping, interval.high) &&
+  return is_plain(interval.low) && is_plain(interval.high) &&
          interval.low.bank == interval.high.bank && !interval.is_empty() &&
          ((mask.width == 1 && mask.bits == 1) ||
-          (mask.width == all.width && mask.bits == all.bits));
+          (mask.width == interval.low.mau &&
+           mask.bits == Interval::Pattern::mask(interval.low.mau)));
+}
+
+[[nodiscard]] inline bool has_unit(const AddressValue &address, int16_t unit)
+{
+  return address.mau == unit;
+}
+[[nodiscard]] inline bool has_unit(const Interval &interval, int16_t unit)
+{
+  return interval.low.mau == unit && interval.high.mau == unit;
+}
+
+/// Whether the short way takes the value across this mapping.
+template <class Value>
+[[nodiscard]] bool takes_short_way(const TDMMapping &mapping, const Value &value)
+{
+  return mapping.is_shift() && has_unit(value, mapping.source_interval().low.mau) &&
+         is_plain(value);
 }
 
 /// One end of a mapping, as the short way needs it.
@@ -52,6 +68,20 @@ struct ShiftEnd {
 {
   return near_end(
       direction == MapDirection::forward ? MapDirection::backward : MapDirection::forward, mapping);
+}
+
+/// Whether a plain value lies in the mapping, as far as whole MAUs tell.
+[[nodiscard]] inline bool in_reach(MapDirection direction, const TDMMapping &mapping,
+                                   const AddressValue &address)
+{
+  const int64_t distance = wrap_sub(address.value, near_end(direction, mapping).offset);
+  return static_cast<uint64_t>(distance) < static_cast<uint64_t>(mapping.size);
+}
+[[nodiscard]] inline bool in_reach(MapDirection direction, const TDMMapping &mapping,
+                                   const Interval &interval)
+{
+  const int64_t offset = near_end(direction, mapping).offset;
+  return interval.low.value < offset + mapping.size && interval.high.value >= offset;
 }
 
 /// Takes a plain address across; false, and `out` as it was, if the mapping doesn't carry it.

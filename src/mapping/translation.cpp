@@ -98,7 +98,7 @@ Pattern carry_mask(const Pattern &mask, int64_t periods, const Pattern &near,
 
 bool map(const TDMMapping &mapping, const AddressValue &address, AddressValue &out, Bound bound)
 {
-  if (bound == Bound::position && is_plain(mapping, address))
+  if (bound == Bound::position && takes_short_way(mapping, address))
     return shift(MapDirection::forward, mapping, address, out);
   if (!mapping.is_complete() || !in_range(address, mapping.source_interval(), bound)) return false;
   if (mapping.bank >= 0 && mapping.bank != address.bank) return false;
@@ -116,7 +116,7 @@ bool map(const TDMMapping &mapping, const AddressValue &address, AddressValue &o
 bool map_back(const TDMMapping &mapping, const AddressValue &address, AddressValue &out,
               Bound bound)
 {
-  if (bound == Bound::position && is_plain(mapping, address))
+  if (bound == Bound::position && takes_short_way(mapping, address))
     return shift(MapDirection::backward, mapping, address, out);
   if (!mapping.is_complete() || !in_range(address, mapping.destination_interval(), bound))
     return false;
@@ -134,7 +134,8 @@ bool map_back(const TDMMapping &mapping, const AddressValue &address, AddressVal
 
 bool map(const TDMMapping &mapping, const Interval &interval, Interval &out)
 {
-  if (is_plain(mapping, interval)) return shift(MapDirection::forward, mapping, interval, out);
+  if (takes_short_way(mapping, interval))
+    return shift(MapDirection::forward, mapping, interval, out);
   if (!mapping.is_complete()) return false;
   Interval result;
   if (interval.is_empty()) {
@@ -166,7 +167,8 @@ bool map(const TDMMapping &mapping, const Interval &interval, Interval &out)
 
 bool map_back(const TDMMapping &mapping, const Interval &interval, Interval &out)
 {
-  if (is_plain(mapping, interval)) return shift(MapDirection::backward, mapping, interval, out);
+  if (takes_short_way(mapping, interval))
+    return shift(MapDirection::backward, mapping, interval, out);
   if (!mapping.is_complete()) return false;
   Interval result;
   if (interval.is_empty()) {

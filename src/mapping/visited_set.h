@@ -27,21 +27,19 @@ template <class Value> class VisitedSet {
 public:
   void insert(const void *node, const Value &value)
   {
-    if (entries_.size() >= heads_.size() && entries_.size() >= unhashed_limit) rehash();
     entries_.push_back({node, value, none});
-    if (!heads_.empty()) link(static_cast<uint32_t>(entries_.size() - 1));
+    if (entries_.size() > unhashed_limit) [[unlikely]]
+      link_last();
   }
 
   [[nodiscard]] bool contains(const void *node, const Value &value) const
   {
     if (heads_.empty()) {
       for (const Entry &entry : entries_)
-        if (matches(entry, node, value)) return true;
+        if (entry.node == node && same_value(entry.value, value)) return true;
       return false;
     }
-    for (uint32_t i = heads_[slot(node, value)]; i != none; i = entries_[i].next)
-      if (matches(entries_[i], node, value)) return true;
-    return false;
+    return is_linked(node, value);
   }
 
 private:
@@ -53,11 +51,6 @@ private:
     Value value;
     uint32_t next; ///< in the chain of its slot
   };
-
-  static bool matches(const Entry &entry, const void *node, const Value &value)
-  {
-    return entry.node == node && same_value(entry.value, value);
-  }
 
   static uint64_t mix(uint64_t hash, uint64_t word)
   {
@@ -81,6 +74,13 @@ private:
     return static_cast<size_t>(hash ^ (hash >> 32)) & (heads_.size() - 1);
   }
 
+  [[nodiscard, gnu::noinline]] bool is_linked(const void *node, const Value &value) const
+  {
+    for (uint32_t i = heads_[slot(node, value)]; i != none; i = entries_[i].next)
+      if (entries_[i].node == node && same_value(entries_[i].value, value)) return true;
+    return false;
+  }
+
   void link(uint32_t number)
   {
     Entry &entry = entries_[number];
@@ -89,8 +89,13 @@ private:
     head = number;
   }
 
-  void rehash()
+  /// Puts the latest entry into the table, which grows before it has less room than entries.
+  [[gnu::noinline]] void link_last()
   {
+    if (entries_.size() <= heads_.size()) {
+      link(static_cast<uint32_t>(entries_.size() - 1));
+      return;
+    }
     heads_.assign(heads_.empty() ? 4 * unhashed_limit : 4 * heads_.size(), none);
     for (uint32_t i = 0; i < entries_.size(); ++i) link(i);
   }

@@ -3,6 +3,7 @@
 // they arrive somewhere.
 #include "mapping/walk.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -43,7 +44,6 @@ struct Forward {
   static const Node *onward(const TDMMapping &mapping) { return mapping.destination_as_source(); }
   template <class Value> static bool cross(const TDMMapping &mapping, const Value &in, Value &out)
   {
-    if (is_plain(mapping, in)) return shift(direction, mapping, in, out);
     return map(mapping, in, out);
   }
 };
@@ -59,18 +59,26 @@ struct Backward {
   static const Node *onward(const TDMMapping &mapping) { return mapping.source_as_destination(); }
   template <class Value> static bool cross(const TDMMapping &mapping, const Value &in, Value &out)
   {
-    if (is_plain(mapping, in)) return shift(direction, mapping, in, out);
     return map_back(mapping, in, out);
   }
+};
+
+/// Of a route up to some place.
+struct RouteState {
+  uint32_t hops;
+  uint32_t reserved; ///< 1 if some mapping on it is reserved
 };
 
 /// One mapping crossed, and what came out at its far end.
 template <class Value> struct Hop {
   const TDMMapping *mapping;
   Value value;
+  RouteState before; ///< of the route in front of it
+
+  [[nodiscard]] bool reserved() const { return before.reserved != 0 || mapping->reserved; }
 };
 
-/// Room for the routes that descriptions have; longer ones go to the heap.
+/// Room for what most walks have before them; more goes to the heap.
 template <class Value> using Hops = InlineStack<Hop<Value>, 16>;
 
 /// All mappings of a node have the node's unit at this side. The test is made once, so that
@@ -87,29 +95,69 @@ void require_unit(const PooledVector<TDMMapping *> &list, const Value &value)
   }
 }
 
-/// The one-step list of a node, appended to `hops`. The value must not lie among them.
+/// Where a step begins, and what it appends to. The value must not lie among the hops.
+template <class Way, class Value> struct Step {
+  const Value &value;
+  bool plain; ///< of the value (shift.h)
+  RouteState before;
+  Hops<Value> &hops;
+
+  void cross(const TDMMapping &mapping) const
+  {
+    Hop<Value> &hop = hops.next();
+    const bool carried = plain && mapping.is_shift()
+                             ? shift(Way::direction, mapping, value, hop.value)
+                             : Way::cross(mapping, value, hop.value);
+    if (!carried) return;
+    hop.mapping = &mapping;
+    hop.before = before;
+    hops.add();
+  }
+
+  [[nodiscard]] Reach reach() const
+  {
+    return {low_of(value).bank, low_of(value).value, high_of(value).value};
+  }
+
+  /// Of a plain value.
+  void cross_few(const PooledVector<TDMMapping *> &list) const
+  {
+    for (const TDMMapping *mapping : list)
+      if (mapping->is_shift() ? in_reach(Way::direction, *mapping, value)
+                              : may_meet(near_interval(*mapping, Way::direction), reach()))
+        cross(*mapping);
+  }
+
+  /// Of any value.
+  [[gnu::noinline]] void cross_many(const PooledVector<TDMMapping *> &list) const
+  {
+    if (low_of(value).bank != high_of(value).bank) {
+      // A span over several banks holds all values of the banks between its ends.
+      for (const TDMMapping *mapping : list) cross(*mapping);
+    } else if (const MappingIndex *index = MappingIndex::of(list, Way::direction)) {
+      MappingIndex::Positions positions;
+      index->find(reach(), positions);
+      for (const uint32_t position : positions) cross(*list[position]);
+    } else {
+      for (const TDMMapping *mapping : list)
+        if (may_meet(near_interval(*mapping, Way::direction), reach())) cross(*mapping);
+    }
+  }
+};
+
+/// The one-step list of a node, appended to `hops` with the route in front of it. Most lists are
+/// short and most values plain: that stands in the walk itself, all else behind a call.
 template <class Way, class Value>
-void append_hops(const typename Way::Node &node, const Value &value, Hops<Value> &hops)
+[[gnu::always_inline]] inline void append_hops(const typename Way::Node &node, const Value &value,
+                                               RouteState before, Hops<Value> &hops)
 {
   const PooledVector<TDMMapping *> &list = Way::mappings(node);
   require_unit<Way>(list, value);
-  const auto try_mapping = [&](const TDMMapping &mapping) {
-    Hop<Value> hop{&mapping, {}};
-    if (Way::cross(mapping, value, hop.value)) hops.push_back(hop);
-  };
-
-  const Reach reach{low_of(value).bank, low_of(value).value, high_of(value).value};
-  if (low_of(value).bank != high_of(value).bank) {
-    // A span over several banks holds all values of the banks between its ends.
-    for (const TDMMapping *mapping : list) try_mapping(*mapping);
-  } else if (const MappingIndex *index = MappingIndex::of(list, Way::direction)) {
-    MappingIndex::Positions positions;
-    index->find(reach, positions);
-    for (const uint32_t position : positions) try_mapping(*list[position]);
-  } else {
-    for (const TDMMapping *mapping : list)
-      if (may_meet(near_interval(*mapping, Way::direction), reach)) try_mapping(*mapping);
-  }
+  const Step<Way, Value> step{value, is_plain(value), before, hops};
+  if (step.plain && list.size() < MappingIndex::min_length)
+    step.cross_few(list);
+  else
+    step.cross_many(list);
 }
 
 [[noreturn]] void give_up()
@@ -118,54 +166,67 @@ void append_hops(const typename Way::Node &node, const Value &value, Hops<Value>
                            std::to_string(max_walk_steps) + " steps");
 }
 
-/// A node that a walk is at: its hops lie on top of those of the frames below it.
-struct Frame {
-  size_t first;
-  size_t next;
-  bool reserved;
+/// For walks that don't ask how they came to a hop.
+struct NoTrail {
+  template <class Value> void add(const Hop<Value> &) {}
 };
 
-/// Walks from a node. At each hop, in depth-first order, `arrive(hop, reserved, visited, trail)` is
-/// asked whether the walk goes on behind it: `reserved` is that of the route up to the hop, without
-/// it, `visited` whether the node reached was entered with the same value before, and `trail(f)`
-/// hands each hop of the route to a function, this one last.
-template <class Way, class Value, class Arrive>
-void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
+/// The hops of the route up to the latest one.
+template <class Value> class Trail {
+public:
+  void add(const Hop<Value> &hop)
+  {
+    hops_.cut(hop.before.hops);
+    hops_.push_back(hop);
+  }
+  [[nodiscard]] const Hops<Value> &hops() const { return hops_; }
+
+private:
+  Hops<Value> hops_;
+};
+
+/// Walks from a node. At each hop, in depth-first order, `arrive(hop, seen)` is asked whether the
+/// walk goes on behind it: `seen` is whether the node reached was entered with the same value
+/// before. The trail learns of each hop before that.
+template <class Way, class Value, class Trail, class Arrive>
+void walk(const typename Way::Node &start, const Value &value, Trail &trail, Arrive arrive)
 {
-  InlineStack<Frame, 16> frames;
-  Hops<Value> hops;
+  Hops<Value> ahead; // the next one on top
   VisitedSet<Value> visited;
   size_t steps = 0;
 
-  const auto enter = [&](const typename Way::Node &node, const Value &entry, bool reserved) {
-    const size_t first = hops.size();
-    append_hops<Way>(node, entry, hops);
-    if (hops.size() == first) return;
-    steps += hops.size() - first;
-    if (steps > max_walk_steps) give_up();
-    visited.insert(&node, entry);
-    frames.push_back({first, first, reserved});
-  };
-
-  const auto trail = [&](auto function) {
-    for (const Frame &frame : frames) function(hops[frame.next - 1]);
-  };
-
-  enter(start, value, false);
-  while (!frames.empty()) {
-    Frame &frame = frames.back();
-    if (frame.next == hops.size()) {
-      hops.cut(frame.first);
-      frames.cut(frames.size() - 1);
-      continue;
+  const typename Way::Node *node = &start;
+  Value entry = value;
+  RouteState route{0, 0};
+  for (;;) {
+    const size_t others = ahead.size();
+    append_hops<Way>(*node, entry, route, ahead);
+    if (const size_t count = ahead.size() - others; count > 0) {
+      steps += count;
+      if (steps > max_walk_steps) give_up();
+      visited.insert(node, entry);
+      if (count > 1) std::reverse(ahead.begin() + others, ahead.end());
     }
-    const Hop<Value> hop = hops[frame.next++];
-    const bool reserved = frame.reserved;
-    const typename Way::Node *onward = Way::onward(*hop.mapping);
-    const bool seen = onward != nullptr && visited.contains(onward, hop.value);
-    if (arrive(hop, reserved, seen, trail) && onward != nullptr)
-      enter(*onward, hop.value, reserved || hop.mapping->reserved);
+    // On to the next hop behind which the walk goes on.
+    for (node = nullptr; node == nullptr;) {
+      if (ahead.empty()) return;
+      const Hop<Value> &hop = ahead.pop_back();
+      trail.add(hop);
+      const typename Way::Node *onward = Way::onward(*hop.mapping);
+      const bool seen = onward != nullptr && visited.contains(onward, hop.value);
+      if (!arrive(hop, seen) || onward == nullptr) continue;
+      node = onward;
+      entry = hop.value;
+      route = {hop.before.hops + 1, hop.reserved()};
+    }
   }
+}
+
+template <class Way, class Value, class Arrive>
+void walk(const typename Way::Node &start, const Value &value, Arrive arrive)
+{
+  NoTrail trail;
+  walk<Way>(start, value, trail, arrive);
 }
 
 } // namespace
@@ -175,7 +236,7 @@ void append_forward(const TDMMapSource &source, const Value &value,
                     Routes<ForwardRoute<Value>> &routes)
 {
   Hops<Value> hops;
-  append_hops<Forward>(source, value, hops);
+  append_hops<Forward>(source, value, {0, 0}, hops);
   for (const Hop<Value> &hop : hops)
     routes.push_back({hop.mapping->destination(), hop.value, hop.mapping->reserved});
 }
@@ -185,7 +246,7 @@ void append_backward(const TDMMapDestination &destination, const Value &value,
                      Routes<BackwardRoute<Value>> &routes)
 {
   Hops<Value> hops;
-  append_hops<Backward>(destination, value, hops);
+  append_hops<Backward>(destination, value, {0, 0}, hops);
   for (const Hop<Value> &hop : hops)
     routes.push_back({hop.mapping->source(), hop.value, hop.mapping->reserved});
 }
@@ -194,10 +255,10 @@ template <class Value>
 void append_to_memory(const TDMMapSource &source, const Value &value,
                       Routes<ForwardRoute<Value>> &routes)
 {
-  walk<Forward>(source, value, [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
+  walk<Forward>(source, value, [&](const Hop<Value> &hop, bool seen) {
     if (hop.mapping->destination_as_source() != nullptr) return !seen;
     if (hop.mapping->destination_kind() == NodeKind::memory)
-      routes.push_back({hop.mapping->destination(), hop.value, reserved || hop.mapping->reserved});
+      routes.push_back({hop.mapping->destination(), hop.value, hop.reserved()});
     return false;
   });
 }
@@ -206,13 +267,12 @@ template <class Value>
 void append_back_to(NodeKind kind, const TDMMapDestination &destination, const Value &value,
                     Routes<BackwardRoute<Value>> &routes)
 {
-  walk<Backward>(
-      destination, value, [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
-        if (seen) return false;
-        if (hop.mapping->source_kind() == kind)
-          routes.push_back({hop.mapping->source(), hop.value, reserved || hop.mapping->reserved});
-        return true;
-      });
+  walk<Backward>(destination, value, [&](const Hop<Value> &hop, bool seen) {
+    if (seen) return false;
+    if (hop.mapping->source_kind() == kind)
+      routes.push_back({hop.mapping->source(), hop.value, hop.reserved()});
+    return true;
+  });
 }
 
 template <class Value>
@@ -255,27 +315,23 @@ std::vector<BackwardRoute<Value>> map_back_to_object(const TDMMapSource &target,
                                                      const Value &value)
 {
   std::vector<BackwardRoute<Value>> routes;
-  walk<Backward>(destination, value,
-                 [&](const Hop<Value> &hop, bool reserved, bool seen, const auto &) {
-                   if (hop.mapping->source() != &target) return !seen;
-                   routes.push_back({hop.mapping->source(), hop.value, reserved});
-                   return false;
-                 });
+  walk<Backward>(destination, value, [&](const Hop<Value> &hop, bool seen) {
+    if (hop.mapping->source() != &target) return !seen;
+    routes.push_back({hop.mapping->source(), hop.value, hop.before.reserved != 0});
+    return false;
+  });
   return routes;
 }
 
 namespace {
 
 /// Appends a route that ends at the hop reached.
-template <class Value, class Trail>
-void append_route(std::vector<RouteHop<Value>> &hops, const Trail &trail)
+template <class Value>
+void append_route(std::vector<RouteHop<Value>> &hops, const Trail<Value> &trail)
 {
   const size_t route = hops.empty() ? 0 : hops.back().route + 1;
-  bool reserved = false;
-  trail([&](const Hop<Value> &hop) {
-    reserved = reserved || hop.mapping->reserved;
-    hops.push_back({hop.mapping, hop.value, route, reserved});
-  });
+  for (const Hop<Value> &hop : trail.hops())
+    hops.push_back({hop.mapping, hop.value, route, hop.reserved()});
   if (hops.size() > max_walk_steps) give_up();
 }
 
@@ -285,7 +341,8 @@ template <class Value>
 std::vector<RouteHop<Value>> routes_to_memory(const TDMMapSource &source, const Value &value)
 {
   std::vector<RouteHop<Value>> hops;
-  walk<Forward>(source, value, [&](const Hop<Value> &hop, bool, bool seen, const auto &trail) {
+  Trail<Value> trail;
+  walk<Forward>(source, value, trail, [&](const Hop<Value> &hop, bool seen) {
     if (hop.mapping->destination_as_source() != nullptr) return !seen;
     if (hop.mapping->destination_kind() == NodeKind::memory) append_route(hops, trail);
     return false;
@@ -298,12 +355,12 @@ std::vector<RouteHop<Value>> routes_back_to(NodeKind kind, const TDMMapDestinati
                                             const Value &value)
 {
   std::vector<RouteHop<Value>> hops;
-  walk<Backward>(destination, value,
-                 [&](const Hop<Value> &hop, bool, bool seen, const auto &trail) {
-                   if (seen) return false;
-                   if (hop.mapping->source_kind() == kind) append_route(hops, trail);
-                   return true;
-                 });
+  Trail<Value> trail;
+  walk<Backward>(destination, value, trail, [&](const Hop<Value> &hop, bool seen) {
+    if (seen) return false;
+    if (hop.mapping->source_kind() == kind) append_route(hops, trail);
+    return true;
+  });
   return hops;
 }
 

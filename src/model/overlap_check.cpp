@@ -47,7 +47,8 @@ private:
     const Interval whole = memory.address_range();
     for (const TDMMapping *mapping : memory.incoming_mappings()) {
       Interval claim;
-      if (mapping->source_kind() != NodeKind::bus || !is_plain(*mapping, whole)) return false;
+      if (mapping->source_kind() != NodeKind::bus || !takes_short_way(*mapping, whole))
+        return false;
       if (global && static_cast<const TDMBus *>(mapping->source())->processor_name != nullptr)
         return false;
       if (!shift(MapDirection::backward, *mapping, whole, claim)) continue;

@@ -1,6 +1,10 @@
 // Mappings as they are built, and walks over graphs of them.
 #include <pthread.h>
 
+#include <algorithm>
+#include <sstream>
+
+#include "mapping/visited_set.h"
 #include "support.h"
 
 namespace {
@@ -251,6 +255,121 @@ TEST(Walk, ADiamondIsWalkedOnce)
   EXPECT_EQ(tdm::map_back_to(NodeKind::bus, memory, span(2, 4)).size(), 3u);
   // Each space on the way back is reported; only what is also a destination can be visited.
   EXPECT_EQ(tdm::map_back_to(NodeKind::space, memory, span(2, 4)).size(), 2u);
+}
+
+/// The walks as one would tell them: each node enters the next by a call. A route is told as the
+/// number of its last mapping, the value there, and whether anything on it is reserved.
+template <class Value> class ToldWalk {
+public:
+  explicit ToldWalk(const TestGraph &graph) : graph_(graph) {}
+
+  void forward(const TDMMapSource &node, const Value &value, bool reserved)
+  {
+    go(node.outgoing_mappings(), static_cast<const void *>(&node), value, reserved, true);
+  }
+  void backward(const TDMMapDestination &node, const Value &value, bool reserved)
+  {
+    go(node.incoming_mappings(), static_cast<const void *>(&node), value, reserved, false);
+  }
+  void tell(const TDMMapping *last, const Value &value, bool reserved)
+  {
+    size_t number = 0;
+    while (graph_.mappings[number].get() != last) ++number;
+    text << number << ' ' << value << (reserved ? " reserved\n" : "\n");
+  }
+
+  std::ostringstream text;
+
+private:
+  void go(const tdm::PooledVector<TDMMapping *> &list, const void *node, const Value &value,
+          bool reserved, bool onward)
+  {
+    std::vector<std::pair<const TDMMapping *, Value>> hops;
+    for (const TDMMapping *mapping : list) {
+      Value out;
+      if (onward ? tdm::map(*mapping, value, out) : tdm::map_back(*mapping, value, out))
+        hops.push_back({mapping, out});
+    }
+    if (hops.empty()) return;
+    entered_.push_back({node, value});
+    for (const auto &[mapping, at] : hops) {
+      const bool so_far = reserved || mapping->reserved;
+      const void *next = onward ? static_cast<const void *>(mapping->destination_as_source())
+                                : static_cast<const void *>(mapping->source_as_destination());
+      if (next != nullptr && was_entered(next, at)) continue;
+      if (onward ? next == nullptr : mapping->source_kind() == NodeKind::bus)
+        tell(mapping, at, so_far);
+      if (next == nullptr) continue;
+      if (onward)
+        forward(*mapping->destination_as_source(), at, so_far);
+      else
+        backward(*mapping->source_as_destination(), at, so_far);
+    }
+  }
+  bool was_entered(const void *node, const Value &value) const
+  {
+    return std::any_of(entered_.begin(), entered_.end(), [&](const auto &entry) {
+      return entry.first == node && tdm::same_value(entry.second, value);
+    });
+  }
+
+  const TestGraph &graph_;
+  std::vector<std::pair<const void *, Value>> entered_;
+};
+
+template <class Value> std::string ends_of_routes(const TestGraph &graph, const auto &hops)
+{
+  ToldWalk<Value> told(graph);
+  for (size_t i = 0; i < hops.size(); ++i)
+    if (i + 1 == hops.size() || hops[i + 1].route != hops[i].route)
+      told.tell(hops[i].mapping, hops[i].value, hops[i].reserved);
+  return told.text.str();
+}
+
+/// Random buses that reach each other and some memories, in circles too, some of them by shifts
+/// and some over half of the lines.
+TEST(Walk, RandomGraphsAreWalkedAsTold)
+{
+  std::mt19937_64 random = seeded_random();
+  for (int round = 0; round < 300; ++round) {
+    std::list<TestNode> nodes;
+    std::list<TestMemory> memories;
+    for (int i = 0; i < 5; ++i) nodes.emplace_back(8, 16);
+    for (int i = 0; i < 3; ++i) memories.emplace_back(8);
+    const auto any = [&](auto &list) -> auto &
+    {
+      return *std::next(list.begin(), std::ptrdiff_t(random() % list.size()));
+    };
+    TestGraph graph;
+    for (uint64_t i = 0, count = 8 + random() % 24; i < count; ++i) {
+      const int64_t offset = int64_t(random() % 4) * 4;
+      MapEntry entry = entry_of(offset, random() % 4 != 0 ? offset : 0, 16 + int64_t(random() % 32),
+                                random() % 8 == 0);
+      if (random() % 8 == 0) entry.src_dbits = entry.dest_dbits = tdm::DataLines{0, 7};
+      if (random() % 3 == 0)
+        graph.link(any(nodes), any(memories), entry);
+      else
+        graph.link(any(nodes), any(nodes), entry);
+    }
+    const int64_t low = int64_t(random() % 32);
+    const auto check = [&](const auto &value) {
+      using Value = std::decay_t<decltype(value)>;
+      ToldWalk<Value> forward(graph), backward(graph);
+      forward.forward(nodes.front(), value, false);
+      EXPECT_EQ(ends_of_routes<Value>(graph, tdm::routes_to_memory(nodes.front(), value)),
+                forward.text.str());
+      backward.backward(memories.front(), value, false);
+      EXPECT_EQ(
+          ends_of_routes<Value>(graph, tdm::routes_back_to(NodeKind::bus, memories.front(), value)),
+          backward.text.str());
+      EXPECT_EQ(tdm::map_to_memory(nodes.front(), value).size() +
+                    tdm::map_back_to(NodeKind::bus, memories.front(), value).size(),
+                size_t(std::count(forward.text.view().begin(), forward.text.view().end(), '\n') +
+                       std::count(backward.text.view().begin(), backward.text.view().end(), '\n')));
+    };
+    check(AddressValue(low, 0, 8));
+    check(span(low, low + 1 + int64_t(random() % 16)));
+  }
 }
 
 /// A list of mappings of one node in the order of their number.
