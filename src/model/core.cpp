@@ -175,7 +175,7 @@ void TDMCore::add_space(std::unique_ptr<TDMSpace> space)
   by_name_.update();
 }
 
-TDMSpace *TDMCore::find_space(std::string_view wanted) const
+TDMSpace *TDMCore::find_space_by_any_name(std::string_view wanted) const
 {
   const uint32_t place = std::min(place_by_full_name(wanted), by_name_.place_of(wanted));
   return place != tdm::NameTable::none ? spaces[place].get() : nullptr;

@@ -34,7 +34,10 @@ struct TDMCore : TDMObject {
   [[nodiscard]] std::string full_name() const;
 
   /// The first space whose full name or plain name is this one, or null.
-  [[nodiscard]] TDMSpace *find_space(std::string_view wanted) const;
+  [[nodiscard]] TDMSpace *find_space(std::string_view wanted) const
+  {
+    return may_be_full_name(wanted) ? find_space_by_any_name(wanted) : by_name_.find(wanted);
+  }
   [[nodiscard]] TDMSpace *find_space_by_id(int64_t id) const;
   /// The first space of exactly this full name, or of exactly this plain name, or null.
   [[nodiscard]] TDMSpace *find_space_by_full_name(std::string_view full_name) const;
@@ -73,6 +76,14 @@ struct TDMCore : TDMObject {
 
 private:
   void check_names() const;
+  /// Whether a colon stands where full names have their first one: behind the name of the
+  /// processor, or in front of all else.
+  [[nodiscard]] bool may_be_full_name(std::string_view text) const
+  {
+    const size_t colon = processor_name->size();
+    return (colon < text.size() && text[colon] == ':') || (!text.empty() && text[0] == ':');
+  }
+  [[nodiscard]] TDMSpace *find_space_by_any_name(std::string_view wanted) const;
   [[nodiscard]] uint32_t place_by_full_name(std::string_view full_name) const;
 
   tdm::NameIndex<TDMSpace> by_name_{spaces};
