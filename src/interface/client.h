@@ -6,8 +6,12 @@
 ///    opaque, TDMSpace and TDMMemory for instance, and is asked through the functions of tdm.h.
 /// 2. A client derives from TDMExpressionEnv to answer expressions, from TDMSpaceWalker to read a
 ///    space, from TDMStatementEnv, TDMSection and perhaps TDMSectionMap to have sections selected.
-/// 3. What a handle leads to belongs to the spec and dies with it. A std::unique_ptr that is
-///    returned belongs to the client, and so does one reference to a node that is returned.
+/// 3. What a handle leads to belongs to the spec and dies with it; a client puts nothing of its own
+///    there, which would not be destroyed. A std::unique_ptr that is returned belongs to the
+///    client, and so does one reference to a node that is returned. Texts in objects are views of
+///    the pool of texts. They, clones of expressions and copies of places may outlive the spec,
+///    until tdm_cleanup(). An object that the client makes sees the client's text, which it needs
+///    as long as it lives.
 /// 4. Failures are thrown as pointers to objects that were made with new. Whoever catches one ends
 ///    it, with delete, as the type of its family:
 ///
