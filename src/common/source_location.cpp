@@ -50,7 +50,8 @@ const char *LocationKey::text() const
 {
   if (number_ == 0) return "";
   if (number_ <= known_keys) return tdm::location_keys[number_ - 1].data();
-  return texts.keys.text(number_ - known_keys - 1);
+  const std::uint32_t number = number_ - known_keys - 1;
+  return number < texts.keys.size() ? texts.keys.text(number) : "";
 }
 
 void tdm::forget_location_texts()

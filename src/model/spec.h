@@ -16,6 +16,7 @@
 #include "model/memory.h"
 #include "model/name_index.h"
 #include "model/processor.h"
+#include "preprocessor/string_pool.h"
 
 class TDMFileInterface;
 
@@ -53,7 +54,8 @@ struct TDMSpec : TDMCloneSpaceRegistry {
   }
 
 private:
-  tdm::Region region_; ///< of all blocks that the parse allocates
+  tdm::TextKeeper texts_; ///< what names are views of
+  tdm::Region region_;    ///< of all blocks that the parse allocates
 
 public:
   // In the order of destruction, last to first: processors go first.

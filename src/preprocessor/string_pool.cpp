@@ -12,7 +12,9 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <utility>
 
+#include "common/failures.h"
 #include "common/huge_pages.h"
 #include "common/source_location.h"
 #include "common/text_hash.h"
@@ -60,14 +62,16 @@ public:
     return item;
   }
 
-  void clear()
+  // Parts with its texts, for free().
+  [[nodiscard]] void *release() { return std::exchange(*this, {}).chunks_; }
+
+  static void free(void *texts)
   {
-    while (chunks_ != nullptr) {
-      Chunk *const chunk = chunks_;
-      chunks_ = chunk->next;
+    for (auto *chunk = static_cast<Chunk *>(texts); chunk != nullptr;) {
+      Chunk *const next = chunk->next;
       free_zeroed(chunk, chunk->size);
+      chunk = next;
     }
-    *this = {};
   }
 
 private:
@@ -109,6 +113,8 @@ struct {
   std::size_t used = 0;          ///< slots
   std::uint32_t last_number = 0; ///< of all pools so far
 } pool;
+
+TextKeeper *keepers = nullptr;
 
 // Whether the text of the pool is this one; its length is looked at first.
 bool equal(const char *pooled_text, std::string_view text)
@@ -194,7 +200,11 @@ void string_pool_end()
   free_index(pool.index);
   pool.index = {};
   pool.used = 0;
-  pool.arena.clear();
+  void *const texts = pool.arena.release();
+  if (TextKeeper *const keeper = TextKeeper::of(detail::pool_number))
+    keeper->texts_ = texts;
+  else
+    TextArena::free(texts);
   detail::pool_number = 0;
   forget_location_texts();
 }
@@ -209,6 +219,30 @@ const char *keep_unindexed(std::string_view text)
   return store(text, 0);
 }
 
+TextKeeper::TextKeeper() : next_(keepers)
+{
+  keepers = this;
+}
+
+TextKeeper::~TextKeeper()
+{
+  TextKeeper **link = &keepers;
+  while (*link != this) link = &(*link)->next_;
+  *link = next_;
+  if (texts_ == nullptr) return;
+  if (TextKeeper *const other = of(pool_))
+    other->texts_ = texts_;
+  else
+    TextArena::free(texts_);
+}
+
+TextKeeper *TextKeeper::of(std::uint32_t pool)
+{
+  TextKeeper *keeper = keepers;
+  while (keeper != nullptr && keeper->pool_ != pool) keeper = keeper->next_;
+  return keeper;
+}
+
 const char *intern(std::string_view text)
 {
   const std::uint64_t hash = text_hash(text);
@@ -218,6 +252,12 @@ const char *intern(std::string_view text)
   for (; index.tags[place] != 0; place = (place + 1) & index.mask)
     if (index.tags[place] == tag && equal(index.texts[place], text)) return index.texts[place];
   return add(text, hash, place);
+}
+
+Text pooled_text(std::string_view text)
+{
+  if (!string_pool_started()) throw new TDMFileException("tdm_init has not been called");
+  return Text(std::string_view(intern(text), text.size()));
 }
 
 Text joined_text(std::string_view left, char between, std::string_view right)

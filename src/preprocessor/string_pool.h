@@ -33,6 +33,25 @@ extern std::uint32_t pool_number;
   return detail::pool_number;
 }
 
+/// Keeps the texts of the pool readable when the pool ends: for what may live on with views of
+/// them. They go with the last that keeps them.
+class TextKeeper {
+public:
+  TextKeeper();
+  ~TextKeeper();
+  TextKeeper(const TextKeeper &) = delete;
+  TextKeeper &operator=(const TextKeeper &) = delete;
+
+private:
+  friend void string_pool_end();
+
+  [[nodiscard]] static TextKeeper *of(std::uint32_t pool);
+
+  TextKeeper *next_; ///< of all that there are
+  std::uint32_t pool_ = string_pool_number();
+  void *texts_ = nullptr; ///< with one of the keepers, once the pool has ended
+};
+
 /// The pool's copy of the text, NUL-terminated; stays valid until string_pool_end. A text that
 /// holds a NUL is kept whole, though a reader of C strings sees its front only. The pool must have
 /// been started.
@@ -42,11 +61,8 @@ extern std::uint32_t pool_number;
 /// once, and which nobody compares by address.
 [[nodiscard]] const char *keep_unindexed(std::string_view text);
 
-/// The same as a view.
-[[nodiscard]] inline Text pooled_text(std::string_view text)
-{
-  return Text(std::string_view(intern(text), text.size()));
-}
+/// What intern() gives, as a view. A failure where there is no pool.
+[[nodiscard]] Text pooled_text(std::string_view text);
 
 /// Two texts with a character between them.
 [[nodiscard]] Text joined_text(std::string_view left, char between, std::string_view right);

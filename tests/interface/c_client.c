@@ -421,7 +421,7 @@ static void check_message_kinds(void)
   CHECK(index > 50);
 }
 
-/* Names end with the texts of their period. */
+/* Names end with the texts of their period; what is found by one stays. */
 static void names_of_two_periods(const tdm_spec *spec)
 {
   const tdm_processor *processor = tdm_spec_get_processor(spec, "cpu1");
@@ -430,7 +430,9 @@ static void names_of_two_periods(const tdm_spec *spec)
   CHECK_TEXT(tdm_memory_get_full_name(memory), "cpu1:ram1");
   tdm_cleanup();
   CHECK(tdm_processor_get_name(processor) == NULL && tdm_memory_get_full_name(memory) == NULL);
+  CHECK(tdm_spec_get_processor(spec, "cpu1") == processor);
   tdm_init(NULL);
+  CHECK(tdm_processor_get_memory(processor, "cpu1:ram1") == memory);
   CHECK(tdm_memory_get_full_name(memory) == NULL && tdm_memory_get_name(memory) == NULL);
   CHECK_TEXT(tdm_get_last_error(), "the names of a spec end with tdm_cleanup");
   CHECK(tdm_processor_get_name(processor) == NULL);

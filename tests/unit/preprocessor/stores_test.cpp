@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "common/failures.h"
 #include "preprocessor/c_buffer.h"
 #include "preprocessor/c_con.h"
 #include "preprocessor/c_diag.h"
@@ -128,6 +130,29 @@ TEST(StringPool, GivesOneAddressForEqualTexts)
   EXPECT_NE(tdm::intern(std::string_view("a\0b", 3)), tdm::intern("a"));
   tdm::string_pool_end();
   EXPECT_FALSE(tdm::string_pool_started());
+}
+
+TEST(StringPool, LeavesTextsToThoseWhoKeepThem)
+{
+  tdm::string_pool_start();
+  const tdm::Text text = tdm::pooled_text("kept");
+  auto first = std::make_unique<tdm::TextKeeper>();
+  auto second = std::make_unique<tdm::TextKeeper>();
+  tdm::string_pool_end();
+  try {
+    static_cast<void>(tdm::pooled_text("new"));
+    ADD_FAILURE() << "a text without a pool";
+  } catch (TDMFileException *failure) {
+    EXPECT_EQ(failure->text(), "tdm_init has not been called");
+    delete failure;
+  }
+  tdm::string_pool_start();
+  const tdm::TextKeeper of_the_next_pool;
+  EXPECT_NE(tdm::intern("kept"), text.data());
+  second.reset();
+  EXPECT_EQ(text, "kept");
+  first.reset();
+  tdm::string_pool_end();
 }
 
 TEST(Buffer, GrowsWithItsText)
