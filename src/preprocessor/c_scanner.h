@@ -20,14 +20,11 @@ void scanner_stop();
 /// The interned text of a table row.
 [[nodiscard]] const char *token_text(int number);
 
-/// Set on a text that holds a backslash, which only a universal character name brings into a name.
-constexpr std::uint32_t mark_has_backslash = 2;
-
 /// Scans a text on its own, with no splices and no trigraphs, and appends its tokens. All their
 /// texts are interned.
 void scanner_scan_text(std::string_view text, std::vector<PpToken> &tokens);
 
-/// The token with a text that lasts.
+/// The token with a text that lasts, and has the address of its equals.
 void keep_text(PpToken &token);
 
 } // namespace tdm

@@ -77,8 +77,11 @@ struct PooledText {
 /// Set while the text names a macro, or did so earlier in the same stream.
 constexpr std::uint32_t mark_macro_name = 1;
 
+/// Set on a text that holds a backslash, which only a universal character name brings into a name.
+constexpr std::uint32_t mark_has_backslash = 2;
+
 /// Set while the text is among the dependencies of a stream.
-constexpr std::uint32_t mark_dependency = 2;
+constexpr std::uint32_t mark_dependency = 4;
 
 /// The bits from here up are the lexer's: what kind of token the text is.
 constexpr unsigned mark_lexer_shift = 8;
