@@ -151,7 +151,7 @@ const PpToken &quoted_in_block(TDMInputRecord &record, std::size_t prefix)
   else
     scanner.token.number = is_string ? tWSTRING : tWCHAR;
   const std::string_view text(begin, static_cast<std::size_t>(end - begin));
-  if (scanner.token.number == tSTRING && scanner.want_text)
+  if (scanner.token.number == tSTRING && scanner.want_text && !scanner.intern_strings)
     set_text(keep_unindexed(text), text.size());
   else
     set_interned(text);
@@ -183,6 +183,10 @@ void scanner_start()
   scanner.kanji = option_get_bool(optA_KANJI);
   scanner.line_comments = option_get_integer(optISO) != 90 || option_get_bool(optA_CPP);
   scanner.want_text = true;
+  // Nearly all strings of a text are there once. But who reads a text again and again doesn't
+  // gather copies of them.
+  scanner.intern_strings = scanner.last_pool == string_pool_number();
+  scanner.last_pool = string_pool_number();
 }
 
 void scanner_stop()
@@ -198,7 +202,7 @@ const char *token_text(int number)
 
 void keep_text(PpToken &token)
 {
-  if (token.number == tCOMMENT) token.text = intern(token.view());
+  if (token.number == tCOMMENT || token.number == tSTRING) token.text = intern(token.view());
 }
 
 void scanner_scan_text(std::string_view text, std::vector<PpToken> &tokens)

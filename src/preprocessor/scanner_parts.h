@@ -84,6 +84,8 @@ struct ScannerState {
   bool kanji;
   bool line_comments;
   bool want_text;
+  bool intern_strings;     ///< in every stream but the first one of a pool
+  std::uint32_t last_pool; ///< the pool of the latest stream
 };
 [[gnu::visibility("hidden")]] extern ScannerState scanner;
 

@@ -118,6 +118,25 @@ static void ask_tokens(void)
   tdm_inspect_tokens_end(NULL);
 }
 
+/* The text of the first token of the kind. */
+static const char *text_of_first(int number)
+{
+  tdm_inspect_token token = {0, NULL, {NULL, 0, 0, NULL}};
+  tdm_token_stream *stream = tdm_inspect_tokens_start(one_file("sources/main.tdm"), &no_texts);
+  while (tdm_inspect_tokens_next(stream, &token) == 1 && token.number != number) continue;
+  tdm_inspect_tokens_end(stream);
+  return token.text;
+}
+
+/* From the first input of a period on. */
+static void check_addresses_of_texts(void)
+{
+  static const int kinds[] = {TDM_TOKEN_NAME, TDM_TOKEN_STRING, TDM_TOKEN_COMMENT};
+  tdm_cleanup();
+  tdm_init(NULL);
+  for (int i = 0; i < 3; ++i) CHECK(text_of_first(kinds[i]) == text_of_first(kinds[i]));
+}
+
 /* A stream ends by whatever else begins an input, and a handle that is left is no harm. */
 static void end_streams(void)
 {
@@ -190,6 +209,7 @@ void ask_sources(void)
 
   tdm_init(NULL);
   ask_tokens();
+  check_addresses_of_texts();
   end_streams();
   ask_after_failure();
   limit_depth();

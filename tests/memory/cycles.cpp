@@ -74,4 +74,23 @@ TEST(Cycles, AThousandLeaveNothingAndAnswerAlike)
   for (const std::string &file : files) std::filesystem::remove(file);
 }
 
+/// Texts that a parse has put into the pool are there for the next one.
+TEST(Cycles, AFileThatIsReadAgainTakesNoMoreMemory)
+{
+  std::string text = whole_text;
+  text += "section_layout p:c:lin {";
+  for (int i = 0; i < 5000; ++i) text += "select \".text.function" + std::to_string(i) + "\";\n";
+  const std::string file = written("tdm_again_", text + "}");
+  tdm_init(nullptr);
+  std::size_t live = 0;
+  for (int i = 0; i < 8; ++i) {
+    Answers told;
+    parse_and_ask(file.c_str(), told);
+    if (i == 2) live = counting::live();
+  }
+  EXPECT_EQ(counting::live(), live);
+  tdm_cleanup();
+  std::filesystem::remove(file);
+}
+
 } // namespace
