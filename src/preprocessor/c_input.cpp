@@ -64,22 +64,14 @@ void store_end(const TDMInputRecord &last)
 void pop_record()
 {
   TDMInputRecord *record = input_stack.top;
-  if (record->kind == TDMInputRecord::file) input_close_handle(record->handle);
-  std::free(record->buffer);
+  if (record->kind == TDMInputRecord::file)
+    input_close_file(record->handle, record->buffer, record->kept);
+  else
+    std::free(record->buffer);
   input_stack.top = record->next;
   if (input_stack.top == nullptr) store_end(*record);
   if (record == input_stack.innermost_file) find_innermost_file();
   state.arena.release(record, sizeof *record);
-}
-
-// Carriage returns and 0x1A are no part of any text.
-char *drop_unwanted(char *begin, char *end)
-{
-  const auto length = static_cast<std::size_t>(end - begin);
-  if (length == 0) return end;
-  if (std::memchr(begin, '\r', length) == nullptr && std::memchr(begin, 0x1A, length) == nullptr)
-    return end;
-  return std::remove_if(begin, end, [](char c) { return c == '\r' || c == 0x1A; });
 }
 
 // Reads the next block behind the bytes that are left of the last one. The byte in front of them
@@ -99,7 +91,7 @@ void read_block(TDMInputRecord &record)
     if (count <= 0)
       record.exhausted = true;
     else
-      end = drop_unwanted(fresh, fresh + count);
+      end = fresh + input_drop_unwanted(fresh, static_cast<std::size_t>(count));
   }
   *end = 0;
   record.cursor = begin;
@@ -291,26 +283,35 @@ const TDMInputRecord *reading_file()
   return record;
 }
 
-void input_push_file(int handle, const char *name, char *buffer, std::size_t length, bool exhausted)
+// Carriage returns and 0x1A are no part of any text.
+std::size_t input_drop_unwanted(char *begin, std::size_t length)
+{
+  if (length == 0) return 0;
+  if (std::memchr(begin, '\r', length) == nullptr && std::memchr(begin, 0x1A, length) == nullptr)
+    return length;
+  const char *end =
+      std::remove_if(begin, begin + length, [](char c) { return c == '\r' || c == 0x1A; });
+  return static_cast<std::size_t>(end - begin);
+}
+
+void input_push_file(const OpenedFile &file)
 {
   std::int32_t source = -1;
   try {
-    source = source_file_opened(name, reading_source());
+    source = source_file_opened(file.name, reading_source());
   } catch (...) { // no memory: nobody else has the file yet
-    std::free(buffer);
-    input_close_handle(handle);
+    input_close_file(file.handle, file.buffer, file.kept);
     throw;
   }
   TDMInputRecord *record = new_record(TDMInputRecord::file);
-  record->file_name = record->presumed_name = name;
-  record->handle = handle;
-  record->buffer = buffer;
-  record->cursor = buffer;
-  char *end = drop_unwanted(buffer, buffer + length);
-  *end = 0;
-  record->end = end;
-  record->exhausted = exhausted;
+  record->file_name = record->presumed_name = file.name;
+  record->handle = file.handle;
+  record->buffer = file.buffer;
+  record->cursor = file.buffer;
+  record->end = file.buffer + file.length;
+  record->exhausted = file.exhausted;
   record->source = source;
+  record->kept = file.kept;
   push_record(record);
 }
 
@@ -368,6 +369,31 @@ void input_skip_to_line(std::uint32_t physical_line)
       record.at_line_start = false;
     }
     record.cursor = cursor;
+  }
+}
+
+void input_jump_to_line(std::uint32_t physical_line, const char *place)
+{
+  TDMInputRecord &record = *input_stack.top;
+  if (record.physical_line + 1 >= physical_line) return;
+  const std::uint32_t lines = physical_line - record.physical_line - 1;
+  record.physical_line += lines;
+  record.presumed_line += lines;
+  record.at_line_start = true;
+  input_note_line(record);
+  record.cursor = place;
+}
+
+bool input_leave_ended_files()
+{
+  const TDMInputRecord *const before = input_stack.top;
+  for (;;) {
+    TDMInputRecord *const record = input_stack.top;
+    if (record->kind != TDMInputRecord::file || record->cursor != record->end ||
+        !record->exhausted || !record->at_line_start || record->next == nullptr)
+      return record != before;
+    input_begin_line(*record); // the attempt to read on counts
+    pop_record();
   }
 }
 

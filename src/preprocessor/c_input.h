@@ -11,6 +11,10 @@
 #include <cstdint>
 #include <string_view>
 
+namespace tdm {
+struct KeptText;
+}
+
 struct TDMInputRecord {
   enum Kind : int { file = 1, text = 2 };
 
@@ -29,6 +33,7 @@ struct TDMInputRecord {
   int handle;
   std::int32_t source;  ///< of a file: its index among the source files
   char *buffer;         ///< the block of a file, the characters of a text
+  tdm::KeptText *kept;  ///< whose the block is, if its text is kept for the next time
   TDMInputRecord *next; ///< the record below
 };
 
@@ -106,6 +111,13 @@ void input_set_presumed(const char *name, std::uint32_t line);
 
 /// Reads over whole lines of the top file, until the line with this physical number begins.
 void input_skip_to_line(std::uint32_t physical_line);
+
+/// The same where that place is known.
+void input_jump_to_line(std::uint32_t physical_line, const char *place);
+
+/// Takes files that have been read to their end off the stack, as reading on would do; false if the
+/// top isn't one, or is the last.
+[[nodiscard]] bool input_leave_ended_files();
 
 } // namespace tdm
 

@@ -7,13 +7,16 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_input.h"
 #include "preprocessor/c_opt.h"
 #include "preprocessor/c_srcpos.h"
+#include "preprocessor/kept_texts.h"
 #include "preprocessor/orderly_stop.h"
 #include "preprocessor/path_join.h"
 #include "preprocessor/string_pool.h"
@@ -52,6 +55,7 @@ char upper(char c)
 
 bool refuse(const char *name)
 {
+  refuse_kept_texts();
   diag_at(F_open_failed, srcpos_current(), name);
   return false;
 }
@@ -81,15 +85,82 @@ public:
   OpeningFile &operator=(const OpeningFile &) = delete;
 };
 
-std::string local_directory()
+// With the "/" at its end. The names of files come out of path_join, so they have no "\\".
+std::string_view local_directory()
 {
   const TDMInputRecord *record = reading_file();
-  return record == nullptr ? std::string() : path_join(record->file_name, "../");
+  if (record == nullptr) return {};
+  const std::string_view name = record->file_name;
+  return name.substr(0, name.rfind('/') + 1);
 }
 
 bool open_in(std::string_view directory, std::string_view name)
 {
   return input_open_file(intern(path_join(directory, name)));
+}
+
+/// A handle that is closed unless it is passed on.
+class Handle {
+public:
+  explicit Handle(const char *name) : handle_(::open(name, O_RDONLY | O_CLOEXEC | O_NOCTTY)) {}
+  ~Handle()
+  {
+    if (handle_ >= 0) ::close(handle_);
+  }
+  Handle(const Handle &) = delete;
+  Handle &operator=(const Handle &) = delete;
+
+  [[nodiscard]] int get() const { return handle_; }
+  int pass_on() { return std::exchange(handle_, -1); }
+
+private:
+  int handle_;
+};
+
+Buffer new_buffer()
+{
+  Buffer buffer(static_cast<char *>(std::malloc(input_buffer_size())));
+  if (buffer == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
+  return buffer;
+}
+
+// A short file needs no room for further blocks; thousands may be open at once.
+void shrink(Buffer &buffer, std::size_t size)
+{
+  if (void *smaller = std::realloc(buffer.get(), size)) {
+    static_cast<void>(buffer.release());
+    buffer.reset(static_cast<char *>(smaller));
+  }
+}
+
+// Opens and begins a file. False if it doesn't exist or can't be read, with a message then.
+bool open_and_begin(OpenedFile &file)
+{
+  const OpeningFile opening(file.name);
+  Handle handle(file.name);
+  if (handle.get() < 0 && (errno == ENOENT || errno == ENOTDIR)) return false;
+  if (handle.get() < 0) return refuse(file.name);
+  struct stat status = {};
+  const bool known = ::fstat(handle.get(), &status) == 0;
+  Buffer buffer = new_buffer();
+  const ssize_t length = read_fully(handle.get(), buffer.get(), first_read);
+  if (length < 0) return refuse(file.name);
+
+  file.length = input_drop_unwanted(buffer.get(), static_cast<std::size_t>(length));
+  file.exhausted = static_cast<std::size_t>(length) < first_read;
+  if (file.exhausted) shrink(buffer, file.length + 1);
+  file.buffer = buffer.get();
+  file.buffer[file.length] = 0;
+  if (file.exhausted && known && status.st_size == length)
+    file.kept = keep_text_of(file.name, status, buffer, file.length);
+  static_cast<void>(buffer.release()); // what isn't kept is the record's
+  file.handle = handle.pass_on();
+  return true;
+}
+
+OpenedFile opened_again(KeptText &text, const char *name)
+{
+  return {name, -1, text.buffer.get(), text.length, true, &text};
 }
 
 } // namespace
@@ -101,6 +172,7 @@ void input_files_start(std::string_view tool_name)
   variable += "INC";
   state.environment_directories.clear();
   state.opening = nullptr;
+  kept_texts_start();
   if (const char *value = std::getenv(variable.c_str())) cut_directories(value);
 }
 
@@ -108,6 +180,7 @@ void input_files_stop()
 {
   internal_check(state.listeners.empty());
   state.environment_directories.clear();
+  kept_texts_stop();
 }
 
 const char *opening_file()
@@ -115,9 +188,13 @@ const char *opening_file()
   return state.opening;
 }
 
-void input_close_handle(int handle)
+void input_close_file(int handle, char *buffer, KeptText *kept)
 {
-  ::close(handle);
+  if (handle >= 0) ::close(handle);
+  if (kept != nullptr)
+    kept->in_use = false;
+  else
+    std::free(buffer);
   --state.open_files;
 }
 
@@ -128,26 +205,14 @@ bool input_open_file(const char *name)
   using namespace tdm;
   input_flush_unread();
   if (state.open_files >= most_open_files) return refuse(name);
-  const OpeningFile opening(name);
-  const int handle = ::open(name, O_RDONLY | O_CLOEXEC | O_NOCTTY);
-  if (handle < 0 && (errno == ENOENT || errno == ENOTDIR)) return false;
-  if (handle < 0) return refuse(name);
-
-  auto *buffer = static_cast<char *>(std::malloc(input_buffer_size()));
-  if (buffer == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
-  const ssize_t length = read_fully(handle, buffer, first_read);
-  if (length < 0) {
-    std::free(buffer);
-    ::close(handle);
-    return refuse(name);
-  }
-  // A short file needs no room for further blocks; thousands may be open at once.
-  const bool exhausted = static_cast<std::size_t>(length) < first_read;
-  if (exhausted)
-    if (void *smaller = std::realloc(buffer, static_cast<std::size_t>(length) + 1))
-      buffer = static_cast<char *>(smaller);
+  OpenedFile file = {};
+  file.name = name;
+  if (KeptText *kept = take_kept_text(name))
+    file = opened_again(*kept, name);
+  else if (!open_and_begin(file))
+    return false;
   ++state.open_files;
-  input_push_file(handle, name, buffer, static_cast<std::size_t>(length), exhausted);
+  input_push_file(file);
   // Told last, so that a listener that fails leaves the stack whole.
   for (const InputListener listener : state.listeners) listener(name);
   return true;

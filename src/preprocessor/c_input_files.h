@@ -11,13 +11,25 @@ namespace tdm {
 void input_files_start(std::string_view tool_name);
 void input_files_stop();
 
-/// Closes the handle of a file that leaves the stack.
-void input_close_handle(int handle);
+struct KeptText;
 
-// What the stack does for it: takes over an open file with its first bytes, in a buffer of
-// input_buffer_size() bytes, or of one more than `length` when the file is exhausted.
+/// A file that has been opened, with its first bytes.
+struct OpenedFile {
+  const char *name;
+  int handle;   ///< -1 if the text was kept from an earlier reading
+  char *buffer; ///< of input_buffer_size() bytes, or one more than `length` if `exhausted`
+  std::size_t length;
+  bool exhausted;
+  KeptText *kept; ///< who owns the buffer, or null
+};
+
+/// Closes a file that leaves the stack.
+void input_close_file(int handle, char *buffer, KeptText *kept);
+
+// What the stack does for it: takes over an open file, takes what is no part of a text out of bytes
+// that have been read, and gives what is left of the length.
 [[nodiscard]] std::size_t input_buffer_size();
-void input_push_file(int handle, const char *name, char *buffer, std::size_t length,
-                     bool exhausted);
+void input_push_file(const OpenedFile &file);
+[[nodiscard]] std::size_t input_drop_unwanted(char *begin, std::size_t length);
 
 } // namespace tdm

@@ -246,6 +246,7 @@ const tdm::PpToken &scanner_next_token(bool want_text)
   case Start::other:
     return punctuator_in_block(record);
   case Start::special:
+    if (input_leave_ended_files()) return scanner_next_token(want_text);
     break;
   }
   return by_character();

@@ -1,6 +1,7 @@
 // A memo of a group holds the file, the line of the opening directive and that of the directive
 // that ended the group; a group that is skipped when its file is read again is passed over by
-// counting newlines. Lines are those of one reading of one file: a conditional that is closed in
+// counting newlines, and where the text of the file was kept, the place that this leads to is known
+// from then on. Lines are those of one reading of one file: a conditional that is closed in
 // another file than it was opened in is not remembered.
 #include "preprocessor/conditionals.h"
 
@@ -8,6 +9,7 @@
 #include "preprocessor/c_input.h"
 #include "preprocessor/c_memory.h"
 #include "preprocessor/hashtab.h"
+#include "preprocessor/kept_texts.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -21,6 +23,8 @@ struct SkipMemo {
   const char *file; ///< with `line` the key
   std::uint64_t line;
   std::uint64_t end;
+  std::uint64_t text;  ///< number of the kept text that `place` lies in; 0 for none
+  std::uint64_t place; ///< where the line at the end begins
 };
 constexpr int memo_key_length = sizeof(const char *) + sizeof(std::uint64_t);
 
@@ -46,7 +50,7 @@ std::uint32_t hash_of_memo(const void *key)
 
 SkipMemo *find_memo(const char *file, std::uint32_t line)
 {
-  const SkipMemo key = {file, line, 0};
+  const SkipMemo key = {file, line, 0, 0, 0};
   return static_cast<SkipMemo *>(hashtab_lookup(&state.memos, &key));
 }
 
@@ -61,6 +65,21 @@ void set_active(bool active)
     conditional_top->flags |= group_active;
   else
     conditional_top->flags &= ~unsigned{group_active};
+}
+
+// Counts the lines the first time that a text is skipped.
+void skip_group(const TDMInputRecord &input, SkipMemo &memo)
+{
+  const auto end = static_cast<std::uint32_t>(memo.end);
+  const KeptText *text = input.kept;
+  if (text != nullptr && text->number == memo.text) {
+    input_jump_to_line(end, text->buffer.get() + memo.place);
+    return;
+  }
+  input_skip_to_line(end);
+  if (text == nullptr || input.physical_line + 1 != end) return;
+  memo.text = text->number;
+  memo.place = static_cast<std::uint64_t>(input.cursor - text->buffer.get());
 }
 
 } // namespace
@@ -128,7 +147,7 @@ void conditionals_end_of_input()
 void skip_memo_open(const DirectivePlace &place)
 {
   if (place.line == 0 || !memo_enabled) return;
-  const SkipMemo *memo = find_memo(place.file, place.line);
+  SkipMemo *memo = find_memo(place.file, place.line);
   if (memo == nullptr) {
     conditional_top->skip_start = place.line;
     conditional_top->file = place.serial;
@@ -136,7 +155,7 @@ void skip_memo_open(const DirectivePlace &place)
   }
   const TDMInputRecord *input = input_stack.top;
   if (conditional_active() || input == nullptr || input->serial != place.serial) return;
-  input_skip_to_line(static_cast<std::uint32_t>(memo->end));
+  skip_group(*input, *memo);
 }
 
 void skip_memo_close(const DirectivePlace &place)
@@ -147,7 +166,7 @@ void skip_memo_close(const DirectivePlace &place)
   if (start == 0 || place.line == 0 || conditional.file != place.serial) return;
   if (find_memo(place.file, start) != nullptr) return;
   auto *memo = static_cast<SkipMemo *>(state.arena.allocate(sizeof(SkipMemo)));
-  *memo = {place.file, start, place.line};
+  *memo = {place.file, start, place.line, 0, 0};
   hashtab_insert(&state.memos, memo);
 }
 

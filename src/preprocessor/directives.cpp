@@ -1,14 +1,13 @@
 // The read step, the table of directives, and the handlers that are short.
 #include "preprocessor/directives.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
-#include "preprocessor/c_buffer.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_input.h"
 #include "preprocessor/c_opt.h"
-#include "preprocessor/c_pragma.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/condition.h"
 #include "preprocessor/conditionals.h"
@@ -19,6 +18,7 @@
 #include "preprocessor/source_directives.h"
 #include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
+#include "preprocessor/text_directives.h"
 
 namespace tdm {
 
@@ -32,10 +32,9 @@ struct {
   PpToken token;    ///< handed out when it isn't the scanner's
   PpToken line_end; ///< what ended the directive line
   PpToken forwarding_hash;
-  bool forwards;        ///< the directive just read goes to the lexer
-  tdm_srcpos position;  ///< of the "#" of the directive
-  DirectivePlace place; ///< the same in the real file
-  TextBuffer text;
+  bool forwards;          ///< the directive just read goes to the lexer
+  tdm_srcpos position;    ///< of the "#" of the directive
+  DirectivePlace place;   ///< the same in the real file
   PpToken name;           ///< of the directive, as it was written
   bool opens_conditional; ///< the directive has opened one
 } state;
@@ -88,55 +87,6 @@ void handle_endif()
   conditional_pop();
 }
 
-void handle_error()
-{
-  diag_at(E_hash_error, state.position, rest_of_line());
-}
-
-void handle_warning()
-{
-  diag_at(W_hash_warning, state.position, rest_of_line());
-}
-
-void report_unknown_misra_pragma(const std::vector<PpToken> &line)
-{
-  const PpToken *first = nullptr;
-  for (const PpToken &token : line)
-    if (first == nullptr && token.number == tIDENT) first = &token;
-  if (first == nullptr || first->view() != "nomisrac" || pragma_known(first->text)) return;
-  state.text.clear();
-  for (const PpToken &token : line)
-    if (token.number != tNEWLINE && token.number != tEOF &&
-        (state.text.length() > 0 || !is_white(token.number)))
-      state.text.append(token.view());
-  diag_at(W_ignored_pragma, state.position, state.text.view());
-}
-
-// The line goes on to the lexer as it stands.
-void handle_pragma()
-{
-  std::vector<PpToken> line;
-  while (!state.line_ended) {
-    PpToken token = pp_next_token(false);
-    keep_text(token);
-    if (token.number != tEOF) line.push_back(token);
-  }
-  report_unknown_misra_pragma(line);
-  PpToken word;
-  word.number = tIDENT;
-  word.text = intern("pragma");
-  word.length = pooled(word.text).length;
-  word.position = state.position;
-  PpToken blank = word;
-  blank.number = tWHITE;
-  blank.text = token_text(tSPACE);
-  blank.length = 1;
-  if (!line.empty() && is_white(line.front().number)) line.erase(line.begin());
-  line.insert(line.begin(), {word, blank});
-  list_push(line, true);
-  state.forwards = true;
-}
-
 // ---- the table ----
 
 struct DirectiveRow {
@@ -162,12 +112,15 @@ constexpr DirectiveRow rows[] = {
     {"pragma", group_active, handle_pragma},
 };
 
-const DirectiveRow *find_directive(std::string_view name)
+/// The names of the rows as texts of the pool.
+const char *row_names[std::size(rows)];
+
+const DirectiveRow *find_directive(const char *name)
 {
-  if (name == "warning" && !option_get_bool(optA_GCC)) name = "-";
-  for (const DirectiveRow &row : rows)
-    if (row.name == name) return &row;
-  return nullptr;
+  const auto *const found = std::find(std::begin(row_names), std::end(row_names), name);
+  if (found == std::end(row_names)) return nullptr;
+  const DirectiveRow *const row = rows + (found - row_names);
+  return row->handler == handle_warning && !option_get_bool(optA_GCC) ? nullptr : row;
 }
 
 // The group that the directive begins or ends is skipped.
@@ -179,14 +132,13 @@ void note_skipping(bool begins)
 
 void run_directive(const PpToken &name)
 {
-  const std::string_view word = name.number == tICON ? std::string_view() : name.view();
-  const DirectiveRow *row = find_directive(word);
+  const DirectiveRow *row = find_directive(name.number == tICON ? intern("") : name.text);
   if (row == nullptr) {
-    if (conditional_active()) diag_at(E_undefined_directive, name.position, word);
+    if (conditional_active()) diag_at(E_undefined_directive, name.position, name.view());
     return;
   }
   if ((conditional_top->flags & row->mask) == 0) {
-    if (row->mask != group_active) diag_at(E_unexpected_directive, name.position, word);
+    if (row->mask != group_active) diag_at(E_unexpected_directive, name.position, name.view());
     return;
   }
   const bool active = conditional_active();
@@ -366,20 +318,50 @@ const PpToken &pass_on(const PpToken &token, bool expand)
   return passes(token, false, expand) ? token : read_on(&token, false, expand);
 }
 
-// The read step for what doesn't lie whole in a block, or isn't text of an active group.
-[[gnu::noinline]] const PpToken &next_on_other_road(bool expand)
+// The read step in a directive line, without a list.
+[[gnu::noinline]] const PpToken &next_in_directive(bool expand)
 {
-  if (state.in_directive || !conditional_active() || !list_stack_empty())
+  expansion_work.allowed += expansion_per_token;
+  const PpToken &token = scanner_next_token();
+  switch (token.number) {
+  case tNEWLINE:
+    note_line_end(token);
+    return token;
+  case tWHITE:
+  case tCOMMENT:
+    return token;
+  case tIDENT:
+    if (!expand || !may_expand(token)) break;
+    [[fallthrough]];
+  case tEOF:
+    return read_on(&token, false, expand);
+  default:
+    break;
+  }
+  state.at_line_start = false;
+  return token;
+}
+
+// The read step while there is a list.
+[[gnu::noinline]] const PpToken &next_of_list(bool expand)
+{
+  if (state.in_directive || !conditional_active() || !list_next_plain(state.token))
     return read_on(nullptr, false, expand);
+  return passes(state.token, true, expand) ? state.token : read_on(&state.token, true, expand);
+}
+
+[[gnu::noinline]] const PpToken &next_of_input(bool expand)
+{
   expansion_work.allowed += expansion_per_token;
   return pass_on(scanner_next_token(), expand);
 }
 
-// The read step in an active group while there is a list.
-[[gnu::noinline]] const PpToken &next_of_list(bool expand)
+// The read step for what doesn't lie whole in a block, or isn't text of an active group.
+[[gnu::noinline]] const PpToken &next_on_other_road(bool expand)
 {
-  if (!list_next_plain(state.token)) return read_on(nullptr, false, expand);
-  return passes(state.token, true, expand) ? state.token : read_on(&state.token, true, expand);
+  if (!list_stack_empty()) return next_of_list(expand);
+  if (state.in_directive) return next_in_directive(expand);
+  return conditional_active() ? next_of_input(expand) : read_on(nullptr, false, expand);
 }
 
 // Apart, each of them, so that the read step itself needs no registers to be saved.
@@ -422,12 +404,12 @@ void directives_start()
   state.forwarding_hash.number = tHASH;
   state.forwarding_hash.text = token_text(tHASH);
   state.forwarding_hash.length = 1;
+  for (std::size_t i = 0; i < std::size(rows); ++i) row_names[i] = intern(rows[i].name);
   conditionals_start();
 }
 
 void directives_stop()
 {
-  state.text.free();
   conditionals_stop();
 }
 
@@ -444,6 +426,11 @@ bool pp_line_ended()
 void pp_reopen_line()
 {
   state.line_ended = false;
+}
+
+void pp_forward_line()
+{
+  state.forwards = true;
 }
 
 const tdm_srcpos &directive_position()
@@ -471,18 +458,6 @@ void expect_line_end()
   if (token.number != tNEWLINE && token.number != tEOF) diag_at(W_unexpected_text, token.position);
 }
 
-std::string_view rest_of_line()
-{
-  state.text.clear();
-  if (state.line_ended) return {};
-  const PpToken *token = &pp_next_significant(false);
-  while (!state.line_ended) {
-    state.text.append(token->view());
-    token = &pp_next_token(false);
-  }
-  return state.text.view();
-}
-
 } // namespace tdm
 
 void pp_pass_blanks()
@@ -497,10 +472,10 @@ void pp_pass_blanks()
 const tdm::PpToken &pp_next_token(bool expand)
 {
   using namespace tdm;
-  if (state.in_directive || !conditional_active()) return next_on_other_road(expand);
-  if (!list_stack_empty()) return next_of_list(expand);
   TDMInputRecord *const record = record_with_block();
-  if (record == nullptr || record->kind != TDMInputRecord::file) return next_on_other_road(expand);
+  if (!list_stack_empty() || record == nullptr || record->kind != TDMInputRecord::file ||
+      state.in_directive || !conditional_active())
+    return next_on_other_road(expand);
   expansion_work.allowed += expansion_per_token;
   switch (start_of(*record->cursor)) {
   case Start::blank:

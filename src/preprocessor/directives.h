@@ -29,6 +29,10 @@ void directives_stop();
 /// The newline that ended the directive line was put back, and will come again.
 void pp_reopen_line();
 
+/// The directive being read goes to the lexer: its "#" comes out, and then what is on the list
+/// stack.
+void pp_forward_line();
+
 /// The position of the "#" of the directive being read.
 [[nodiscard]] const tdm_srcpos &directive_position();
 
@@ -40,8 +44,5 @@ const PpToken &pp_next_significant(bool expand);
 
 /// Reports text behind a directive, once. Nothing is read if the line has ended already.
 void expect_line_end();
-
-/// The texts of the rest of the line, joined.
-std::string_view rest_of_line();
 
 } // namespace tdm

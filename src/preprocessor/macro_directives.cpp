@@ -12,6 +12,8 @@ namespace tdm {
 
 namespace {
 
+constexpr std::size_t usual_body = 16;
+
 bool ends_line(const PpToken &token)
 {
   return token.number == tNEWLINE || token.number == tEOF;
@@ -62,6 +64,7 @@ PpToken white_token(std::string_view text, const tdm_srcpos &position)
 std::vector<PpToken> read_body(const PpToken *token)
 {
   std::vector<PpToken> body;
+  body.reserve(usual_body);
   std::string white;
   for (; !ends_line(*token); token = &pp_next_token(false)) {
     if (is_white(token->number)) {

@@ -3,22 +3,23 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <optional>
 #include <string_view>
 
 #include "preprocessor/c_diag.h"
-#include "preprocessor/c_memory.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/hashtab.h"
 #include "preprocessor/predefined_macros.h"
 #include "preprocessor/string_pool.h"
+#include "preprocessor/token_list.h"
 
 namespace tdm {
 
 namespace {
 
 struct {
-  MemoryArena arena;
+  TokenMemory memory; ///< of all records and what belongs to them
   hashtab table;
   TDMMacro *made; ///< all records, whether in the table or not
   std::uint32_t generation;
@@ -93,10 +94,10 @@ void report_redefinition(const TDMMacro &old, bool function_like, const tdm_srcp
   if (old.position.file != nullptr) diag_at(I_previous_macro_def, old.position, old.name);
 }
 
-template <class Item> const Item *copy_to_arena(const std::vector<Item> &items)
+template <class Item> const Item *keep_copy(const std::vector<Item> &items)
 {
   if (items.empty()) return nullptr;
-  void *copy = state.arena.allocate(items.size() * sizeof(Item));
+  void *copy = state.memory.allocate(items.size() * sizeof(Item));
   std::memcpy(copy, items.data(), items.size() * sizeof(Item));
   return static_cast<const Item *>(copy);
 }
@@ -246,7 +247,7 @@ std::vector<BodyRun> runs_of(const std::vector<PpToken> &body)
 
 TDMMacro *new_macro(const char *name)
 {
-  auto *macro = static_cast<TDMMacro *>(state.arena.allocate(sizeof(TDMMacro)));
+  auto *macro = new (state.memory.allocate(sizeof(TDMMacro))) TDMMacro{};
   macro->name = name;
   macro->next_made = state.made;
   state.made = macro;
@@ -272,7 +273,7 @@ void macro_stop()
     pooled(macro->name).marks &= ~mark_macro_name;
   state.made = nullptr;
   hashtab_free(state.table);
-  state.arena.clear();
+  state.memory.clear();
 }
 
 std::uint32_t macro_generation()
@@ -314,13 +315,13 @@ void macro_define(const char *name, const std::vector<tdm::MacroParameter> *para
   BodyCheck check(body, parameters == nullptr ? nullptr : &own_parameters);
   check.run(position);
   macro->function_like = parameters != nullptr;
-  macro->parameters = copy_to_arena(own_parameters);
+  macro->parameters = keep_copy(own_parameters);
   macro->parameter_count = own_parameters.size();
-  macro->body = copy_to_arena(body);
+  macro->body = keep_copy(body);
   macro->body_count = body.size();
   if (parameters != nullptr) {
     const std::vector<BodyRun> runs = runs_of(body);
-    macro->runs = copy_to_arena(runs);
+    macro->runs = keep_copy(runs);
     macro->run_count = runs.size();
   }
   macro->has_operators = check.has_operators();

@@ -5,10 +5,15 @@
 
 namespace {
 
+void make_slashes(std::string &text)
+{
+  if (text.find('\\') != text.npos) std::replace(text.begin(), text.end(), '\\', '/');
+}
+
 std::string with_slashes(std::string_view text)
 {
   std::string result(text);
-  std::replace(result.begin(), result.end(), '\\', '/');
+  make_slashes(result);
   return result;
 }
 
@@ -49,10 +54,30 @@ void go_up(std::string &path)
   cut_slashes(path);
 }
 
+// A path that goes down from the directory, written without anything to be looked at.
+bool is_plain(std::string_view name)
+{
+  char before = '/';
+  for (const char c : name) {
+    if (c == '\\' || c == ':' || (before == '/' && (c == '/' || c == '.'))) return false;
+    before = c;
+  }
+  return before != '/';
+}
+
 } // namespace
 
 std::string path_join(std::string_view directory, std::string_view name)
 {
+  if (is_plain(name)) {
+    std::string path;
+    path.reserve(directory.size() + 1 + name.size());
+    path = directory;
+    make_slashes(path);
+    cut_slashes(path);
+    append_component(path, name);
+    return path;
+  }
   std::string wanted = with_slashes(name); // not const: it may be the answer
   if (stands_for_itself(wanted)) return wanted;
   std::string path = with_slashes(directory);

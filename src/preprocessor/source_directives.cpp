@@ -24,16 +24,16 @@ bool ends_line(const PpToken &token)
   return token.number == tNEWLINE || token.number == tEOF;
 }
 
-// The text of a file name with its delimiters, from the token that begins it; null if that can't
-// begin one. A "<" that came from a macro starts a name of several tokens.
-// With `report` off, a missing ">" is supplied in silence.
-std::optional<std::string> read_name(const PpToken &first, bool report)
+// The text of a file name with its delimiters, from the token that begins it; it stays, as texts of
+// the pool do. Null if that token can't begin one. A "<" that came from a macro starts a name of
+// several tokens. With `report` off, a missing ">" is supplied in silence.
+std::optional<std::string_view> read_name(const PpToken &first, bool report)
 {
   switch (first.number) {
   case tFILE:
   case tHEADER:
   case tSTRING:
-    return std::string(first.view());
+    return first.view();
   case tLT:
     break;
   default:
@@ -44,10 +44,10 @@ std::optional<std::string> read_name(const PpToken &first, bool report)
     const PpToken &token = pp_next_token(true);
     if (ends_line(token)) {
       if (report) diag_at(E_missing_bracket, directive_position());
-      return text += '>';
+      return pooled_text(text += '>');
     }
     text += token.view();
-    if (token.number == tGT) return text;
+    if (token.number == tGT) return pooled_text(text);
   }
 }
 
@@ -106,7 +106,7 @@ std::uint32_t line_number(const PpToken &number)
 const char *read_line_name(const PpToken &token, bool report)
 {
   if (token.number == tWSTRING) return line_name(token.view());
-  const std::optional<std::string> text = read_name(token, report);
+  const std::optional<std::string_view> text = read_name(token, report);
   return text ? line_name(*text) : nullptr;
 }
 
@@ -117,7 +117,7 @@ void handle_include()
   scanner_set_header_mode();
   const PpToken &token = pp_next_significant(true);
   const void *pragmas = token.position.pragmas;
-  const std::optional<std::string> text = read_name(token, true);
+  const std::optional<std::string_view> text = read_name(token, true);
   if (!text) {
     diag_at(E_missing_file, directive_position());
     return;
@@ -126,7 +126,7 @@ void handle_include()
   while (!pp_line_ended()) pp_next_token(false);
   if (too_deep() || too_many()) return;
   source_files_include_at(directive_position());
-  const std::string_view name = std::string_view(*text).substr(1, text->size() - 2);
+  const std::string_view name = text->substr(1, text->size() - 2);
   const bool only_standard = pragma_get(pragmas, optSTDINC);
   if (!input_search_file(name, text->front() != '<', !only_standard,
                          only_standard || !option_get_bool(optNOSTDINC)))

@@ -156,6 +156,27 @@ TEST_F(StreamInDirectory, SearchesDirectoriesInOrder)
   std::filesystem::current_path(before);
 }
 
+// The text of a file serves for its next inclusion, but only while the file is the same.
+TEST_F(StreamInDirectory, ReadsAnewWhatHasChanged)
+{
+  write("one/g", "#ifndef G\n#define G\none\n#endif\nend __LINE__\n");
+  write("two/g", "gone");
+  std::string text;
+  {
+    write("main", "#include \"one/g\"\n#include \"one/g\"\n1\n#include \"one/g\"\n2\n"
+                  "#include \"one/g\"\n#include \"one/g\"\n3\n#include \"one/g\"\n");
+    TDMPreprocessedFileInputStream stream({directory_ + "/main"}, nullptr);
+    for (int c; (c = stream.getChar()) != -1;) {
+      text += static_cast<char>(c);
+      if (c == '1') write("one/g", "#ifndef G\n\n\n\n\n#endif\nnew __LINE__\n");
+      if (c == '2') std::filesystem::rename(directory_ + "/two/g", directory_ + "/one/g");
+      if (c == '3') std::filesystem::remove(directory_ + "/one/g");
+    }
+  }
+  EXPECT_EQ(tdm_test::squeezed(text), "one end 5 end 5 1 new 7 2 gone gone 3");
+  EXPECT_EQ(tdm::diag_error_count(), 1); // E948
+}
+
 // What one input sets up goes with it; messages and option values go on.
 TEST_F(StreamInDirectory, InputsDoNotSeeEachOther)
 {
