@@ -318,11 +318,23 @@ const PpToken &pass_on(const PpToken &token, bool expand)
   return passes(token, false, expand) ? token : read_on(&token, false, expand);
 }
 
+// Names and blanks are most of what a directive line is made of.
+const PpToken &scan_in_directive()
+{
+  TDMInputRecord *const record = record_with_block();
+  if (record == nullptr || record->kind != TDMInputRecord::file) return scanner_next_token();
+  const Start start = start_of(*record->cursor);
+  if (start == Start::blank) return blanks_in_block(*record);
+  if (start != Start::name) return scanner_next_token();
+  scanner.want_text = true;
+  return name_in_block(*record);
+}
+
 // The read step in a directive line, without a list.
 [[gnu::noinline]] const PpToken &next_in_directive(bool expand)
 {
   expansion_work.allowed += expansion_per_token;
-  const PpToken &token = scanner_next_token();
+  const PpToken &token = scan_in_directive();
   switch (token.number) {
   case tNEWLINE:
     note_line_end(token);
@@ -446,7 +458,7 @@ const PpToken &directive_name()
 const PpToken &pp_next_significant(bool expand)
 {
   for (;;) {
-    const PpToken &token = pp_next_token(expand);
+    const PpToken &token = next_on_other_road(expand);
     if (!is_white(token.number)) return token;
   }
 }
