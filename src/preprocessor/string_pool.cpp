@@ -236,10 +236,10 @@ TextKeeper::~TextKeeper()
     TextArena::free(texts_);
 }
 
-TextKeeper *TextKeeper::of(std::uint32_t pool)
+TextKeeper *TextKeeper::of(std::uint32_t number)
 {
   TextKeeper *keeper = keepers;
-  while (keeper != nullptr && keeper->pool_ != pool) keeper = keeper->next_;
+  while (keeper != nullptr && keeper->pool_ != number) keeper = keeper->next_;
   return keeper;
 }
 

@@ -45,7 +45,7 @@ public:
 private:
   friend void string_pool_end();
 
-  [[nodiscard]] static TextKeeper *of(std::uint32_t pool);
+  [[nodiscard]] static TextKeeper *of(std::uint32_t number);
 
   TextKeeper *next_; ///< of all that there are
   std::uint32_t pool_ = string_pool_number();
