@@ -167,7 +167,11 @@ void BlockPool::free_large(LargeBlock *block) noexcept
 
 void BlockPool::clear() noexcept
 {
-  while (large_blocks != nullptr) free_large(large_blocks);
+  for (LargeBlock *block = large_blocks; block != nullptr;) {
+    LargeBlock *const next = block->next;
+    ::operator delete(block);
+    block = next;
+  }
   while (slabs != nullptr) {
     Slab *const slab = slabs;
     slabs = slab->next;
@@ -201,6 +205,7 @@ Region::Region() : next_(regions)
 
 Region::~Region()
 {
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): each takes itself out of the list
   while (guests_ != nullptr) delete guests_;
   Region **link = &regions;
   while (*link != this) link = &(*link)->next_;
