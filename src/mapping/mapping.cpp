@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "mapping/mapping_index.h"
 
 namespace {
@@ -22,14 +23,15 @@ Interval::Pattern line_pattern(const tdm::DataLines &lines, int32_t width)
   return {width, up_to_high & ~below_low};
 }
 
-/// A span of all lines: what the general form comes to for a mapping that moves by a distance.
-Interval shifted_span(const AddressValue &low, int64_t size)
+/// Makes a new interval a span of all lines: what the general form comes to for a mapping that
+/// moves by a distance.
+void set_shifted_span(Interval &span, const AddressValue &low, int64_t size)
 {
-  Interval span;
   span.low = low;
-  span.high = AddressValue(low.value + size, 0, low.mau, low.bank);
-  span.pattern = {low.mau, Interval::Pattern::mask(low.mau)};
-  return span;
+  span.high = low;
+  span.high.value += size;
+  span.pattern.width = low.mau;
+  span.pattern.bits = Interval::Pattern::mask(low.mau);
 }
 
 /// 0 and 0 at the end that an entry names stand for all lines.
@@ -38,11 +40,12 @@ void default_lines(tdm::DataLines &lines, const tdm::MapEnd &end)
   if (lines.low == 0 && lines.high == 0) lines.high = tdm::wrap_sub(end.width, 1);
 }
 
-/// The least common multiple of two widths, nearly all of which divide each other.
-int32_t common_width(int32_t a, int32_t b)
+/// Whether a mask can hold the lines of both widths, which do for themselves and nearly all of
+/// which divide each other.
+bool have_common_mask(int32_t a, int32_t b)
 {
   const auto [narrow, wide] = std::minmax(a, b);
-  return wide % narrow == 0 ? wide : std::lcm(narrow, wide);
+  return wide % narrow == 0 || std::lcm(narrow, wide) <= Interval::Pattern::max_width;
 }
 
 tdm::DataLines all_lines(const tdm::MapEnd &end)
@@ -67,7 +70,7 @@ TDMMapping::~TDMMapping() = default;
 std::unique_ptr<TDMMapping> TDMMapping::forward(const tdm::MapEntry &entry, TDMMapSource &source,
                                                 const tdm::MapEnd &end)
 {
-  std::unique_ptr<TDMMapping> mapping(new TDMMapping(entry, 1));
+  std::unique_ptr<TDMMapping> mapping(::new (tdm::object_block<TDMMapping>) TDMMapping(entry, 1));
   mapping->store_source(source, end);
   mapping->src_dbits = entry.src_dbits.value_or(all_lines(end));
   mapping->src_offset = entry.src_offset;
@@ -80,13 +83,35 @@ std::unique_ptr<TDMMapping> TDMMapping::reversed(const tdm::MapEntry &entry,
                                                  TDMMapDestination &destination,
                                                  const tdm::MapEnd &end)
 {
-  std::unique_ptr<TDMMapping> mapping(new TDMMapping(entry, -1));
+  std::unique_ptr<TDMMapping> mapping(::new (tdm::object_block<TDMMapping>) TDMMapping(entry, -1));
   mapping->store_destination(destination, end);
   mapping->dest_dbits = entry.src_dbits.value_or(all_lines(end));
   mapping->dest_offset = entry.src_offset;
   mapping->src_dbits = entry.dest_dbits.value_or(tdm::DataLines{});
   mapping->src_offset = entry.dest_offset;
   return mapping;
+}
+
+std::unique_ptr<TDMMapping> TDMMapping::opposite() const
+{
+  std::unique_ptr<TDMMapping> back(::new (tdm::object_block<TDMMapping>) TDMMapping());
+  back->sourceLocations = sourceLocations;
+  back->name = name;
+  if (source_ != nullptr)
+    back->store_destination(*source_end_.destination, source_end_);
+  else
+    back->store_source(*destination_end_.source, destination_end_);
+  back->dest_dbits = src_dbits;
+  back->dest_offset = src_offset;
+  back->src_dbits = dest_dbits;
+  back->src_offset = dest_offset;
+  back->size = size;
+  back->bank = bank;
+  back->dest_bank = dest_bank;
+  back->reserved = reserved;
+  back->priority = tdm::wrap_mul(priority, -1);
+  back->exec_priority = tdm::wrap_mul(exec_priority, -1);
+  return back;
 }
 
 void TDMMapping::store_source(TDMMapSource &object, const tdm::MapEnd &end)
@@ -130,6 +155,7 @@ void TDMMapping::rescale_size()
   const int64_t from = destination_->get_mau_size();
   const int64_t to = source_->get_mau_size();
   if (to < 1) throw new AddressValue::MauException;
+  if (from == to) return;
   // The remainder and both units are below 2^31, so that only a result that is too big wraps.
   size = tdm::wrap_add(tdm::wrap_mul(size / to, from), size % to * from / to);
 }
@@ -140,8 +166,8 @@ void TDMMapping::compute_intervals()
   const AddressValue destination_low(dest_offset, 0, destination_->get_mau_size(), dest_bank);
   shift_ = source_low.mau == destination_low.mau && moves_by_distance(source_low.mau);
   if (shift_) {
-    source_interval_ = shifted_span(source_low, size);
-    destination_interval_ = shifted_span(destination_low, size);
+    set_shifted_span(source_interval_, source_low, size);
+    set_shifted_span(destination_interval_, destination_low, size);
   } else {
     const Interval::Pattern source_lines = line_pattern(src_dbits, source_end_.width);
     const Interval::Pattern destination_lines = line_pattern(dest_dbits, destination_end_.width);
@@ -164,7 +190,7 @@ bool TDMMapping::moves_by_distance(int32_t mau) const
   int64_t end = 0;
   return mau > 0 && all_connected(src_dbits, source_end_) &&
          all_connected(dest_dbits, destination_end_) &&
-         common_width(source_end_.width, destination_end_.width) <= Interval::Pattern::max_width &&
-         size > 0 && !__builtin_add_overflow(src_offset, size, &end) &&
+         have_common_mask(source_end_.width, destination_end_.width) && size > 0 &&
+         !__builtin_add_overflow(src_offset, size, &end) &&
          !__builtin_add_overflow(dest_offset, size, &end) && bank >= -1 && dest_bank >= -1;
 }

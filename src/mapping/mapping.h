@@ -54,6 +54,10 @@ struct TDMMapping : TDMObject {
   [[nodiscard]] static std::unique_ptr<TDMMapping>
   reversed(const tdm::MapEntry &entry, TDMMapDestination &destination, const tdm::MapEnd &end);
 
+  /// The edge back that the same entry makes between two buses, to be completed with the same end
+  /// as this one, which isn't complete yet.
+  [[nodiscard]] std::unique_ptr<TDMMapping> opposite() const;
+
   ~TDMMapping();
   TDMMapping(const TDMMapping &) = delete;
   TDMMapping &operator=(const TDMMapping &) = delete;
@@ -101,6 +105,7 @@ struct TDMMapping : TDMObject {
 private:
   friend class tdm::MappingIndex;
 
+  TDMMapping() = default;
   TDMMapping(const tdm::MapEntry &entry, int32_t sign);
 
   void store_source(TDMMapSource &object, const tdm::MapEnd &end);

@@ -59,8 +59,7 @@ std::string TDMBus::full_name() const
 }
 
 void TDMBus::resolve_mappings(const TDMFileBus &record, Form form, const tdm::BusesInReach &reach,
-                              const tdm::Text *processor, const tdm::Text *core,
-                              const tdm::ArgumentScope &scope)
+                              const tdm::Text *processor, const tdm::Text *core)
 {
   // The entries of the record come first in owned_; the edges of the opposite direction, which are
   // added here, go behind them.
@@ -72,16 +71,14 @@ void TDMBus::resolve_mappings(const TDMFileBus &record, Form form, const tdm::Bu
                                    "Could not find bus destination \"" +
                                        tdm::prefixed_name(processor, core, *entry.destination) +
                                        "\" in a mapping from bus " + full_name());
-    std::unique_ptr<TDMMapping> opposite;
+    std::unique_ptr<TDMMapping> opposite = owned_[i]->opposite();
     if (form == Form::reversed) {
       owned_[i]->set_source(*other, tdm::map_end(*other));
-      opposite = tdm::make_forward_mapping(entry, scope, *this, tdm::map_end(*this));
       outgoing_.push_back(opposite.get());
       owned_.push_back(std::move(opposite));
       owned_.back()->set_destination(*other, tdm::map_end(*other));
     } else {
       owned_[i]->set_destination(*other, tdm::map_end(*other));
-      opposite = tdm::make_reversed_mapping(entry, scope, *this, tdm::map_end(*this));
       incoming_.push_back(opposite.get());
       owned_.push_back(std::move(opposite));
       owned_.back()->set_source(*other, tdm::map_end(*other));

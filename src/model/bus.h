@@ -34,8 +34,7 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   /// Finds the bus at the other end of each mapping, and adds the edge of the opposite direction.
   /// `processor` and `core` prefix the names that the entries give; each may be null.
   void resolve_mappings(const TDMFileBus &record, Form form, const tdm::BusesInReach &reach,
-                        const tdm::Text *processor, const tdm::Text *core,
-                        const tdm::ArgumentScope &scope);
+                        const tdm::Text *processor, const tdm::Text *core);
 
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;

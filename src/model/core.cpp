@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "common/make_object.h"
 #include "language/records.h"
 #include "layout/record_values.h"
 #include "model/buses_in_reach.h"
@@ -45,7 +46,7 @@ public:
     for (const ArchitectureLevel &level : chain_) {
       for (const auto &bus : level.record->buses)
         core_.buses[next_bus++]->resolve_mappings(*bus, TDMBus::Form::forward, reach,
-                                                  core_.processor_name, &core_.name, level.scope);
+                                                  core_.processor_name, &core_.name);
       for (const auto &space : level.record->spaces)
         core_.spaces[next_space++]->resolve_mappings(core_, reach, *space);
     }
@@ -75,13 +76,13 @@ private:
   {
     if (core_.buses.empty()) core_.buses.reserve(record.buses.size());
     for (const auto &bus_record : record.buses) {
-      auto bus = std::make_unique<TDMBus>(*bus_record, TDMBus::Form::forward, scope);
+      auto bus = make_object<TDMBus>(*bus_record, TDMBus::Form::forward, scope);
       bus->core_name = &core_.name;
       bus->processor_name = core_.processor_name;
       core_.buses.push_back(std::move(bus));
     }
     for (const auto &space_record : record.spaces)
-      core_.add_space(std::make_unique<TDMAllocSpace>(*space_record, core_, scope));
+      core_.add_space(make_object<TDMAllocSpace>(*space_record, core_, scope));
   }
 
   /// A core may narrow what its architecture offers, and a base must offer all that is left.
@@ -230,7 +231,7 @@ void TDMCore::check(const tdm::CheckRunner &runner)
     throw new TDMSyntaxException(at_name, "core " + full_name() + " has no spaces");
   check_names();
   for (const auto &space : spaces) runner.run([&space] { space->check_mappings(); });
-  if (!imported) add_space(std::make_unique<TDMVoidSpace>("non alloc", 0, 8));
+  if (!imported) add_space(tdm::make_object<TDMVoidSpace>("non alloc", 0, 8));
   for (const auto &space : spaces)
     if (space->start_address != nullptr)
       set_start_address(*space, space->location_or("start_address"));

@@ -1,6 +1,7 @@
 // Builds memories, global ones and those of a processor, and connects them to their buses.
 #include "model/memory.h"
 
+#include "common/make_object.h"
 #include "language/records.h"
 #include "layout/record_values.h"
 #include "model/buses_in_reach.h"
@@ -40,7 +41,7 @@ TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scop
 
   if (record.fillSpec != nullptr)
     fill_spec =
-        std::make_unique<TDMFillSpec>(*record.fillSpec, scope, tdm::place_of(record, "fillSpec"));
+        tdm::make_object<TDMFillSpec>(*record.fillSpec, scope, tdm::place_of(record, "fillSpec"));
   if (record.memtype == 0)
     throw new TDMSyntaxException(at_name(), "no type or attributes set for memory " + name);
   type = static_cast<int32_t>(record.memtype);
@@ -89,7 +90,6 @@ Interval TDMMemory::address_range() const
 void TDMMemory::resolve_mappings(std::span<const tdm::Text> destinations,
                                  const tdm::BusesInReach &reach, const tdm::Text *processor)
 {
-  const Interval whole = address_range();
   for (size_t i = 0; i < destinations.size(); ++i) {
     TDMMapping &mapping = *owned_[i];
     TDMBus *bus = reach.find(destinations[i]);
@@ -103,8 +103,7 @@ void TDMMemory::resolve_mappings(std::span<const tdm::Text> destinations,
     const Interval &reached = mapping.destination_interval();
     const bool inside =
         reached.low.value >= 0 &&
-        (reached.high.value < size || (reached.high.value == size && reached.high.bits == 0)) &&
-        whole.pattern.contains(reached.pattern);
+        (reached.high.value < size || (reached.high.value == size && reached.high.bits == 0));
     if (!inside)
       throw new TDMSyntaxException(mapping.location_or("destination"),
                                    "one or more mappings from memory " + name +

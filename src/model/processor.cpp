@@ -1,6 +1,7 @@
 // Instantiates the chain of derivatives of a processor.
 #include "model/processor.h"
 
+#include "common/make_object.h"
 #include "language/records.h"
 #include "layout/record_values.h"
 #include "mapping/interval_set.h"
@@ -63,7 +64,7 @@ public:
     for (const DerivativeLevel &level : chain_) {
       for (const auto &bus : level.record->buses)
         processor_.buses[next_bus++]->resolve_mappings(*bus, TDMBus::Form::forward, reach,
-                                                       &processor_.name, nullptr, level.scope);
+                                                       &processor_.name, nullptr);
       for (const auto &memory : level.record->memories) {
         destinations.cut(0);
         for (const auto &entry : memory->mappings) destinations.push_back(*entry->destination);
@@ -113,17 +114,16 @@ private:
   {
     const size_t first_core = processor_.cores.size();
     for (const auto &core : record.cores) {
-      processor_.cores.push_back(
-          std::make_unique<TDMCore>(*core, processor_.name, templates_, scope));
+      processor_.cores.push_back(make_object<TDMCore>(*core, processor_.name, templates_, scope));
     }
     if (processor_.buses.empty()) processor_.buses.reserve(record.buses.size());
     for (const auto &bus : record.buses) {
-      processor_.buses.push_back(std::make_unique<TDMBus>(*bus, TDMBus::Form::forward, scope));
+      processor_.buses.push_back(make_object<TDMBus>(*bus, TDMBus::Form::forward, scope));
       processor_.buses.back()->processor_name = &processor_.name;
     }
     if (processor_.memories.empty()) processor_.memories.reserve(record.memories.size());
     for (const auto &memory : record.memories) {
-      processor_.memories.push_back(std::make_unique<TDMMemory>(*memory, scope));
+      processor_.memories.push_back(make_object<TDMMemory>(*memory, scope));
       processor_.memories.back()->processor_name = &processor_.name;
     }
     // The cores of earlier levels have passed already, and their ranges don't change.

@@ -2,6 +2,7 @@
 #include "model/section_items.h"
 
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "language/records.h"
 #include "layout/layout_builder.h"
 #include "layout/memory_routes.h"
@@ -129,9 +130,9 @@ void SectionItems::apply_setup(const TDMFileSectionSetup &record, const Argument
       space.vector_tables.push_back(build_vector_table(*table, context));
     add_reserved_ranges(record, context.scope, space);
     for (const auto &stack : record.stacks)
-      space.stacks.push_back(std::make_unique<TDMStackDef>(*stack, context.scope));
+      space.stacks.push_back(make_object<TDMStackDef>(*stack, context.scope));
     for (const auto &heap : record.heaps)
-      space.heaps.push_back(std::make_unique<TDMHeapDef>(*heap, context.scope));
+      space.heaps.push_back(make_object<TDMHeapDef>(*heap, context.scope));
     add_copy_table(record, context.scope, target);
     set_start_address(record, context.scope, target);
     prohibit_references(record, space);
@@ -158,7 +159,7 @@ void SectionItems::add_reserved_ranges(const TDMFileSectionSetup &record,
   for (const FileRange &range : record.reservedRanges) {
     const int64_t low = evaluate(*range.low, scope, place);
     const int64_t high = evaluate(*range.high, scope, place);
-    space.reserved_ranges.push_back(std::make_unique<TDMReservedRange>(low, high));
+    space.reserved_ranges.push_back(make_object<TDMReservedRange>(low, high));
   }
 }
 
@@ -169,7 +170,7 @@ void SectionItems::add_copy_table(const TDMFileSectionSetup &record, const Argum
   TDMSpace &space = *target.space;
   if (record.copyTables.empty() || space.copy_table != nullptr) return;
   const TDMFileCopyTable &table = *record.copyTables.front();
-  space.copy_table = std::make_unique<TDMCopyTable>(table, scope);
+  space.copy_table = make_object<TDMCopyTable>(table, scope);
   space.copy_table->resolve(table, SetupSpaceLookup(targets_, *target.core));
   const TDMSourceLocation place = location_in(record, "section_setup");
   space.sourceLocations.store("table", place);
@@ -186,7 +187,7 @@ void SectionItems::set_start_address(const TDMFileSectionSetup &record, const Ar
   if (space.start_address != nullptr)
     throw new TDMSyntaxException(
         place, "trying to set start address in a section setup while it was already set elsewhere");
-  space.start_address = std::make_unique<TDMStartAddress>(*record.startAddress, scope);
+  space.start_address = make_object<TDMStartAddress>(*record.startAddress, scope);
   space.sourceLocations.store("start_address", place);
   if (targets_.at_file_level()) target.core->set_start_address(space, place);
 }
@@ -206,7 +207,7 @@ void SectionItems::prohibit_references(const TDMFileSectionSetup &record, TDMSpa
 void SectionItems::add_input_modifications(const TDMFileSectionSetup &record, TDMSpace &space)
 {
   for (const auto &entry : record.inputModifications) {
-    auto modification = std::make_unique<TDMInputModification>();
+    auto modification = make_object<TDMInputModification>();
     modification->sourceLocations = entry->sourceLocations;
     if (entry->space != nullptr) {
       modification->space = targets_.resolve(*entry->space);

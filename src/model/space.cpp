@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "common/make_object.h"
 #include "language/records.h"
 #include "layout/layout_builder.h"
 #include "layout/record_values.h"
@@ -107,12 +108,12 @@ void TDMAllocSpace::create_definitions(const TDMFileSpace &record, TDMCore &core
                                        const tdm::ArgumentScope &scope)
 {
   for (const auto &stack : record.stacks)
-    stacks.push_back(std::make_unique<TDMStackDef>(*stack, scope));
-  for (const auto &heap : record.heaps) heaps.push_back(std::make_unique<TDMHeapDef>(*heap, scope));
+    stacks.push_back(tdm::make_object<TDMStackDef>(*stack, scope));
+  for (const auto &heap : record.heaps) heaps.push_back(tdm::make_object<TDMHeapDef>(*heap, scope));
   if (record.copyTable != nullptr)
-    copy_table = std::make_unique<TDMCopyTable>(*record.copyTable, scope);
+    copy_table = tdm::make_object<TDMCopyTable>(*record.copyTable, scope);
   if (record.directInit != nullptr)
-    direct_init = std::make_unique<TDMDirectInit>(*record.directInit, scope);
+    direct_init = tdm::make_object<TDMDirectInit>(*record.directInit, scope);
   const tdm::LayoutContext context{
       scope, layout_view(), nullptr, core.section_names, {*core.processor_name, core.name}};
   for (const auto &table : record.vectorTables)
@@ -120,10 +121,10 @@ void TDMAllocSpace::create_definitions(const TDMFileSpace &record, TDMCore &core
   for (const auto &range : record.reservedRanges) {
     const int64_t low = tdm::number_of(record, "name", *range.low, scope);
     const int64_t high = tdm::number_of(record, "name", *range.high, scope);
-    reserved_ranges.push_back(std::make_unique<TDMReservedRange>(low, high));
+    reserved_ranges.push_back(tdm::make_object<TDMReservedRange>(low, high));
   }
   if (record.startAddress != nullptr)
-    start_address = std::make_unique<TDMStartAddress>(*record.startAddress, scope);
+    start_address = tdm::make_object<TDMStartAddress>(*record.startAddress, scope);
   if (!record.banks.empty()) bank_def = make_bank_def(*record.banks.front(), name, full_name());
 }
 

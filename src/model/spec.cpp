@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "language/parse_driver.h"
 #include "language/records.h"
 #include "mapping/interval.h"
@@ -124,10 +125,10 @@ void TDMSpec::create_processors(const TDMFileInterface &records, const tdm::Chec
 {
   const tdm::Templates templates(records.architectures, records.derivatives);
   for (const auto &record : records.processors)
-    processors.push_back(std::make_unique<TDMProcessor>(*record, templates, *this, runner));
+    processors.push_back(tdm::make_object<TDMProcessor>(*record, templates, *this, runner));
   if (processors.empty())
     for (const auto &record : records.derivatives)
-      processors.push_back(std::make_unique<TDMProcessor>(*templates.derivative(*record->name),
+      processors.push_back(tdm::make_object<TDMProcessor>(*templates.derivative(*record->name),
                                                           templates, *this, runner));
   if (processors.empty()) create_default_processors(records, templates, runner);
 }
@@ -144,7 +145,7 @@ void TDMSpec::create_default_processors(const TDMFileInterface &records,
   for (const auto &record : records.architectures) {
     if (bases.contains(*record->name)) continue;
     const auto derivative = tdm::make_default_derivative(*record, templates);
-    processors.push_back(std::make_unique<TDMProcessor>(*derivative, templates, *this, runner));
+    processors.push_back(tdm::make_object<TDMProcessor>(*derivative, templates, *this, runner));
   }
 }
 
@@ -154,12 +155,12 @@ void TDMSpec::create_globals(TDMFileInterface &records)
   tdm::PooledVector<tdm::Text> destinations; // of the mappings of memories, one after the other
   memories.reserve(records.memories.size());
   for (auto &record : records.memories) {
-    memories.push_back(std::make_unique<TDMMemory>(*record, no_parameters));
+    memories.push_back(tdm::make_object<TDMMemory>(*record, no_parameters));
     for (const auto &entry : record->mappings) destinations.push_back(*entry->destination);
     record.reset();
   }
   for (const auto &record : records.buses)
-    buses.push_back(std::make_unique<TDMBus>(*record, TDMBus::Form::reversed, no_parameters));
+    buses.push_back(tdm::make_object<TDMBus>(*record, TDMBus::Form::reversed, no_parameters));
 
   // Buses of cores are out of reach for what is global.
   tdm::BusesInReach reach;
@@ -172,8 +173,7 @@ void TDMSpec::create_globals(TDMFileInterface &records)
     unresolved = unresolved.subspan(count);
   }
   for (size_t i = 0; i < buses.size(); ++i) {
-    buses[i]->resolve_mappings(*records.buses[i], TDMBus::Form::reversed, reach, nullptr, nullptr,
-                               no_parameters);
+    buses[i]->resolve_mappings(*records.buses[i], TDMBus::Form::reversed, reach, nullptr, nullptr);
     records.buses[i].reset();
   }
 }

@@ -63,6 +63,48 @@ TEST(Mapping, ForwardAndReversedFormsOfOneEntry)
   EXPECT_EQ(bus.outgoing.back(), reversed.get());
 }
 
+std::string shown(const TDMMapping &mapping)
+{
+  std::ostringstream text;
+  text << text_of(mapping.source_interval()) << " -> " << text_of(mapping.destination_interval())
+       << " of " << mapping.size << " at " << mapping.priority << ' ' << mapping.exec_priority
+       << (mapping.reserved ? " reserved" : "") << " line "
+       << (mapping.location("map") != nullptr ? mapping.location("map")->line : 0);
+  return text.str();
+}
+
+// Whichever form is made first, its opposite is what the entry gives in the other form.
+TEST(Mapping, OppositeOfOneEntry)
+{
+  MapEntry plain = entry_of(0x100, 0x20, 0x40);
+  plain.exec_priority = 5;
+  MapEntry banked = entry_of(3, 8, 6, true);
+  banked.src_dbits = tdm::DataLines{16, 31};
+  banked.dest_dbits = tdm::DataLines{0, 15};
+  banked.bank = 2;
+  banked.dest_bank = 7;
+  banked.priority = INT32_MIN;
+  for (const MapEntry &entry : {plain, banked}) {
+    TestNode own(8, 32);
+    TestNode other(16, 32);
+    const auto forward = TDMMapping::forward(entry, own, own.end());
+    const auto reversed = TDMMapping::reversed(entry, own, own.end());
+    forward->sourceLocations.store("map", {"", 12, 1});
+    reversed->sourceLocations.store("map", {"", 12, 1});
+    const auto back = forward->opposite();
+    const auto forth = reversed->opposite();
+    EXPECT_EQ(back->destination(), static_cast<TDMMapDestination *>(&own));
+    for (const auto &mapping : {forward.get(), forth.get()})
+      mapping->set_destination(other, other.end());
+    for (const auto &mapping : {reversed.get(), back.get()})
+      mapping->set_source(other, other.end());
+    EXPECT_EQ(shown(*forth), shown(*forward));
+    EXPECT_EQ(shown(*back), shown(*reversed));
+    EXPECT_EQ(forth->source_as_destination(), forward->source_as_destination());
+    EXPECT_EQ(back->destination_as_source(), reversed->destination_as_source());
+  }
+}
+
 TEST(Mapping, SizesAreRescaledToTheSource)
 {
   struct Row {
