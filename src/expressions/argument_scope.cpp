@@ -15,14 +15,21 @@ ExpressionOperands operands_of(const TDMFileExpression &record)
   return expression_operands(const_cast<TDMFileExpression &>(record));
 }
 
-std::size_t count_terms(const TDMFileExpression &record)
+struct Terms {
+  std::size_t count = 0;
+  bool are_constant = true; ///< there is no variable among them
+};
+
+Terms terms_of(const TDMFileExpression &record)
 {
-  std::size_t terms = 0;
+  Terms terms;
   WorkStack<const TDMFileExpression *> pending;
   pending.push(&record);
   while (!pending.empty()) {
-    const ExpressionOperands operands = operands_of(*pending.pop());
-    ++terms;
+    const TDMFileExpression &next = *pending.pop();
+    ++terms.count;
+    if (next.kind() == kExprVarRef) terms.are_constant = false;
+    const ExpressionOperands operands = operands_of(next);
     for (std::size_t i = 0; i < operands.count; ++i) pending.push(operands.slots[i]->get());
   }
   return terms;
@@ -40,12 +47,9 @@ public:
   {
     if (argument.kind() == kExprVarRef)
       return {value_of(static_cast<const TDMExprVarRef &>(argument)), nullptr};
-    if (argument.kind() == kExprNumber) {
-      count(1);
-      return {&argument, nullptr};
-    }
-    if (!has_variables(argument)) {
-      count(count_terms(argument));
+    const Terms terms = terms_of(argument);
+    if (terms.are_constant) {
+      count(terms.count);
       return {&argument, nullptr};
     }
     ExpressionPtr copy = rewritten_copy(argument);
@@ -54,19 +58,6 @@ public:
   }
 
 private:
-  static bool has_variables(const TDMFileExpression &record)
-  {
-    WorkStack<const TDMFileExpression *> pending;
-    pending.push(&record);
-    while (!pending.empty()) {
-      const TDMFileExpression &next = *pending.pop();
-      if (next.kind() == kExprVarRef) return true;
-      const ExpressionOperands operands = operands_of(next);
-      for (std::size_t i = 0; i < operands.count; ++i) pending.push(operands.slots[i]->get());
-    }
-    return false;
-  }
-
   ExpressionPtr rewritten_copy(const TDMFileExpression &argument)
   {
     struct Pair {
@@ -99,7 +90,7 @@ private:
       const TDMSourceLocation *known = variable.find_location("name");
       report_unbound(variable.name, known != nullptr ? *known : place_);
     }
-    if (binding->terms == 0) binding->terms = count_terms(*binding->record);
+    if (binding->terms == 0) binding->terms = terms_of(*binding->record).count;
     count(binding->terms);
     return binding->record;
   }
@@ -156,16 +147,24 @@ void ArgumentScope::bind(const FileParameters &parameters, Arguments arguments)
   bound_.clear();
   bound_names_ = {};
   bound_.reserve(parameters.size());
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    const bool is_given = i < arguments.size();
-    const ExpressionPtr &otherwise = parameters[i].defaultValue;
-    if (!is_given && !otherwise) throw new TDMTooFewArgumentsException;
-    bound_.push_back(
-        {parameters[i].name, is_given ? Binding{arguments[i].record, std::move(arguments[i].owned)}
-                                      : Binding{otherwise.get(), nullptr}});
-    const uint32_t first = bound_names_.append(NameAt{bound_});
-    if (first != i) bound_[first].binding = std::move(bound_[i].binding);
+  auto given = arguments.begin();
+  for (const FileParameter &parameter : parameters) {
+    const bool is_given = given != arguments.end();
+    if (!is_given && !parameter.defaultValue) throw new TDMTooFewArgumentsException;
+    Binding binding{parameter.defaultValue.get(), nullptr};
+    if (is_given) {
+      binding = {given->record, std::move(given->owned)};
+      ++given;
+    }
+    append(parameter.name, std::move(binding));
   }
+}
+
+void ArgumentScope::append(Text name, Binding binding)
+{
+  Parameter &last = bound_.emplace_back(name, std::move(binding));
+  Parameter &first = bound_[bound_names_.append(NameAt{bound_})];
+  if (&first != &last) first.binding = std::move(last.binding);
 }
 
 void ArgumentScope::bind(Text name, ExpressionPtr record)
@@ -184,9 +183,12 @@ ArgumentScope::Binding &ArgumentScope::single(Text name) const
 ArgumentScope ArgumentScope::copy() const
 {
   ArgumentScope result;
-  for (std::size_t i = 0; i < bound_.size(); ++i)
-    if (bound_names_.find(bound_[i].name, NameAt{bound_}) == i)
-      result.bind(bound_[i].name, bound_[i].binding.record->clone());
+  for (std::size_t i = 0; i < bound_.size(); ++i) {
+    if (bound_names_.find(bound_[i].name, NameAt{bound_}) != i) continue;
+    ExpressionPtr record = bound_[i].binding.record->clone();
+    const TDMFileExpression *bound = record.get();
+    result.append(bound_[i].name, {bound, std::move(record)});
+  }
   return result;
 }
 

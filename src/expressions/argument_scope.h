@@ -95,6 +95,8 @@ public:
 
 private:
   struct Parameter {
+    Parameter(Text name_, Binding binding_) : name(name_), binding(std::move(binding_)) {}
+
     Text name;
     Binding binding;
   };
@@ -117,6 +119,7 @@ private:
         by_name;
   };
 
+  void append(Text name, Binding binding);
   const Binding *find_memory(std::string_view name) const;
   Binding &single(Text name) const;
 

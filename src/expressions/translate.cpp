@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "expressions/applications.h"
 #include "expressions/arithmetic.h"
 #include "expressions/checksum.h"
@@ -21,6 +22,16 @@ using Slot = std::unique_ptr<TDMExpression>;
 std::string memory_name(std::string_view prefix, std::string_view memory)
 {
   return std::string(prefix).append(memory);
+}
+
+bool is_number(const TDMFileExpression &record)
+{
+  return record.kind() == tdm::kExprNumber;
+}
+
+Slot number(const TDMFileExpression &record)
+{
+  return tdm::make_object<TDMNumber>(static_cast<const TDMExprNumber &>(record).value);
 }
 
 /// Numbers translations, so that each tells its own marks in bindings from older ones.
@@ -58,9 +69,14 @@ private:
     bool in_binding; ///< the record is that of a variable, or part of it
   };
 
-  void translate(const TDMFileExpression &record, Slot &slot)
+  void count_term()
   {
     if (++terms_ > tdm::term_limit) tdm::report_too_large(place_);
+  }
+
+  void translate(const TDMFileExpression &record, Slot &slot)
+  {
+    count_term();
     switch (record.kind()) {
     case tdm::kExprVarRef: {
       const auto &variable = static_cast<const TDMExprVarRef &>(record);
@@ -90,7 +106,13 @@ private:
       return;
     }
     slot = without_children(record);
-    for (std::size_t n = operands.count; n > 0; --n)
+    // Numbers in front needn't wait for their turn: it is now.
+    std::size_t done = 0;
+    for (; done < operands.count && is_number(**operands.slots[done]); ++done) {
+      count_term();
+      tdm::ExpressionTree::slot(*slot, done) = number(**operands.slots[done]);
+    }
+    for (std::size_t n = operands.count; n > done; --n)
       pending_.push({operands.slots[n - 1]->get(), &tdm::ExpressionTree::slot(*slot, n - 1),
                      nullptr, in_binding_});
   }
@@ -100,7 +122,7 @@ private:
     switch (record.kind()) {
     case tdm::kExprUnary: {
       const std::int32_t op = static_cast<const TDMExprUnaryApplication &>(record).op;
-      return located(std::make_unique<TDMUnaryApplication>(op, nullptr, place_), record);
+      return located(tdm::make_object<TDMUnaryApplication>(op, nullptr, place_), record);
     }
     case tdm::kExprBinary: {
       const std::int32_t op = static_cast<const TDMExprBinaryApplication &>(record).op;
@@ -111,14 +133,14 @@ private:
     case tdm::kExprMin:
       return binary(TDM_BINARY_MIN);
     case tdm::kExprAbsolute:
-      return located(std::make_unique<TDMUnaryApplication>(TDM_UNARY_ABSOLUTE, nullptr, place_),
+      return located(tdm::make_object<TDMUnaryApplication>(TDM_UNARY_ABSOLUTE, nullptr, place_),
                      record);
     case tdm::kExprChecksum: {
       const std::int32_t kind = static_cast<const TDMExprChecksum &>(record).algo;
-      return located(std::make_unique<TDMChecksum>(kind, nullptr, nullptr, place_), record);
+      return located(tdm::make_object<TDMChecksum>(kind, nullptr, nullptr, place_), record);
     }
     default:
-      return std::make_unique<TDMConditionalExpression>(nullptr, nullptr, nullptr);
+      return tdm::make_object<TDMConditionalExpression>(nullptr, nullptr, nullptr);
     }
   }
 
@@ -126,19 +148,19 @@ private:
   {
     switch (record.kind()) {
     case tdm::kExprNumber:
-      slot = std::make_unique<TDMNumber>(static_cast<const TDMExprNumber &>(record).value);
+      slot = number(record);
       break;
     case tdm::kExprSymbolRef: {
       const auto &symbol = static_cast<const TDMExprSymbolRef &>(record);
-      slot = located(std::make_unique<TDMSymbolRef>(symbol.name, place_), record);
+      slot = located(tdm::make_object<TDMSymbolRef>(symbol.name, place_), record);
       break;
     }
     case tdm::kExprDefined:
-      slot = std::make_unique<TDMDefinedSymbol>(
+      slot = tdm::make_object<TDMDefinedSymbol>(
           static_cast<const TDMExprDefined &>(record).symbolName);
       break;
     case tdm::kExprExists:
-      slot = std::make_unique<TDMSectionExists>(
+      slot = tdm::make_object<TDMSectionExists>(
           static_cast<const TDMExprExists &>(record).sectionName, place_);
       break;
     case tdm::kExprAddress: {
@@ -147,7 +169,7 @@ private:
         return enter_variable(memory_name(tdm::memory_address_prefix, address.objName),
                               location(record, "objName"), slot);
       slot = located(
-          std::make_unique<TDMAddressExpression>(address.objType, address.objName, place_), record);
+          tdm::make_object<TDMAddressExpression>(address.objType, address.objName, place_), record);
       break;
     }
     default: {
@@ -155,7 +177,7 @@ private:
       if (size.objType == tdm::kSizeMemory)
         return enter_variable(memory_name(tdm::memory_size_prefix, size.objName),
                               location(record, "objName"), slot);
-      slot = located(std::make_unique<TDMSizeOf>(size.objType, size.objName, place_), record);
+      slot = located(tdm::make_object<TDMSizeOf>(size.objType, size.objName, place_), record);
       break;
     }
     }
@@ -178,7 +200,7 @@ private:
 
   [[nodiscard]] Slot binary(std::int32_t op) const
   {
-    return std::make_unique<TDMBinaryApplication>(op, nullptr, nullptr, place_);
+    return tdm::make_object<TDMBinaryApplication>(op, nullptr, nullptr, place_);
   }
 
   // What a variable is bound to counts as written where the variable is.
@@ -271,7 +293,7 @@ std::unique_ptr<TDMExpression> tdm_translate_expression(const TDMFileExpression 
 {
   if (record == nullptr) return nullptr;
   if (const TDMExprNumber *number = plain_number(*record, scope))
-    return std::make_unique<TDMNumber>(number->value);
+    return tdm::make_object<TDMNumber>(number->value);
   return Translation(scope, place).run(*record);
 }
 

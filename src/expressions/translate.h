@@ -6,7 +6,9 @@
 #include <memory>
 #include <optional>
 
+#include "common/make_object.h"
 #include "common/source_location.h"
+#include "expressions/applications.h"
 #include "expressions/argument_scope.h"
 #include "expressions/expression.h"
 #include "language/expr_records.h"
@@ -19,6 +21,18 @@ tdm_translate_expression(const TDMFileExpression *record, const tdm::ArgumentSco
                          const TDMSourceLocation &place);
 
 namespace tdm {
+
+/// As tdm_translate_expression(), with a place that is asked for when it is needed: most properties
+/// are plain numbers.
+template <typename Place>
+[[nodiscard]] std::unique_ptr<TDMExpression>
+translate_expression(const TDMFileExpression *record, const ArgumentScope &scope, Place place)
+{
+  if (record == nullptr) return nullptr;
+  if (record->kind() == kExprNumber)
+    return make_object<TDMNumber>(static_cast<const TDMExprNumber &>(*record).value);
+  return tdm_translate_expression(record, scope, place());
+}
 
 /// The record's value without an environment, if it is a small expression of numbers; else nothing,
 /// and evaluate() has the answer.

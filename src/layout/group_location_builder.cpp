@@ -2,6 +2,7 @@
 #include "layout/group_location_builder.h"
 
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "expressions/translate.h"
 #include "language/layout_records.h"
 
@@ -14,7 +15,7 @@ public:
   LocationBuilder(const TDMFileGroupLocation &record, const LayoutContext &context,
                   const TDMSourceLocation &group_place)
       : record_(record), context_(context), group_place_(group_place),
-        location_(std::make_unique<TDMGroupLocation>(context.space))
+        location_(make_object<TDMGroupLocation>(context.space))
   {
     location_->sourceLocations = record.sourceLocations;
     location_->group_place = group_place;
@@ -83,8 +84,7 @@ private:
 
   std::unique_ptr<TDMExpression> translate(const ExpressionPtr &expression, LocationKey key) const
   {
-    if (expression == nullptr) return nullptr;
-    return tdm_translate_expression(expression.get(), context_.scope, place(key));
+    return translate_expression(expression.get(), context_.scope, [&] { return place(key); });
   }
 
   TDMSourceLocation place(LocationKey key) const

@@ -3,6 +3,7 @@
 #include "layout/layout_builder.h"
 
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "language/layout_records.h"
 #include "layout/group.h"
 #include "layout/group_location_builder.h"
@@ -72,7 +73,7 @@ private:
 
   template <class Statement> std::unique_ptr<Statement> start(const TDMFileObject &record)
   {
-    auto statement = std::make_unique<Statement>();
+    auto statement = make_object<Statement>();
     statement->sourceLocations = record.sourceLocations;
     return statement;
   }
@@ -248,15 +249,15 @@ private:
   std::unique_ptr<TDMExpression> translate(const TDMFileObject &record, LocationKey key,
                                            const ExpressionPtr &expression) const
   {
-    if (expression == nullptr) return nullptr;
-    return tdm_translate_expression(expression.get(), context_.scope, place(record, key));
+    return translate_expression(expression.get(), context_.scope,
+                                [&] { return place(record, key); });
   }
 
   std::unique_ptr<TDMFillSpec> fill(const TDMFileObject &record,
                                     const std::unique_ptr<TDMFileFillSpec> &fill_record) const
   {
     if (fill_record == nullptr) return nullptr;
-    return std::make_unique<TDMFillSpec>(*fill_record, context_.scope, place(record, "fillSpec"));
+    return make_object<TDMFillSpec>(*fill_record, context_.scope, place(record, "fillSpec"));
   }
 
   /// Where the key was stored; else where anything of the statement is known to stand.
@@ -282,7 +283,7 @@ private:
 std::unique_ptr<TDMSectionLayout> build_section_layout(const TDMFileSectionLayout &record,
                                                        const LayoutContext &context)
 {
-  auto layout = std::make_unique<TDMSectionLayout>();
+  auto layout = make_object<TDMSectionLayout>();
   layout->sourceLocations = record.sourceLocations;
   layout->locate_direction = record.locateDirection;
   layout->statement =
@@ -292,8 +293,7 @@ std::unique_ptr<TDMSectionLayout> build_section_layout(const TDMFileSectionLayou
 
 std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectionStatement &record)
 {
-  auto statement =
-      std::make_unique<TDMSelectionStatement>(record.sourceLocations, record.sectionName);
+  auto statement = make_object<TDMSelectionStatement>(record.sourceLocations, record.sectionName);
   statement->use_reference_tree = record.referenceTree;
   statement->selectors.reserve(record.selectors.size());
   for (const auto &selector : record.selectors)
@@ -304,8 +304,8 @@ std::unique_ptr<TDMSelectionStatement> build_selection(const TDMFileSelectSectio
 std::unique_ptr<TDMSectionSelector> build_selector(const TDMFileSelector &record)
 {
   const auto &attributes = static_cast<const TDMFileSelectAttrs &>(record);
-  return std::make_unique<TDMSectionAttributesSelector>(attributes_of(attributes.attributesSet),
-                                                        attributes_of(attributes.attributesNotSet));
+  return make_object<TDMSectionAttributesSelector>(attributes_of(attributes.attributesSet),
+                                                   attributes_of(attributes.attributesNotSet));
 }
 
 LayoutMemory find_memory(const LayoutContext &context, Text name, const std::string &what,

@@ -28,6 +28,14 @@ inline int64_t number_of(const TDMFileObject &record, LocationKey key,
   return evaluate(value, scope, place_of(record, key));
 }
 
+/// The property as an expression, or null if it isn't there.
+inline std::unique_ptr<TDMExpression> expression_of(const TDMFileObject &record, LocationKey key,
+                                                    const TDMFileExpression *value,
+                                                    const ArgumentScope &scope)
+{
+  return translate_expression(value, scope, [&] { return place_of(record, key); });
+}
+
 /// The same for a property that is kept in 32 bits: the low 32 bits count.
 inline int32_t number32_of(const TDMFileObject &record, LocationKey key,
                            const TDMFileExpression &value, const ArgumentScope &scope)

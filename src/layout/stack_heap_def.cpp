@@ -8,8 +8,7 @@
 TDMStackOrHeapDef::TDMStackOrHeapDef(const TDMFileStackOrHeapDef &record,
                                      const tdm::ArgumentScope &scope)
     : TDMObject{record.sourceLocations}, name(record.name.value_or("")),
-      minimal_size(tdm_translate_expression(record.minimalSize.get(), scope,
-                                            tdm::place_of(record, "minimalSize"))),
+      minimal_size(tdm::expression_of(record, "minimalSize", record.minimalSize.get(), scope)),
       high_to_low(record.growDirection == tdm::kHighToLow),
       alignment(tdm::number32_or(record, "alignment", record.alignment.get(), scope, 1)),
       fixed(record.fixed)
@@ -17,8 +16,7 @@ TDMStackOrHeapDef::TDMStackOrHeapDef(const TDMFileStackOrHeapDef &record,
 }
 
 TDMStackDef::TDMStackDef(const TDMFileStackDef &record, const tdm::ArgumentScope &scope)
-    : TDMStackOrHeapDef(record, scope),
-      id(tdm_translate_expression(record.id.get(), scope, tdm::place_of(record, "id")))
+    : TDMStackOrHeapDef(record, scope), id(tdm::expression_of(record, "id", record.id.get(), scope))
 {
   if (minimal_size == nullptr)
     throw new TDMSyntaxException(tdm::place_of(record, "name"),

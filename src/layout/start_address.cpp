@@ -11,7 +11,7 @@ TDMStartAddress::TDMStartAddress(const TDMFileStartAddress &record, const tdm::A
   if (!record.symbolName)
     throw new TDMUnexpectedErrorException(tdm::place_of(record, "start_address"),
                                           "no symbol name found in start address specification");
-  address = tdm_translate_expression(record.value.get(), scope, tdm::place_of(record, "value"));
+  address = tdm::expression_of(record, "value", record.value.get(), scope);
   symbol = *record.symbolName;
   bank = record.bank;
 }

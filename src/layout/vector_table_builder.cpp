@@ -1,5 +1,6 @@
 // Builds vector tables, and enters the names that they mention.
 #include "common/failures.h"
+#include "common/make_object.h"
 #include "expressions/applications.h"
 #include "language/table_records.h"
 #include "layout/layout_builder.h"
@@ -14,7 +15,7 @@ namespace {
 class VectorTableBuilder {
 public:
   VectorTableBuilder(const TDMFileVectorTable &record, const LayoutContext &context)
-      : record_(record), context_(context), table_(std::make_unique<TDMVectorTable>())
+      : record_(record), context_(context), table_(make_object<TDMVectorTable>())
   {
   }
 
@@ -61,7 +62,7 @@ private:
       throw new TDMSyntaxException(place,
                                    "absolute location in memory for group does not map to space " +
                                        full_name(context_.space));
-    table_->run_address = std::make_unique<TDMNumber>(routes.front().value);
+    table_->run_address = make_object<TDMNumber>(routes.front().value);
   }
 
   void require_items() const
@@ -80,7 +81,7 @@ private:
 
   void add_vector(const TDMFileVector &record)
   {
-    auto vector = std::make_unique<TDMVector>();
+    auto vector = make_object<TDMVector>();
     vector->sourceLocations = record.sourceLocations;
     vector->ids.reserve(record.ids.ranges().size());
     for (const auto &[low, high] : record.ids.ranges()) vector->ids.emplace_back(low, high);
@@ -100,7 +101,7 @@ private:
                                              const SourceLocations &places, LocationKey key) const
   {
     if (record == nullptr) return nullptr;
-    auto value = std::make_unique<TDMVectorValue>();
+    auto value = make_object<TDMVectorValue>();
     value->sourceLocations = record->sourceLocations;
     value->type = static_cast<TDMVectorValue::Type>(record->type);
     value->symbol = record->symbolName;
@@ -130,8 +131,7 @@ private:
 
   std::unique_ptr<TDMExpression> translate(const ExpressionPtr &expression, LocationKey key) const
   {
-    if (expression == nullptr) return nullptr;
-    return tdm_translate_expression(expression.get(), context_.scope, place_of(record_, key));
+    return expression_of(record_, key, expression.get(), context_.scope);
   }
 
   const TDMFileVectorTable &record_;
