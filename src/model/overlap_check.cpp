@@ -5,7 +5,6 @@
 #include <functional>
 
 #include "common/failures.h"
-#include "mapping/shift.h"
 #include "mapping/walk.h"
 #include "model/spec.h"
 
@@ -20,8 +19,10 @@ public:
   bool lie_apart(const PooledVector<std::unique_ptr<TDMMemory>> &memories, bool global)
   {
     claims_.clear();
+    in_order_ = true;
     for (const auto &memory : memories)
       if (!add(*memory, global)) return false;
+    if (in_order_) return true;
     std::sort(claims_.begin(), claims_.end());
     for (size_t i = 1; i < claims_.size(); ++i)
       if (claims_[i].bus == claims_[i - 1].bus && claims_[i].low < claims_[i - 1].high)
@@ -44,22 +45,29 @@ private:
   /// Memories of different owners don't meet unless a global one is on the bus of a processor.
   bool add(const TDMMemory &memory, bool global)
   {
-    const Interval whole = memory.address_range();
     for (const TDMMapping *mapping : memory.incoming_mappings()) {
-      Interval claim;
-      if (mapping->source_kind() != NodeKind::bus || !takes_short_way(*mapping, whole))
+      // Such a mapping doesn't leave the range of numbers, nor the memory if it ends inside.
+      if (mapping->source_kind() != NodeKind::bus || !mapping->is_shift()) return false;
+      if (mapping->dest_offset < 0 || mapping->dest_offset + mapping->size > memory.size)
         return false;
       if (global && static_cast<const TDMBus *>(mapping->source())->processor_name != nullptr)
         return false;
-      if (!shift(MapDirection::backward, *mapping, whole, claim)) continue;
-      if (claim.low.bank != -1 || claim.low.bits != 0 || claim.high.bits != 0) return false;
-      if (claim.low.value >= claim.high.value) return false; // nothing, or past the last address
-      claims_.push_back({mapping->source(), claim.low.value, claim.high.value});
+      if (mapping->dest_bank != -1) continue; // carries nothing that is in no bank
+      if (mapping->bank != -1) return false;
+      claim({mapping->source(), mapping->src_offset, mapping->src_offset + mapping->size});
     }
     return true;
   }
 
+  void claim(const Claim &next)
+  {
+    if (!claims_.empty() && (claims_.back().bus != next.bus || next.low < claims_.back().high))
+      in_order_ = false;
+    claims_.push_back(next);
+  }
+
   std::vector<Claim> claims_;
+  bool in_order_ = true; ///< each on the bus of the one before, and behind it
 };
 
 } // namespace
