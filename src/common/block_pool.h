@@ -24,6 +24,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <utility>
 #include <vector>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -329,6 +330,13 @@ template <typename T> struct PoolAllocator {
 
 /// A vector that keeps its elements in the pool: for the short lists of the many.
 template <typename T> using PooledVector = std::vector<T, PoolAllocator<T>>;
+
+/// Appends to one of the lists that mostly get a few elements: the first brings room for four.
+template <typename T> void append(PooledVector<T> &list, T element)
+{
+  if (list.capacity() == 0) list.reserve(4);
+  list.push_back(std::move(element));
+}
 
 /// Makes containers keep their elements with the records.
 template <typename T> struct RecordAllocator {

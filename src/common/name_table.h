@@ -20,7 +20,7 @@ namespace tdm {
 }
 [[nodiscard]] inline bool same_name(std::string_view a, std::string_view b)
 {
-  return a.size() == b.size() && same_bytes(a.data(), b.data(), a.size());
+  return a.size() == b.size() && (a.data() == b.data() || same_bytes(a.data(), b.data(), a.size()));
 }
 
 class NameTable {

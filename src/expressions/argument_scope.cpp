@@ -183,13 +183,23 @@ ArgumentScope::Binding &ArgumentScope::single(Text name) const
 ArgumentScope ArgumentScope::copy() const
 {
   ArgumentScope result;
-  for (std::size_t i = 0; i < bound_.size(); ++i) {
-    if (bound_names_.find(bound_[i].name, NameAt{bound_}) != i) continue;
-    ExpressionPtr record = bound_[i].binding.record->clone();
+  result.bound_.reserve(bound_.size());
+  for (const Parameter &parameter : bound_) {
+    if (!is_first(parameter)) continue;
+    ExpressionPtr record = parameter.binding.record->clone();
     const TDMFileExpression *bound = record.get();
-    result.append(bound_[i].name, {bound, std::move(record)});
+    result.append(parameter.name, {bound, std::move(record)});
   }
   return result;
+}
+
+PooledVector<Text> ArgumentScope::parameter_names() const
+{
+  PooledVector<Text> names;
+  names.reserve(bound_.size());
+  for (const Parameter &parameter : bound_)
+    if (is_first(parameter)) names.push_back(parameter.name);
+  return names;
 }
 
 Arguments ArgumentScope::substitute(const ExpressionList &arguments,

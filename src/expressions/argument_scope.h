@@ -81,6 +81,9 @@ public:
   [[nodiscard]] Arguments substitute(const ExpressionList &arguments,
                                      const TDMSourceLocation &place) const;
 
+  /// The names that bind() got as a list, in their order, each once.
+  [[nodiscard]] PooledVector<Text> parameter_names() const;
+
   struct Binding {
     const TDMFileExpression *record = nullptr;
     ExpressionPtr owned; ///< the record if the scope owns it, else null
@@ -120,6 +123,11 @@ private:
   };
 
   void append(Text name, Binding binding);
+  /// Whether no parameter before this one has its name.
+  [[nodiscard]] bool is_first(const Parameter &parameter) const
+  {
+    return &bound_[bound_names_.find(parameter.name, NameAt{bound_})] == &parameter;
+  }
   const Binding *find_memory(std::string_view name) const;
   Binding &single(Text name) const;
 

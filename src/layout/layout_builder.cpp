@@ -87,7 +87,7 @@ private:
     if (record.op != kAssign && record.op != kAssignColon)
       fail_at(record, "op", "unsupported assignment operator, use = or :=");
     statement->plain = record.op == kAssign;
-    context_.names.assigned_symbols.push_back(statement->symbol);
+    append(context_.names.assigned_symbols, statement->symbol);
     return statement;
   }
 
@@ -105,7 +105,7 @@ private:
   {
     auto statement = build_selection(record);
     if (const Text *name = statement->literal_section_name())
-      context_.names.referenced_names.push_back(*name);
+      append(context_.names.referenced_names, *name);
     return statement;
   }
 

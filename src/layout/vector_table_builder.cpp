@@ -23,7 +23,7 @@ public:
   {
     copy_fields();
     if (record_.memoryName) map_run_address();
-    if (record_.templateName) context_.names.referenced_names.push_back(table_->template_name);
+    if (record_.templateName) append(context_.names.referenced_names, table_->template_name);
     require_items();
     if (names_symbol(table_->default_value)) require_symbol(table_->default_value->symbol);
     table_->vectors.reserve(record_.vectors.size());
@@ -89,7 +89,7 @@ private:
     vector->optional = record.optional;
     if (names_symbol(vector->value)) {
       if (vector->optional)
-        context_.names.optional_symbols.push_back(vector->value->symbol);
+        append(context_.names.optional_symbols, vector->value->symbol);
       else
         require_symbol(vector->value->symbol);
     }
@@ -120,13 +120,13 @@ private:
     return value != nullptr && value->type == TDMVectorValue::symbol_value;
   }
 
-  void require_symbol(Text symbol) { context_.names.required_symbols.push_back({symbol}); }
+  void require_symbol(Text symbol) { append(context_.names.required_symbols, {symbol}); }
 
   void require_numbered_symbols()
   {
     const int64_t size = table_->size->value();
     if (table_->id_symbol_prefix && size > 0)
-      context_.names.required_symbols.push_back({*table_->id_symbol_prefix, size});
+      append(context_.names.required_symbols, {*table_->id_symbol_prefix, size});
   }
 
   std::unique_ptr<TDMExpression> translate(const ExpressionPtr &expression, LocationKey key) const

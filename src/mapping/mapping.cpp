@@ -45,7 +45,7 @@ void default_lines(tdm::DataLines &lines, const tdm::MapEnd &end)
 bool have_common_mask(int32_t a, int32_t b)
 {
   const auto [narrow, wide] = std::minmax(a, b);
-  return wide % narrow == 0 || std::lcm(narrow, wide) <= Interval::Pattern::max_width;
+  return a == b || wide % narrow == 0 || std::lcm(narrow, wide) <= Interval::Pattern::max_width;
 }
 
 tdm::DataLines all_lines(const tdm::MapEnd &end)

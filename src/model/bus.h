@@ -38,8 +38,8 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
 
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
-  void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
-  void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
+  void add_outgoing_mapping(TDMMapping *mapping) override { tdm::append(outgoing_, mapping); }
+  void add_incoming_mapping(TDMMapping *mapping) override { tdm::append(incoming_, mapping); }
   const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
   const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
 

@@ -172,7 +172,7 @@ std::string TDMCore::full_name() const
 void TDMCore::add_space(std::unique_ptr<TDMSpace> space)
 {
   largest_space_id_ = std::max(largest_space_id_, space->id);
-  spaces.push_back(std::move(space));
+  tdm::append(spaces, std::move(space));
   by_name_.update();
 }
 

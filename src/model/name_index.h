@@ -56,6 +56,7 @@ private:
 template <typename Object>
 [[nodiscard]] const Object *first_repeated(const PooledVector<std::unique_ptr<Object>> &objects)
 {
+  if (objects.size() < 2) return nullptr;
   NameIndex<Object> index(objects);
   index.update();
   return index.first_repeated();

@@ -206,10 +206,7 @@ void TDMProcessor::instantiate(const TDMFileDerivative &derivative, tdm::Argumen
   instance.resolve();
   instance.add_section_items(registry);
   parameters = instance.copy_parameters();
-  tdm::NameSet seen;
-  parameter_names.reserve(derivative.parameters.size());
-  for (const tdm::FileParameter &parameter : derivative.parameters)
-    if (seen.add(parameter.name)) parameter_names.push_back(parameter.name);
+  parameter_names = parameters.parameter_names();
   for (const auto &core : cores) core->check(runner);
 }
 

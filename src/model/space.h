@@ -40,7 +40,7 @@ class BusesInReach;
 struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
-  void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
+  void add_incoming_mapping(TDMMapping *mapping) override { tdm::append(incoming_, mapping); }
   const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
 
   /// Refuses mappings that share addresses and data lines.
