@@ -305,6 +305,7 @@ void input_push_file(const OpenedFile &file)
   }
   TDMInputRecord *record = new_record(TDMInputRecord::file);
   record->file_name = record->presumed_name = file.name;
+  record->directory = file.directory;
   record->handle = file.handle;
   record->buffer = file.buffer;
   record->cursor = file.buffer;

@@ -25,6 +25,7 @@ struct TDMInputRecord {
   const char *cursor;    ///< next byte; `end` has a NUL, so that no loop runs past it
   const char *end;       ///< behind the bytes at hand
   const char *file_name; ///< the name under which the file was opened, null for a text
+  const char *directory; ///< of that name, a text of the pool, with the "/" at its end
   const char *presumed_name; ///< the name that positions show
   std::uint32_t physical_line;
   std::uint32_t presumed_line;
@@ -98,11 +99,15 @@ struct MainFile {
 };
 [[gnu::visibility("hidden")]] extern MainFile main_file;
 
-/// To be called when a newline of the record has been delivered.
+/// To be called when the newline of a line has been delivered.
+inline void input_note_line(const char *presumed_name, std::uint32_t presumed_line)
+{
+  if (presumed_name == main_file.name && presumed_line > main_file.highest_line)
+    main_file.highest_line = presumed_line;
+}
 inline void input_note_line(const TDMInputRecord &record)
 {
-  if (record.presumed_name == main_file.name && record.presumed_line > main_file.highest_line)
-    main_file.highest_line = record.presumed_line;
+  input_note_line(record.presumed_name, record.presumed_line);
 }
 
 /// The effect of #line on the innermost file: the line that begins next has this number. A null

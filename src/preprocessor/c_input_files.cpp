@@ -86,12 +86,16 @@ public:
 };
 
 // With the "/" at its end. The names of files come out of path_join, so they have no "\\".
-std::string_view local_directory()
+const char *directory_of(std::string_view name)
+{
+  return intern(name.substr(0, name.rfind('/') + 1));
+}
+
+// Where a file that is included is searched first.
+const char *local_directory()
 {
   const TDMInputRecord *record = reading_file();
-  if (record == nullptr) return {};
-  const std::string_view name = record->file_name;
-  return name.substr(0, name.rfind('/') + 1);
+  return record == nullptr ? intern("") : record->directory;
 }
 
 bool open_in(std::string_view directory, std::string_view name)
@@ -151,16 +155,25 @@ bool open_and_begin(OpenedFile &file)
   if (file.exhausted) shrink(buffer, file.length + 1);
   file.buffer = buffer.get();
   file.buffer[file.length] = 0;
-  if (file.exhausted && known && status.st_size == length)
-    file.kept = keep_text_of(file.name, status, buffer, file.length);
+  if (file.exhausted && known && S_ISREG(status.st_mode) && status.st_size == length)
+    file.kept = keep_text_of(file.name, file.directory, buffer, file.length);
   static_cast<void>(buffer.release()); // what isn't kept is the record's
   file.handle = handle.pass_on();
   return true;
 }
 
-OpenedFile opened_again(KeptText &text, const char *name)
+OpenedFile opened_again(KeptText &text)
 {
-  return {name, -1, text.buffer.get(), text.length, true, &text};
+  text.in_use = true;
+  return {text.name, text.directory, -1, text.buffer.get(), text.length, true, &text};
+}
+
+void push_opened(const OpenedFile &file)
+{
+  ++state.open_files;
+  input_push_file(file);
+  // Told last, so that a listener that fails leaves the stack whole.
+  input_tell_listeners(file.name);
 }
 
 } // namespace
@@ -188,6 +201,32 @@ const char *opening_file()
   return state.opening;
 }
 
+KeptText *input_included_before(const char *written)
+{
+  return state.open_files < most_open_files ? find_included_text(local_directory(), written)
+                                            : nullptr;
+}
+
+void input_open_again(KeptText &text)
+{
+  input_flush_unread();
+  push_opened(opened_again(text));
+}
+
+bool input_include(const char *written, std::string_view name, bool search_local,
+                   bool search_default)
+{
+  const char *const directory = local_directory();
+  if (!input_search_file(name, search_local, true, search_default)) return false;
+  if (KeptText *const text = input_stack.top->kept) note_included_text(directory, written, *text);
+  return true;
+}
+
+void input_tell_listeners(const char *name)
+{
+  for (const InputListener listener : state.listeners) listener(name);
+}
+
 void input_close_file(int handle, char *buffer, KeptText *kept)
 {
   if (handle >= 0) ::close(handle);
@@ -207,14 +246,12 @@ bool input_open_file(const char *name)
   if (state.open_files >= most_open_files) return refuse(name);
   OpenedFile file = {};
   file.name = name;
-  if (KeptText *kept = take_kept_text(name))
-    file = opened_again(*kept, name);
+  file.directory = directory_of(name);
+  if (KeptText *kept = find_kept_text(name))
+    file = opened_again(*kept);
   else if (!open_and_begin(file))
     return false;
-  ++state.open_files;
-  input_push_file(file);
-  // Told last, so that a listener that fails leaves the stack whole.
-  for (const InputListener listener : state.listeners) listener(name);
+  push_opened(file);
   return true;
 }
 

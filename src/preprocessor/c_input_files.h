@@ -16,12 +16,27 @@ struct KeptText;
 /// A file that has been opened, with its first bytes.
 struct OpenedFile {
   const char *name;
-  int handle;   ///< -1 if the text was kept from an earlier reading
-  char *buffer; ///< of input_buffer_size() bytes, or one more than `length` if `exhausted`
+  const char *directory; ///< of the name, a text of the pool, with the "/" at its end
+  int handle;            ///< -1 if the text was kept from an earlier reading
+  char *buffer;          ///< of input_buffer_size() bytes, or one more than `length` if `exhausted`
   std::size_t length;
   bool exhausted;
   KeptText *kept; ///< who owns the buffer, or null
 };
+
+/// The text that an #include of this text of the pool, delimiters and all, led to before from the
+/// same directory, with all directories of the search open to it; null if it has to be searched.
+[[nodiscard]] KeptText *input_included_before(const char *written);
+
+/// Pushes it like a file that has been opened.
+void input_open_again(KeptText &text);
+
+/// input_search_file for the name in what is written, kept for the next time.
+bool input_include(const char *written, std::string_view name, bool search_local,
+                   bool search_default);
+
+/// Tells that a file has been opened.
+void input_tell_listeners(const char *name);
 
 /// Closes a file that leaves the stack.
 void input_close_file(int handle, char *buffer, KeptText *kept);

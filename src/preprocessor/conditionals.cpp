@@ -10,6 +10,7 @@
 #include "preprocessor/c_memory.h"
 #include "preprocessor/hashtab.h"
 #include "preprocessor/kept_texts.h"
+#include "preprocessor/macros.h"
 #include "preprocessor/string_pool.h"
 
 namespace tdm {
@@ -71,7 +72,7 @@ void set_active(bool active)
 void skip_group(const TDMInputRecord &input, SkipMemo &memo)
 {
   const auto end = static_cast<std::uint32_t>(memo.end);
-  const KeptText *text = input.kept;
+  KeptText *text = input.kept;
   if (text != nullptr && text->number == memo.text) {
     input_jump_to_line(end, text->buffer.get() + memo.place);
     return;
@@ -80,6 +81,10 @@ void skip_group(const TDMInputRecord &input, SkipMemo &memo)
   if (text == nullptr || input.physical_line + 1 != end) return;
   memo.text = text->number;
   memo.place = static_cast<std::uint64_t>(input.cursor - text->buffer.get());
+  if (text->guarded.opening_line != 0) return;
+  text->guarded = find_guard({text->buffer.get(), text->length},
+                             static_cast<std::uint32_t>(memo.line), memo.place, end);
+  text->undefinitions = macro_undefinitions();
 }
 
 } // namespace

@@ -37,6 +37,7 @@ struct {
   DirectivePlace place;   ///< the same in the real file
   PpToken name;           ///< of the directive, as it was written
   bool opens_conditional; ///< the directive has opened one
+  bool passing_blanks;    ///< who reads leaves white space out
 } state;
 
 // ---- handlers ----
@@ -406,12 +407,32 @@ const PpToken &scan_in_directive()
   return pass_on(scanner_next_token(), expand);
 }
 
+// Reads a directive line that comes next, as the read step would, perhaps behind the end of a file;
+// gives what ended the line, or null if none comes for sure.
+const PpToken *pass_directive()
+{
+  TDMInputRecord *record = record_with_block();
+  if (record == nullptr || record->kind != TDMInputRecord::file) return nullptr;
+  if (*record->cursor == 0 && input_leave_ended_files()) record = input_stack.top;
+  if (*record->cursor != '#' || record->kind != TDMInputRecord::file) return nullptr;
+  const PpToken *token = short_punctuator_in_block(*record);
+  if (token == nullptr) return nullptr;
+  expansion_work.allowed += expansion_per_token;
+  ++state.depth;
+  state.passing_blanks = true;
+  token = start_directive(*token);
+  state.passing_blanks = false;
+  --state.depth;
+  return token;
+}
+
 } // namespace
 
 void directives_start()
 {
   state.depth = 0;
   state.at_line_start = true;
+  state.passing_blanks = false;
   state.in_directive = state.line_ended = state.forwards = false;
   state.forwarding_hash.number = tHASH;
   state.forwarding_hash.text = token_text(tHASH);
@@ -428,6 +449,11 @@ void directives_stop()
 bool pp_in_directive()
 {
   return state.in_directive;
+}
+
+bool pp_passing_blanks()
+{
+  return state.passing_blanks;
 }
 
 bool pp_line_ended()
@@ -472,13 +498,19 @@ void expect_line_end()
 
 } // namespace tdm
 
-void pp_pass_blanks()
+const tdm::PpToken &pp_next_behind_blanks(bool expand)
 {
   using namespace tdm;
-  if (state.in_directive || !conditional_active() || !list_stack_empty()) return;
-  bool newline = false;
-  expansion_work.allowed += expansion_per_token * scanner_pass_blanks(newline);
-  if (newline) state.at_line_start = true;
+  while (!state.in_directive && conditional_active() && list_stack_empty()) {
+    bool newline = false;
+    expansion_work.allowed += expansion_per_token * scanner_pass_blanks(newline);
+    if (newline) state.at_line_start = true;
+    if (!state.at_line_start) break;
+    const PpToken *const token = pass_directive();
+    if (token == nullptr) break;
+    if (token->number != tNEWLINE) return *token;
+  }
+  return pp_next_token(expand);
 }
 
 const tdm::PpToken &pp_next_token(bool expand)

@@ -11,9 +11,9 @@
 /// The next token, in a record that is good until the next call. `expand` turns macros on.
 const tdm::PpToken &pp_next_token(bool expand);
 
-/// Reads over white space that comes next, where that is all there is to it: for a reader who is
-/// going to leave it out anyhow. May do nothing.
-void pp_pass_blanks();
+/// The same for a reader that leaves white space out anyhow: much of what comes next is read over
+/// without making tokens of it, but perhaps not all.
+const tdm::PpToken &pp_next_behind_blanks(bool expand);
 
 namespace tdm {
 
@@ -22,6 +22,9 @@ void directives_stop();
 
 /// A directive line is being read.
 [[nodiscard]] bool pp_in_directive();
+
+/// Where the directive line stands, white space needn't be given out.
+[[nodiscard]] bool pp_passing_blanks();
 
 /// The end of the directive line has been read. Handlers read no token beyond it.
 [[nodiscard]] bool pp_line_ended();

@@ -1,9 +1,13 @@
-// A table by file name, and the comparison of files.
+// A table by file name, and one by what an #include says.
 #include "preprocessor/kept_texts.h"
 
 #include <cstdlib>
 #include <unordered_map>
 #include <utility>
+
+#include "preprocessor/c_memory.h"
+#include "preprocessor/hashtab.h"
+#include "preprocessor/string_pool.h"
 
 namespace tdm {
 
@@ -11,22 +15,45 @@ namespace {
 
 constexpr std::size_t most_bytes = std::size_t{256} << 20;
 
+struct Inclusion {
+  const char *directory;
+  const char *written;
+  KeptText *text;
+};
+
 struct {
   std::unordered_map<const char *, KeptText> texts;
-  std::size_t bytes = 0; ///< of all texts
-  std::uint32_t last_number = 0;
-  bool refused = false;
+  MemoryArena arena;
+  hashtab inclusions;
+  std::size_t bytes; ///< of all texts
+  std::uint32_t last_number;
+  bool refused;
 } state;
 
-bool same_time(const timespec &a, const timespec &b)
+std::uint32_t hash_of_inclusion(const char *directory, const char *written)
 {
-  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+  return pooled(written).hash + pooled(directory).hash * 0x9E3779B1U;
 }
 
-bool same_file(const struct stat &a, const struct stat &b)
+std::uint32_t hash_of_entry(const void *entry)
 {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-         same_time(a.st_mtim, b.st_mtim) && same_time(a.st_ctim, b.st_ctim);
+  const auto *inclusion = static_cast<const Inclusion *>(entry);
+  return hash_of_inclusion(inclusion->directory, inclusion->written);
+}
+
+Inclusion *find_inclusion(const char *directory, const char *written)
+{
+  hashtab_prepare(state.inclusions);
+  return static_cast<Inclusion *>(
+      hashtab_search(state.inclusions, hash_of_inclusion(directory, written), [=](void *entry) {
+        const auto *inclusion = static_cast<const Inclusion *>(entry);
+        return inclusion->written == written && inclusion->directory == directory;
+      }));
+}
+
+KeptText *to_read(KeptText &text)
+{
+  return text.in_use || state.refused ? nullptr : &text;
 }
 
 } // namespace
@@ -36,31 +63,38 @@ void FreeBuffer::operator()(char *buffer) const
   std::free(buffer);
 }
 
-KeptText *take_kept_text(const char *name)
+KeptText *find_kept_text(const char *name)
 {
-  if (state.refused) return nullptr;
   const auto found = state.texts.find(name);
-  if (found == state.texts.end() || found->second.in_use) return nullptr;
-  KeptText &text = found->second;
-  struct stat now = {};
-  if (::stat(name, &now) != 0 || !same_file(now, text.file)) return nullptr;
-  text.in_use = true;
-  return &text;
+  return found == state.texts.end() ? nullptr : to_read(found->second);
 }
 
-KeptText *keep_text_of(const char *name, const struct stat &file, Buffer &buffer,
-                       std::size_t length)
+KeptText *find_included_text(const char *directory, const char *written)
 {
-  if (state.refused || length == 0 || !S_ISREG(file.st_mode) || state.bytes + length > most_bytes)
-    return nullptr;
-  KeptText &text = state.texts[name];
-  if (text.in_use) return nullptr;
-  state.bytes += length - text.length;
+  const Inclusion *const inclusion = find_inclusion(directory, written);
+  return inclusion == nullptr ? nullptr : to_read(*inclusion->text);
+}
+
+void note_included_text(const char *directory, const char *written, KeptText &text)
+{
+  if (find_inclusion(directory, written) != nullptr) return;
+  void *const memory = state.arena.allocate(sizeof(Inclusion));
+  hashtab_insert(&state.inclusions, new (memory) Inclusion{directory, written, &text});
+}
+
+KeptText *keep_text_of(const char *name, const char *directory, Buffer &buffer, std::size_t length)
+{
+  if (state.refused || length == 0 || state.bytes + length > most_bytes) return nullptr;
+  const auto [place, is_new] = state.texts.try_emplace(name);
+  if (!is_new) return nullptr; // somebody reads it
+  KeptText &text = place->second;
+  state.bytes += length;
+  text.name = name;
+  text.directory = directory;
   text.buffer = std::move(buffer);
   text.length = length;
   text.number = ++state.last_number;
   text.in_use = true;
-  text.file = file;
   return &text;
 }
 
@@ -71,12 +105,17 @@ void refuse_kept_texts()
 
 void kept_texts_start()
 {
+  state.inclusions.hash = hash_of_entry;
+  state.bytes = 0;
+  state.last_number = 0;
   state.refused = false;
 }
 
 void kept_texts_stop()
 {
-  state = {};
+  std::unordered_map<const char *, KeptText>().swap(state.texts);
+  hashtab_free(state.inclusions);
+  state.arena.clear();
 }
 
 } // namespace tdm

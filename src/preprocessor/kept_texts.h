@@ -1,16 +1,16 @@
 // The texts of short files that have been read in this stream, for the next time they are included:
 // a header with an include guard is opened often, and most of the times for nothing.
 //
-// A text serves again only if the system tells the same of the file as when it was read. And while
-// somebody reads it, others open the file itself: so a file that includes itself needs a handle for
-// each reading, and comes to its end when there are no more.
+// A stream reads such a file once, so all of a parse sees one state of it. While somebody reads a
+// text, others open the file itself: so a file that includes itself needs a handle for each
+// reading, and comes to its end when there are no more.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <memory>
-#include <sys/stat.h>
+
+#include "preprocessor/guarded_text.h"
 
 namespace tdm {
 
@@ -20,18 +20,26 @@ struct FreeBuffer {
 using Buffer = std::unique_ptr<char, FreeBuffer>;
 
 struct KeptText {
-  Buffer buffer; ///< with a NUL behind the text
+  const char *name = nullptr;      ///< of the file
+  const char *directory = nullptr; ///< of the file
+  Buffer buffer;                   ///< with a NUL behind the text
   std::size_t length = 0;
   std::uint32_t number = 0; ///< different for all texts of the stream
   bool in_use = false;
-  struct stat file = {}; ///< what it was read from
+  GuardedText guarded;             ///< what is known of its include guard
+  std::uint32_t undefinitions = 0; ///< how many macros had been undefined when the guard was found
 };
 
-/// The text of the file under this name, which is now in use; null if it has to be read.
-[[nodiscard]] KeptText *take_kept_text(const char *name);
+/// The text of the file under this name; null if it has to be read.
+[[nodiscard]] KeptText *find_kept_text(const char *name);
+
+/// The text that this directory's files get for an #include of this text of the pool, as
+/// note_include told; null if the file has to be searched.
+[[nodiscard]] KeptText *find_included_text(const char *directory, const char *written);
+void note_included_text(const char *directory, const char *written, KeptText &text);
 
 /// Keeps the text of a file, which is then in use, and takes the buffer over; null if it doesn't.
-[[nodiscard]] KeptText *keep_text_of(const char *name, const struct stat &file, Buffer &buffer,
+[[nodiscard]] KeptText *keep_text_of(const char *name, const char *directory, Buffer &buffer,
                                      std::size_t length);
 
 /// Keeps no texts from now on and gives out none: there are no handles left, and whoever opens a

@@ -23,6 +23,7 @@ struct {
   hashtab table;
   TDMMacro *made; ///< all records, whether in the table or not
   std::uint32_t generation;
+  std::uint32_t undefinitions;
   const char *word_defined;
   const char *word_va_args;
   const char *ellipsis;
@@ -281,6 +282,11 @@ std::uint32_t macro_generation()
   return state.generation;
 }
 
+std::uint32_t macro_undefinitions()
+{
+  return state.undefinitions;
+}
+
 void define_builtin(const char *name, MacroKind kind)
 {
   TDMMacro *macro = new_macro(name);
@@ -348,6 +354,7 @@ void macro_undefine(const char *name, const tdm_srcpos &position)
   static_cast<void>(hashtab_lookup(&state.table, name));
   hashtab_delete(&state.table);
   ++state.generation;
+  ++state.undefinitions;
 }
 
 TDMMacro *macro_lookup(const char *name)

@@ -59,6 +59,9 @@ void macro_stop();
 /// A number that changes with each change of the table.
 [[nodiscard]] std::uint32_t macro_generation();
 
+/// How many times a macro has been undefined.
+[[nodiscard]] std::uint32_t macro_undefinitions();
+
 /// The body of a #define, behind the word.
 void macro_parse_define();
 

@@ -97,8 +97,8 @@ void TDMPreprocessedFileInputStream::start(const std::vector<std::string> &files
 
 const tdm::PpToken &TDMPreprocessedFileInputStream::skip_blanks()
 {
-  pp_pass_blanks();
-  return skip_token();
+  take(pp_next_behind_blanks(true));
+  return *token_;
 }
 
 void TDMPreprocessedFileInputStream::pass_empty_tokens()

@@ -85,9 +85,10 @@ public:
 
 private:
   void start(const std::vector<std::string> &files);
-  void fetch_token()
+  void fetch_token() { take(pp_next_token(true)); }
+  void take(const tdm::PpToken &token)
   {
-    token_ = &pp_next_token(true);
+    token_ = &token;
     if (token_->length == 0) pass_empty_tokens();
     text_ = token_->text;
     text_end_ = text_ + token_->length;

@@ -1,5 +1,5 @@
 // What the two roads of the scanner share: how bytes are classed, the recogniser's loop, the rules
-// of numbers and digraphs, and the state. Nothing but the roads themselves looks in here.
+// of numbers and digraphs, and the state. Besides the roads, only what reads guards looks in here.
 #pragma once
 
 #include <array>

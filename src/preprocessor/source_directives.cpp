@@ -8,10 +8,14 @@
 
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_input.h"
+#include "preprocessor/c_input_files.h"
 #include "preprocessor/c_opt.h"
 #include "preprocessor/c_pragma.h"
 #include "preprocessor/c_scanner.h"
 #include "preprocessor/directives.h"
+#include "preprocessor/kept_texts.h"
+#include "preprocessor/macro_expand.h"
+#include "preprocessor/macros.h"
 #include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
 
@@ -110,6 +114,31 @@ const char *read_line_name(const PpToken &token, bool report)
   return text ? line_name(*text) : nullptr;
 }
 
+// Reads a text that would leave nothing but white space, if this is the place to leave that out.
+// All that is told of files and lines is as if it had been opened.
+bool pass_over(const KeptText &text)
+{
+  if (!pp_passing_blanks() || text.guarded.opening_line == 0 ||
+      text.undefinitions != macro_undefinitions())
+    return false;
+  const GuardedText &guarded = text.guarded;
+  const std::int32_t source = source_file_opened(text.name, reading_source());
+  input_tell_listeners(text.name);
+  source_file_skips(source, guarded.opening_line, true);
+  source_file_skips(source, guarded.closing_line, false);
+  input_note_line(text.name, guarded.last_line);
+  expansion_work.allowed += expansion_per_token * guarded.tokens;
+  return true;
+}
+
+bool include_again(const char *written)
+{
+  KeptText *const text = input_included_before(written);
+  if (text == nullptr) return false;
+  if (!pass_over(*text)) input_open_again(*text);
+  return true;
+}
+
 } // namespace
 
 void handle_include()
@@ -117,6 +146,7 @@ void handle_include()
   scanner_set_header_mode();
   const PpToken &token = pp_next_significant(true);
   const void *pragmas = token.position.pragmas;
+  const char *const file_token = token.number == tFILE ? token.text : nullptr;
   const std::optional<std::string_view> text = read_name(token, true);
   if (!text) {
     diag_at(E_missing_file, directive_position());
@@ -128,9 +158,14 @@ void handle_include()
   source_files_include_at(directive_position());
   const std::string_view name = text->substr(1, text->size() - 2);
   const bool only_standard = pragma_get(pragmas, optSTDINC);
-  if (!input_search_file(name, text->front() != '<', !only_standard,
-                         only_standard || !option_get_bool(optNOSTDINC)))
-    diag_at(E_include_file, directive_position(), name);
+  const bool in_local = text->front() != '<';
+  const bool in_standard = only_standard || !option_get_bool(optNOSTDINC);
+  // Most names are found in the same place each time, and are searched once.
+  const bool usual = file_token != nullptr && !only_standard;
+  if (usual && include_again(file_token)) return;
+  const bool found = usual ? input_include(file_token, name, in_local, in_standard)
+                           : input_search_file(name, in_local, !only_standard, in_standard);
+  if (!found) diag_at(E_include_file, directive_position(), name);
 }
 
 void handle_line()
