@@ -252,26 +252,6 @@ const tdm::PpToken &scanner_next_token(bool want_text)
   return by_character();
 }
 
-std::size_t scanner_pass_blanks(bool &newline)
-{
-  using namespace tdm;
-  if (record_with_block() == nullptr) return 0;
-  TDMInputRecord &record = *record_with_block();
-  for (std::size_t passed = 0;; ++passed) {
-    const Start start = start_of(*record.cursor);
-    if (start != Start::blank && start != Start::newline) return passed;
-    input_begin_line(record);
-    if (start == Start::newline) {
-      pass_newline(record);
-      newline = true;
-      continue;
-    }
-    const char *end = record.cursor + 1;
-    while (start_of(*end) == Start::blank) ++end;
-    pass(record, end);
-  }
-}
-
 void scanner_set_header_mode()
 {
   tdm::scanner.header_mode = true;

@@ -33,10 +33,6 @@ void keep_text(PpToken &token);
 /// off the texts of names, numbers and strings are left empty, for tokens that are dropped.
 const tdm::PpToken &scanner_next_token(bool want_text = true);
 
-/// Reads over white space that nobody will ask for as tokens; it mustn't be part of a directive.
-/// Gives how many pieces there were, and sets `newline` if one was a newline.
-std::size_t scanner_pass_blanks(bool &newline);
-
 /// From here to the end of the line a token that starts with " or < is a file name.
 void scanner_set_header_mode();
 

@@ -407,12 +407,62 @@ const PpToken &scan_in_directive()
   return pass_on(scanner_next_token(), expand);
 }
 
+// The top file, if what comes next can be taken from its block as text of an active group.
+inline TDMInputRecord *block_of_active_text()
+{
+  TDMInputRecord *const record = record_with_block();
+  return !list_stack_empty() || record == nullptr || record->kind != TDMInputRecord::file ||
+                 state.in_directive || !conditional_active()
+             ? nullptr
+             : record;
+}
+
+[[gnu::always_inline]] inline const PpToken &next_in_block(TDMInputRecord &record, bool expand)
+{
+  expansion_work.allowed += expansion_per_token;
+  switch (start_of(*record.cursor)) {
+  case Start::blank:
+    return blanks_in_block(record);
+  case Start::newline:
+    state.at_line_start = true;
+    return newline_in_block(record);
+  case Start::single:
+    state.at_line_start = false;
+    return single_in_block(record);
+  case Start::name:
+    return next_name(record, expand);
+  case Start::number:
+    state.at_line_start = false;
+    return next_number(record);
+  case Start::other:
+    return next_punctuator(record, expand);
+  default:
+    return next_other(expand);
+  }
+}
+
+// Reads over blanks and newlines without making tokens of them.
+inline void pass_blanks(TDMInputRecord &record)
+{
+  for (;; expansion_work.allowed += expansion_per_token) {
+    const Start start = start_of(*record.cursor);
+    if (start != Start::blank && start != Start::newline) return;
+    input_begin_line(record);
+    if (start == Start::newline) {
+      pass_newline(record);
+      state.at_line_start = true;
+      continue;
+    }
+    const char *end = record.cursor + 1;
+    while (start_of(*end) == Start::blank) ++end;
+    pass(record, end);
+  }
+}
+
 // Reads a directive line that comes next, as the read step would, perhaps behind the end of a file;
 // gives what ended the line, or null if none comes for sure.
-const PpToken *pass_directive()
+[[gnu::noinline]] const PpToken *pass_directive(TDMInputRecord *record)
 {
-  TDMInputRecord *record = record_with_block();
-  if (record == nullptr || record->kind != TDMInputRecord::file) return nullptr;
   if (*record->cursor == 0 && input_leave_ended_files()) record = input_stack.top;
   if (*record->cursor != '#' || record->kind != TDMInputRecord::file) return nullptr;
   const PpToken *token = short_punctuator_in_block(*record);
@@ -498,46 +548,24 @@ void expect_line_end()
 
 } // namespace tdm
 
-const tdm::PpToken &pp_next_behind_blanks(bool expand)
-{
-  using namespace tdm;
-  while (!state.in_directive && conditional_active() && list_stack_empty()) {
-    bool newline = false;
-    expansion_work.allowed += expansion_per_token * scanner_pass_blanks(newline);
-    if (newline) state.at_line_start = true;
-    if (!state.at_line_start) break;
-    const PpToken *const token = pass_directive();
-    if (token == nullptr) break;
-    if (token->number != tNEWLINE) return *token;
-  }
-  return pp_next_token(expand);
-}
-
 const tdm::PpToken &pp_next_token(bool expand)
 {
   using namespace tdm;
-  TDMInputRecord *const record = record_with_block();
-  if (!list_stack_empty() || record == nullptr || record->kind != TDMInputRecord::file ||
-      state.in_directive || !conditional_active())
-    return next_on_other_road(expand);
-  expansion_work.allowed += expansion_per_token;
-  switch (start_of(*record->cursor)) {
-  case Start::blank:
-    return blanks_in_block(*record);
-  case Start::newline:
-    state.at_line_start = true;
-    return newline_in_block(*record);
-  case Start::single:
-    state.at_line_start = false;
-    return single_in_block(*record);
-  case Start::name:
-    return next_name(*record, expand);
-  case Start::number:
-    state.at_line_start = false;
-    return next_number(*record);
-  case Start::other:
-    return next_punctuator(*record, expand);
-  default:
-    return next_other(expand);
+  TDMInputRecord *const record = block_of_active_text();
+  return record == nullptr ? next_on_other_road(expand) : next_in_block(*record, expand);
+}
+
+const tdm::PpToken &pp_next_behind_blanks(bool expand)
+{
+  using namespace tdm;
+  for (;;) {
+    TDMInputRecord *const record = block_of_active_text();
+    if (record == nullptr) return next_on_other_road(expand);
+    pass_blanks(*record);
+    const bool may_begin_directive = *record->cursor == '#' || *record->cursor == 0;
+    if (!may_begin_directive || !state.at_line_start) return next_in_block(*record, expand);
+    const PpToken *const token = pass_directive(record);
+    if (token == nullptr) return pp_next_token(expand);
+    if (token->number != tNEWLINE) return *token;
   }
 }
