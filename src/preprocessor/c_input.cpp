@@ -308,8 +308,8 @@ void input_push_file(const OpenedFile &file)
   record->directory = file.directory;
   record->handle = file.handle;
   record->buffer = file.buffer;
-  record->cursor = file.buffer;
-  record->end = file.buffer + file.length;
+  record->cursor = file.text.data();
+  record->end = file.text.data() + file.text.size();
   record->exhausted = file.exhausted;
   record->source = source;
   record->kept = file.kept;

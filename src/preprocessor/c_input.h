@@ -33,8 +33,8 @@ struct TDMInputRecord {
   std::uint32_t serial; ///< different for all records of a stream
   int handle;
   std::int32_t source;  ///< of a file: its index among the source files
-  char *buffer;         ///< the block of a file, the characters of a text
-  tdm::KeptText *kept;  ///< whose the block is, if its text is kept for the next time
+  char *buffer;         ///< the block of a file, the characters of a text; null if they are kept
+  tdm::KeptText *kept;  ///< whose text it is, if that is kept for the next time
   TDMInputRecord *next; ///< the record below
 };
 
@@ -138,7 +138,7 @@ bool input_open_file(const char *name);
 bool input_search_file(std::string_view name, bool search_local, bool search_paths,
                        bool search_default);
 
-/// Adds a function that is called with the name of each file that is opened; null drops the one
-/// that was added last.
+/// Adds a function that is called with the name of each file that the system opens, once or more
+/// often if it is included again; null drops the one that was added last.
 using InputListener = void (*)(const char *name);
 void input_add_listener(InputListener listener);

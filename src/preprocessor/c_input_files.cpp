@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -36,6 +37,7 @@ struct {
   std::vector<InputListener> listeners;
   int open_files;
   const char *opening;
+  char *first_block; ///< null before there is one
 } state;
 
 // "a;b,c" as it stands in the environment; empty pieces name no directory.
@@ -60,11 +62,12 @@ bool refuse(const char *name)
   return false;
 }
 
-// Bytes read, or -1. Less than asked for only at the end of the file.
-ssize_t read_fully(int handle, char *buffer, std::size_t size)
+// Bytes read, or -1. Less than asked for only at the end of the file. That is known behind as many
+// bytes as are expected, if there are any: the system needn't be asked again.
+ssize_t read_fully(int handle, char *buffer, std::size_t size, off_t expected)
 {
   std::size_t done = 0;
-  while (done < size) {
+  while (done < size && (done == 0 || static_cast<off_t>(done) != expected)) {
     const ssize_t count = ::read(handle, buffer + done, size - done);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return done > 0 ? static_cast<ssize_t>(done) : -1;
@@ -121,20 +124,33 @@ private:
   int handle_;
 };
 
-Buffer new_buffer()
+/// The block that the next file is read into.
+char *first_block()
 {
-  Buffer buffer(static_cast<char *>(std::malloc(input_buffer_size())));
-  if (buffer == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
-  return buffer;
+  if (state.first_block == nullptr) {
+    state.first_block = static_cast<char *>(std::malloc(input_buffer_size()));
+    if (state.first_block == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
+  }
+  return state.first_block;
 }
 
 // A short file needs no room for further blocks; thousands may be open at once.
-void shrink(Buffer &buffer, std::size_t size)
+char *copy_of(std::string_view text)
 {
-  if (void *smaller = std::realloc(buffer.get(), size)) {
-    static_cast<void>(buffer.release());
-    buffer.reset(static_cast<char *>(smaller));
-  }
+  auto *const copy = static_cast<char *>(std::malloc(text.size() + 1));
+  if (copy == nullptr) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
+  std::memcpy(copy, text.data(), text.size());
+  copy[text.size()] = 0;
+  return copy;
+}
+
+// Who begins to read the text gets no handle.
+void read_kept(KeptText &text, OpenedFile &file)
+{
+  text.in_use = true;
+  file.kept = &text;
+  file.text = text.text;
+  file.exhausted = true;
 }
 
 // Opens and begins a file. False if it doesn't exist or can't be read, with a message then.
@@ -145,35 +161,35 @@ bool open_and_begin(OpenedFile &file)
   if (handle.get() < 0 && (errno == ENOENT || errno == ENOTDIR)) return false;
   if (handle.get() < 0) return refuse(file.name);
   struct stat status = {};
-  const bool known = ::fstat(handle.get(), &status) == 0;
-  Buffer buffer = new_buffer();
-  const ssize_t length = read_fully(handle.get(), buffer.get(), first_read);
+  const bool regular = ::fstat(handle.get(), &status) == 0 && S_ISREG(status.st_mode);
+  char *const block = first_block();
+  const ssize_t length = read_fully(handle.get(), block, first_read, regular ? status.st_size : 0);
   if (length < 0) return refuse(file.name);
 
-  file.length = input_drop_unwanted(buffer.get(), static_cast<std::size_t>(length));
+  file.text = {block, input_drop_unwanted(block, static_cast<std::size_t>(length))};
+  block[file.text.size()] = 0;
   file.exhausted = static_cast<std::size_t>(length) < first_read;
-  if (file.exhausted) shrink(buffer, file.length + 1);
-  file.buffer = buffer.get();
-  file.buffer[file.length] = 0;
-  if (file.exhausted && known && S_ISREG(status.st_mode) && status.st_size == length)
-    file.kept = keep_text_of(file.name, file.directory, buffer, file.length);
-  static_cast<void>(buffer.release()); // what isn't kept is the record's
+  if (!file.exhausted) {
+    file.buffer = std::exchange(state.first_block, nullptr);
+  } else if (KeptText *const kept = regular && status.st_size == length
+                                        ? keep_text_of(file.name, file.directory, file.text)
+                                        : nullptr) {
+    read_kept(*kept, file);
+  } else {
+    file.buffer = copy_of(file.text);
+    file.text = {file.buffer, file.text.size()};
+  }
   file.handle = handle.pass_on();
   return true;
-}
-
-OpenedFile opened_again(KeptText &text)
-{
-  text.in_use = true;
-  return {text.name, text.directory, -1, text.buffer.get(), text.length, true, &text};
 }
 
 void push_opened(const OpenedFile &file)
 {
   ++state.open_files;
   input_push_file(file);
+  if (file.handle < 0) return;
   // Told last, so that a listener that fails leaves the stack whole.
-  input_tell_listeners(file.name);
+  for (const InputListener listener : state.listeners) listener(file.name);
 }
 
 } // namespace
@@ -193,6 +209,7 @@ void input_files_stop()
 {
   internal_check(state.listeners.empty());
   state.environment_directories.clear();
+  std::free(std::exchange(state.first_block, nullptr));
   kept_texts_stop();
 }
 
@@ -210,7 +227,12 @@ KeptText *input_included_before(const char *written)
 void input_open_again(KeptText &text)
 {
   input_flush_unread();
-  push_opened(opened_again(text));
+  OpenedFile file = {};
+  file.name = text.name;
+  file.directory = text.directory;
+  file.handle = -1;
+  read_kept(text, file);
+  push_opened(file);
 }
 
 bool input_include(const char *written, std::string_view name, bool search_local,
@@ -222,18 +244,11 @@ bool input_include(const char *written, std::string_view name, bool search_local
   return true;
 }
 
-void input_tell_listeners(const char *name)
-{
-  for (const InputListener listener : state.listeners) listener(name);
-}
-
 void input_close_file(int handle, char *buffer, KeptText *kept)
 {
   if (handle >= 0) ::close(handle);
-  if (kept != nullptr)
-    kept->in_use = false;
-  else
-    std::free(buffer);
+  std::free(buffer);
+  if (kept != nullptr) kept->in_use = false;
   --state.open_files;
 }
 
@@ -247,8 +262,9 @@ bool input_open_file(const char *name)
   OpenedFile file = {};
   file.name = name;
   file.directory = directory_of(name);
+  file.handle = -1;
   if (KeptText *kept = find_kept_text(name))
-    file = opened_again(*kept);
+    read_kept(*kept, file);
   else if (!open_and_begin(file))
     return false;
   push_opened(file);

@@ -18,10 +18,10 @@ struct OpenedFile {
   const char *name;
   const char *directory; ///< of the name, a text of the pool, with the "/" at its end
   int handle;            ///< -1 if the text was kept from an earlier reading
-  char *buffer;          ///< of input_buffer_size() bytes, or one more than `length` if `exhausted`
-  std::size_t length;
-  bool exhausted;
-  KeptText *kept; ///< who owns the buffer, or null
+  std::string_view text; ///< the first bytes, with a NUL behind them
+  char *buffer;          ///< what they lie in, null if they are kept
+  bool exhausted;        ///< that is all; else the buffer has input_buffer_size() bytes
+  KeptText *kept;        ///< whose text it is, or null
 };
 
 /// The text that an #include of this text of the pool, delimiters and all, led to before from the
@@ -34,9 +34,6 @@ void input_open_again(KeptText &text);
 /// input_search_file for the name in what is written, kept for the next time.
 bool input_include(const char *written, std::string_view name, bool search_local,
                    bool search_default);
-
-/// Tells that a file has been opened.
-void input_tell_listeners(const char *name);
 
 /// Closes a file that leaves the stack.
 void input_close_file(int handle, char *buffer, KeptText *kept);

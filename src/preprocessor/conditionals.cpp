@@ -74,16 +74,15 @@ void skip_group(const TDMInputRecord &input, SkipMemo &memo)
   const auto end = static_cast<std::uint32_t>(memo.end);
   KeptText *text = input.kept;
   if (text != nullptr && text->number == memo.text) {
-    input_jump_to_line(end, text->buffer.get() + memo.place);
+    input_jump_to_line(end, text->text.data() + memo.place);
     return;
   }
   input_skip_to_line(end);
   if (text == nullptr || input.physical_line + 1 != end) return;
   memo.text = text->number;
-  memo.place = static_cast<std::uint64_t>(input.cursor - text->buffer.get());
+  memo.place = static_cast<std::uint64_t>(input.cursor - text->text.data());
   if (text->guarded.opening_line != 0) return;
-  text->guarded = find_guard({text->buffer.get(), text->length},
-                             static_cast<std::uint32_t>(memo.line), memo.place, end);
+  text->guarded = find_guard(text->text, static_cast<std::uint32_t>(memo.line), memo.place, end);
   text->undefinitions = macro_undefinitions();
 }
 

@@ -1,13 +1,13 @@
-// A table by file name, and one by what an #include says.
+// A table by file name, and a list of what an #include says, led to by the number of its text.
 #include "preprocessor/kept_texts.h"
 
-#include <cstdlib>
+#include <cstring>
+#include <new>
 #include <unordered_map>
-#include <utility>
+#include <vector>
 
-#include "preprocessor/c_memory.h"
-#include "preprocessor/hashtab.h"
 #include "preprocessor/string_pool.h"
+#include "preprocessor/token_list.h"
 
 namespace tdm {
 
@@ -19,36 +19,35 @@ struct Inclusion {
   const char *directory;
   const char *written;
   KeptText *text;
+  std::uint32_t next; ///< number of another one of the same text, or 0
 };
 
 struct {
-  std::unordered_map<const char *, KeptText> texts;
-  MemoryArena arena;
-  hashtab inclusions;
-  std::size_t bytes; ///< of all texts
+  std::unordered_map<const char *, KeptText *> texts;
+  TokenMemory records;    ///< of texts, in the order of reading, which is nearly that of later use
+  TokenMemory characters; ///< of the texts
+  std::vector<Inclusion> inclusions; ///< by number, from 1 on
+  std::size_t bytes;                 ///< of all texts
   std::uint32_t last_number;
   bool refused;
 } state;
 
-std::uint32_t hash_of_inclusion(const char *directory, const char *written)
+// The number of the first inclusion of this text, or 0.
+std::uint32_t first_inclusion(const char *written)
 {
-  return pooled(written).hash + pooled(directory).hash * 0x9E3779B1U;
+  const std::uint32_t number = pooled(written).number;
+  if (number == 0 || number > state.inclusions.size()) return 0;
+  return state.inclusions[number - 1].written == written ? number : 0;
 }
 
-std::uint32_t hash_of_entry(const void *entry)
+const Inclusion *find_inclusion(const char *directory, const char *written)
 {
-  const auto *inclusion = static_cast<const Inclusion *>(entry);
-  return hash_of_inclusion(inclusion->directory, inclusion->written);
-}
-
-Inclusion *find_inclusion(const char *directory, const char *written)
-{
-  hashtab_prepare(state.inclusions);
-  return static_cast<Inclusion *>(
-      hashtab_search(state.inclusions, hash_of_inclusion(directory, written), [=](void *entry) {
-        const auto *inclusion = static_cast<const Inclusion *>(entry);
-        return inclusion->written == written && inclusion->directory == directory;
-      }));
+  for (std::uint32_t number = first_inclusion(written); number != 0;) {
+    const Inclusion &inclusion = state.inclusions[number - 1];
+    if (inclusion.directory == directory) return &inclusion;
+    number = inclusion.next;
+  }
+  return nullptr;
 }
 
 KeptText *to_read(KeptText &text)
@@ -58,15 +57,10 @@ KeptText *to_read(KeptText &text)
 
 } // namespace
 
-void FreeBuffer::operator()(char *buffer) const
-{
-  std::free(buffer);
-}
-
 KeptText *find_kept_text(const char *name)
 {
   const auto found = state.texts.find(name);
-  return found == state.texts.end() ? nullptr : to_read(found->second);
+  return found == state.texts.end() ? nullptr : to_read(*found->second);
 }
 
 KeptText *find_included_text(const char *directory, const char *written)
@@ -78,24 +72,27 @@ KeptText *find_included_text(const char *directory, const char *written)
 void note_included_text(const char *directory, const char *written, KeptText &text)
 {
   if (find_inclusion(directory, written) != nullptr) return;
-  void *const memory = state.arena.allocate(sizeof(Inclusion));
-  hashtab_insert(&state.inclusions, new (memory) Inclusion{directory, written, &text});
+  state.inclusions.push_back({directory, written, &text, first_inclusion(written)});
+  pooled(written).number = static_cast<std::uint32_t>(state.inclusions.size());
 }
 
-KeptText *keep_text_of(const char *name, const char *directory, Buffer &buffer, std::size_t length)
+KeptText *keep_text_of(const char *name, const char *directory, std::string_view text)
 {
-  if (state.refused || length == 0 || state.bytes + length > most_bytes) return nullptr;
+  if (state.refused || text.empty() || state.bytes + text.size() > most_bytes) return nullptr;
   const auto [place, is_new] = state.texts.try_emplace(name);
   if (!is_new) return nullptr; // somebody reads it
-  KeptText &text = place->second;
-  state.bytes += length;
-  text.name = name;
-  text.directory = directory;
-  text.buffer = std::move(buffer);
-  text.length = length;
-  text.number = ++state.last_number;
-  text.in_use = true;
-  return &text;
+  state.bytes += text.size();
+  auto *const characters = static_cast<char *>(state.characters.allocate(text.size() + 1));
+  std::memcpy(characters, text.data(), text.size());
+  characters[text.size()] = 0;
+  auto *const kept = new (state.records.allocate(sizeof(KeptText))) KeptText{};
+  kept->name = name;
+  kept->directory = directory;
+  kept->text = {characters, text.size()};
+  kept->number = ++state.last_number;
+  kept->in_use = true;
+  place->second = kept;
+  return kept;
 }
 
 void refuse_kept_texts()
@@ -105,7 +102,6 @@ void refuse_kept_texts()
 
 void kept_texts_start()
 {
-  state.inclusions.hash = hash_of_entry;
   state.bytes = 0;
   state.last_number = 0;
   state.refused = false;
@@ -113,9 +109,10 @@ void kept_texts_start()
 
 void kept_texts_stop()
 {
-  std::unordered_map<const char *, KeptText>().swap(state.texts);
-  hashtab_free(state.inclusions);
-  state.arena.clear();
+  state.texts = std::unordered_map<const char *, KeptText *>();
+  state.records.clear();
+  state.characters.clear();
+  state.inclusions = std::vector<Inclusion>();
 }
 
 } // namespace tdm

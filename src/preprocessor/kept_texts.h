@@ -8,26 +8,20 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <string_view>
 
 #include "preprocessor/guarded_text.h"
 
 namespace tdm {
 
-struct FreeBuffer {
-  void operator()(char *buffer) const;
-};
-using Buffer = std::unique_ptr<char, FreeBuffer>;
-
 struct KeptText {
-  const char *name = nullptr;      ///< of the file
-  const char *directory = nullptr; ///< of the file
-  Buffer buffer;                   ///< with a NUL behind the text
-  std::size_t length = 0;
-  std::uint32_t number = 0; ///< different for all texts of the stream
-  bool in_use = false;
-  GuardedText guarded;             ///< what is known of its include guard
-  std::uint32_t undefinitions = 0; ///< how many macros had been undefined when the guard was found
+  const char *name;      ///< of the file
+  const char *directory; ///< of the file
+  std::string_view text; ///< with a NUL behind it
+  std::uint32_t number;  ///< different for all texts of the stream
+  bool in_use;
+  GuardedText guarded;         ///< what is known of its include guard
+  std::uint32_t undefinitions; ///< how many macros had been undefined when the guard was found
 };
 
 /// The text of the file under this name; null if it has to be read.
@@ -38,9 +32,9 @@ struct KeptText {
 [[nodiscard]] KeptText *find_included_text(const char *directory, const char *written);
 void note_included_text(const char *directory, const char *written, KeptText &text);
 
-/// Keeps the text of a file, which is then in use, and takes the buffer over; null if it doesn't.
-[[nodiscard]] KeptText *keep_text_of(const char *name, const char *directory, Buffer &buffer,
-                                     std::size_t length);
+/// Keeps a copy of the text of a file, which is then in use; null if it doesn't.
+[[nodiscard]] KeptText *keep_text_of(const char *name, const char *directory,
+                                     std::string_view text);
 
 /// Keeps no texts from now on and gives out none: there are no handles left, and whoever opens a
 /// file is to find that out.

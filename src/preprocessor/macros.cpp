@@ -19,9 +19,9 @@ namespace tdm {
 namespace {
 
 struct {
-  TokenMemory memory; ///< of all records and what belongs to them
-  hashtab table;
-  TDMMacro *made; ///< all records, whether in the table or not
+  TokenMemory memory;               ///< of all records and what belongs to them
+  std::vector<TDMMacro *> table;    ///< by the number of the name, from 1 on; null for none
+  std::vector<const char *> marked; ///< the names that macros have had in this stream
   std::uint32_t generation;
   std::uint32_t undefinitions;
   const char *word_defined;
@@ -29,20 +29,28 @@ struct {
   const char *ellipsis;
 } state;
 
-const void *name_of_macro(const void *macro)
+// Where the macro of a name is entered, or null.
+TDMMacro **find_slot(const char *name)
 {
-  return static_cast<const TDMMacro *>(macro)->name;
+  const std::uint32_t number = pooled(name).number;
+  if (number == 0 || number > state.table.size()) return nullptr;
+  TDMMacro **const slot = &state.table[number - 1];
+  return *slot != nullptr && (*slot)->name == name ? slot : nullptr;
 }
+
+void enter(TDMMacro *macro)
+{
+  if (TDMMacro **const slot = find_slot(macro->name)) {
+    *slot = macro;
+    return;
+  }
+  state.table.push_back(macro);
+  pooled(macro->name).number = static_cast<std::uint32_t>(state.table.size());
+}
+
 std::uint32_t hash_of_name(const void *name)
 {
   return pooled(static_cast<const char *>(name)).hash;
-}
-
-void init_name_table(hashtab &table, hashtab::Key key)
-{
-  table.key = key;
-  table.hash = hash_of_name;
-  table.key_length = -1;
 }
 
 // Passes over white space; tells whether there was any.
@@ -120,7 +128,9 @@ public:
   BodyCheck(std::vector<PpToken> &body, std::vector<MacroParameter> *parameters)
       : body_(body), parameters_(parameters)
   {
-    init_name_table(table_, name_of_parameter);
+    table_.key = name_of_parameter;
+    table_.hash = hash_of_name;
+    table_.key_length = -1;
   }
   BodyCheck(const BodyCheck &) = delete;
   BodyCheck &operator=(const BodyCheck &) = delete;
@@ -250,8 +260,7 @@ TDMMacro *new_macro(const char *name)
 {
   auto *macro = new (state.memory.allocate(sizeof(TDMMacro))) TDMMacro{};
   macro->name = name;
-  macro->next_made = state.made;
-  state.made = macro;
+  state.marked.push_back(name);
   pooled(name).marks |= mark_macro_name;
   return macro;
 }
@@ -261,20 +270,25 @@ TDMMacro *new_macro(const char *name)
 void macro_start()
 {
   macro_stop();
-  init_name_table(state.table, name_of_macro);
+  for (const char *name : state.marked) pooled(name).marks &= ~mark_macro_name;
+  state.marked.clear();
   state.word_defined = intern("defined");
   state.word_va_args = intern("__VA_ARGS__");
   state.ellipsis = intern("...");
   define_predefined_macros();
 }
 
+// The names stay marked until the next stream begins: in most processes there is none.
 void macro_stop()
 {
-  for (const TDMMacro *macro = state.made; macro != nullptr; macro = macro->next_made)
-    pooled(macro->name).marks &= ~mark_macro_name;
-  state.made = nullptr;
-  hashtab_free(state.table);
+  state.table.clear();
   state.memory.clear();
+}
+
+void macro_forget_names()
+{
+  state.table = std::vector<TDMMacro *>();
+  state.marked = std::vector<const char *>();
 }
 
 std::uint32_t macro_generation()
@@ -292,7 +306,7 @@ void define_builtin(const char *name, MacroKind kind)
   TDMMacro *macro = new_macro(name);
   macro->kind = kind;
   macro->predefined = true;
-  if (hashtab_lookup(&state.table, name) == nullptr) hashtab_insert(&state.table, macro);
+  if (find_slot(name) == nullptr) enter(macro);
 }
 
 } // namespace tdm
@@ -312,8 +326,6 @@ void macro_define(const char *name, const std::vector<tdm::MacroParameter> *para
     }
     if (same_definition(*old, parameters, body)) return;
     report_redefinition(*old, parameters != nullptr, position);
-    static_cast<void>(hashtab_lookup(&state.table, name));
-    hashtab_delete(&state.table);
   }
   TDMMacro *macro = new_macro(name);
   std::vector<MacroParameter> own_parameters;
@@ -333,8 +345,7 @@ void macro_define(const char *name, const std::vector<tdm::MacroParameter> *para
   macro->has_operators = check.has_operators();
   macro->position = position;
   macro->predefined = predefined;
-  static_cast<void>(hashtab_lookup(&state.table, name));
-  hashtab_insert(&state.table, macro);
+  enter(macro);
   ++state.generation;
 }
 
@@ -351,16 +362,13 @@ void macro_undefine(const char *name, const tdm_srcpos &position)
     diag_at(E_undef_predefined, position, name);
     return;
   }
-  static_cast<void>(hashtab_lookup(&state.table, name));
-  hashtab_delete(&state.table);
+  *tdm::find_slot(name) = nullptr;
   ++state.generation;
   ++state.undefinitions;
 }
 
 TDMMacro *macro_lookup(const char *name)
 {
-  if ((tdm::pooled(name).marks & tdm::mark_macro_name) == 0) return nullptr;
-  return static_cast<TDMMacro *>(
-      tdm::hashtab_search(tdm::state.table, tdm::pooled(name).hash,
-                          [name](const void *macro) { return tdm::name_of_macro(macro) == name; }));
+  TDMMacro **const slot = tdm::find_slot(name);
+  return slot == nullptr ? nullptr : *slot;
 }

@@ -48,13 +48,14 @@ struct TDMMacro {
   bool has_operators; ///< there is a ## in the body, or a # with a parameter
   bool predefined;
   tdm::MacroKind kind;
-  TDMMacro *next_made;
 };
 
 namespace tdm {
 
 void macro_start();
 void macro_stop();
+/// To be called when the string pool ends.
+void macro_forget_names();
 
 /// A number that changes with each change of the table.
 [[nodiscard]] std::uint32_t macro_generation();

@@ -26,7 +26,7 @@ std::vector<const char *> marked_dependencies;
 void record_dependency(const char *name)
 {
   if (dependency_target == nullptr || (tdm::pooled(name).marks & tdm::mark_dependency) != 0) return;
-  dependency_target->insert(name);
+  dependency_target->emplace_hint(dependency_target->end(), name); // files are often read in order
   marked_dependencies.push_back(name);
   tdm::pooled(name).marks |= tdm::mark_dependency;
 }
@@ -34,7 +34,7 @@ void record_dependency(const char *name)
 void unmark_dependencies()
 {
   for (const char *name : marked_dependencies) tdm::pooled(name).marks &= ~tdm::mark_dependency;
-  marked_dependencies = {};
+  marked_dependencies = std::vector<const char *>();
 }
 
 void start_modules()

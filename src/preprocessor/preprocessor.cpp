@@ -4,6 +4,7 @@
 #include "common/block_pool.h"
 #include "preprocessor/c_diag.h"
 #include "preprocessor/c_opt.h"
+#include "preprocessor/macros.h"
 #include "preprocessor/source_files.h"
 #include "preprocessor/string_pool.h"
 
@@ -29,6 +30,7 @@ void preprocessor_end()
   diag_end();
   option_end();
   source_files_end();
+  macro_forget_names();
   string_pool_end();
   pool_trim(); // but for what a spec still holds
 }

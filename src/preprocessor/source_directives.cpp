@@ -123,7 +123,6 @@ bool pass_over(const KeptText &text)
     return false;
   const GuardedText &guarded = text.guarded;
   const std::int32_t source = source_file_opened(text.name, reading_source());
-  input_tell_listeners(text.name);
   source_file_skips(source, guarded.opening_line, true);
   source_file_skips(source, guarded.closing_line, false);
   input_note_line(text.name, guarded.last_line);

@@ -168,10 +168,11 @@ void grow()
 
 const char *store(std::string_view text, std::uint32_t hash)
 {
+  if (text.size() > UINT32_MAX) stop_no_memory("c-memory.c: Cannot allocate memory.\n");
   auto *record = static_cast<PooledText *>(
       pool.arena.allocate(sizeof(PooledText) + ((text.size() + 8) & ~std::size_t{7})));
   record->hash = hash;
-  record->length = text.size();
+  record->length = static_cast<std::uint32_t>(text.size());
   char *copy = reinterpret_cast<char *>(record + 1);
   if (!text.empty()) std::memcpy(copy, text.data(), text.size()); // zero-filled: terminated
   return copy;

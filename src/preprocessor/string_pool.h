@@ -67,14 +67,16 @@ private:
 /// Two texts with a character between them.
 [[nodiscard]] Text joined_text(std::string_view left, char between, std::string_view right);
 
-/// What the pool keeps with each text.
+/// What the pool keeps with each text. The last two are free for the users of the pool, and 0 in a
+/// new text.
 struct PooledText {
-  std::uint32_t hash;  ///< 0 in a text that isn't in the index
-  std::uint32_t marks; ///< bits below, free for the users of the pool; 0 in a new text
-  std::size_t length;
+  std::uint32_t hash;   ///< 0 in a text that isn't in the index
+  std::uint32_t marks;  ///< bits below
+  std::uint32_t length; ///< a longer text can't be kept
+  std::uint32_t number; ///< leads to what the text stands for, where that says that it does
 };
 
-/// Set while the text names a macro, or did so earlier in the same stream.
+/// Set while the text names a macro, or did so since the latest stream began.
 constexpr std::uint32_t mark_macro_name = 1;
 
 /// Set on a text that holds a backslash, which only a universal character name brings into a name.
