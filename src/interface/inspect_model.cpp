@@ -105,5 +105,5 @@ int tdm_inspect_memory_exec_priority(const tdm_memory *memory)
 
 int tdm_inspect_memory_write_unit(const tdm_memory *memory)
 {
-  return memory->write_unit;
+  return memory->hardware().write_unit;
 }

@@ -49,42 +49,42 @@ tdm_fillspec *tdm_memory_get_fillspec(const tdm_memory *memory)
 
 const char *tdm_memory_get_write_mode(const tdm_memory *memory)
 {
-  return guarded([&] { return tdm::text_result(memory->write_mode); });
+  return guarded([&] { return tdm::text_result(memory->hardware().write_mode); });
 }
 
 int tdm_memory_get_setuptime(const tdm_memory *memory)
 {
-  return memory->setup_time;
+  return memory->hardware().setup_time;
 }
 
 int tdm_memory_get_holdtime(const tdm_memory *memory)
 {
-  return memory->hold_time;
+  return memory->hardware().hold_time;
 }
 
 int tdm_memory_get_cycles(const tdm_memory *memory)
 {
-  return memory->cycles;
+  return memory->hardware().cycles;
 }
 
 int tdm_memory_get_area(const tdm_memory *memory)
 {
-  return memory->area;
+  return memory->hardware().area;
 }
 
 int tdm_memory_get_read_ports(const tdm_memory *memory)
 {
-  return memory->read_ports;
+  return memory->hardware().read_ports;
 }
 
 int tdm_memory_get_write_ports(const tdm_memory *memory)
 {
-  return memory->write_ports;
+  return memory->hardware().write_ports;
 }
 
 int tdm_memory_get_readwrite_ports(const tdm_memory *memory)
 {
-  return memory->readwrite_ports;
+  return memory->hardware().readwrite_ports;
 }
 
 void tdm_memory_get_addressrange(const tdm_memory *memory, tdm_interval *out)

@@ -56,20 +56,37 @@ class TDMFileMapping : public TDMFileObject {
 public:
   std::optional<tdm::Text> destination; ///< a bus with a core is `core:bus`
   int destinationKind = tdm::kDestinationSpace;
-  std::optional<tdm::FileRange> connectedDestinationLines;
-  tdm::ExpressionPtr destinationOffset;
-  tdm::ExpressionPtr size;
-  std::optional<tdm::FileRange> connectedSourceLines;
-  tdm::ExpressionPtr sourceOffset;
   std::int32_t bankNum = -1;
   std::int32_t destinationBankNum = -1;
-  bool reserved = false;
   std::int32_t priority = 0;
   std::int32_t execPriority = -1;
+  bool reserved = false;
+  tdm::ExpressionPtr destinationOffset;
+  tdm::ExpressionPtr sourceOffset;
+  tdm::ExpressionPtr size;
+  std::unique_ptr<tdm::FileRange> connectedDestinationLines; ///< null for all of them
+  std::unique_ptr<tdm::FileRange> connectedSourceLines;      ///< the same
   std::optional<tdm::Text> name;
 };
 
 using TDMFileMappings = tdm::RecordList<std::unique_ptr<TDMFileMapping>>;
+
+namespace tdm {
+
+/// What a `memory` says of its hardware beyond sizes and priorities.
+struct FileMemoryHardware {
+  ExpressionPtr writeUnit;
+  std::optional<Text> writeMode;
+  ExpressionPtr setupTime;
+  ExpressionPtr holdTime;
+  ExpressionPtr cycles;
+  ExpressionPtr area;
+  ExpressionPtr readPorts;
+  ExpressionPtr writePorts;
+  ExpressionPtr readWritePorts;
+};
+
+} // namespace tdm
 
 /// `memory`. Keys "name", "reserved", "memtype", "mauSize", "size", "speed" (also for `priority`),
 /// "exec_priority", "map", "fillSpec".
@@ -77,21 +94,13 @@ class TDMFileMemory : public TDMFileObject {
 public:
   std::optional<tdm::Text> name;
   int memtype = tdm::kMemoryNone;
+  std::int32_t priority = -1;
+  std::int32_t execPriority = -1;
   bool reserved = false;
   tdm::ExpressionPtr mauSize;
   tdm::ExpressionPtr size;
-  std::int32_t priority = -1;
-  std::int32_t execPriority = -1;
   std::unique_ptr<TDMFileFillSpec> fillSpec;
-  tdm::ExpressionPtr writeUnit;
-  std::optional<tdm::Text> writeMode;
-  tdm::ExpressionPtr setupTime;
-  tdm::ExpressionPtr holdTime;
-  tdm::ExpressionPtr cycles;
-  tdm::ExpressionPtr area;
-  tdm::ExpressionPtr readPorts;
-  tdm::ExpressionPtr writePorts;
-  tdm::ExpressionPtr readWritePorts;
+  std::unique_ptr<tdm::FileMemoryHardware> hardware; ///< null as a rule
   TDMFileMappings mappings;
 };
 

@@ -8,7 +8,7 @@ using tdm::TokenSets;
 // map_definition: "map" [identifier] "(" map_property ("," map_property)* ")"
 void TDMParser::map_definition(TDMFileMapping &mapping)
 {
-  mapping.sourceLocations.reserve(4);
+  mapping.sourceLocations.reserve(5); // what most of them need
   keep(mapping, "map");
   match(KEY_map);
   if (at(TokenSets::identifier_start))
@@ -37,7 +37,7 @@ void TDMParser::map_property(TDMFileMapping &mapping)
     break;
   case KEY_dest_dbits:
     value_at("connectedDestinationLines");
-    mapping.connectedDestinationLines = range_value();
+    mapping.connectedDestinationLines = std::make_unique<tdm::FileRange>(range_value());
     break;
   case KEY_dest_offset:
     value_at("destinationOffset");
@@ -45,7 +45,7 @@ void TDMParser::map_property(TDMFileMapping &mapping)
     break;
   case KEY_src_dbits:
     value_at("connectedSourceLines");
-    mapping.connectedSourceLines = range_value();
+    mapping.connectedSourceLines = std::make_unique<tdm::FileRange>(range_value());
     break;
   case KEY_src_offset:
     value_at("sourceOffset");

@@ -14,7 +14,7 @@ void TDMParser::memory_definition(TDMFileMemory &memory)
       KEY_cycles,    KEY_area,          KEY_write_mode,  KEY_read_ports,
       KEY_map,       KEY_fill,          KEY_write_ports, KEY_readwrite_ports,
       KEY_write_unit};
-  memory.sourceLocations.reserve(8); // what most of them need
+  memory.sourceLocations.reserve(7); // what most of them need
   match(KEY_memory);
   memory.name = identifier(memory, "name");
   tag_list();
@@ -30,10 +30,14 @@ void TDMParser::memory_definition(TDMFileMemory &memory)
 // priorities may be repeated, and the last value counts.
 void TDMParser::memory_property(TDMFileMemory &memory)
 {
-  const auto last_counts = [&](tdm::ExpressionPtr &field) {
+  const auto hardware = [&]() -> tdm::FileMemoryHardware & {
+    if (memory.hardware == nullptr) memory.hardware = std::make_unique<tdm::FileMemoryHardware>();
+    return *memory.hardware;
+  };
+  const auto last_counts = [&](tdm::ExpressionPtr tdm::FileMemoryHardware::*field) {
     consume();
     match(EQUALS);
-    field = expression();
+    hardware().*field = expression();
   };
   switch (LA(1)) {
   case KEY_type:
@@ -55,31 +59,31 @@ void TDMParser::memory_property(TDMFileMemory &memory)
   case KEY_write_mode:
     consume();
     match(EQUALS);
-    memory.writeMode = string_value();
+    hardware().writeMode = string_value();
     break;
   case KEY_setuptime:
-    last_counts(memory.setupTime);
+    last_counts(&tdm::FileMemoryHardware::setupTime);
     break;
   case KEY_holdtime:
-    last_counts(memory.holdTime);
+    last_counts(&tdm::FileMemoryHardware::holdTime);
     break;
   case KEY_cycles:
-    last_counts(memory.cycles);
+    last_counts(&tdm::FileMemoryHardware::cycles);
     break;
   case KEY_area:
-    last_counts(memory.area);
+    last_counts(&tdm::FileMemoryHardware::area);
     break;
   case KEY_read_ports:
-    last_counts(memory.readPorts);
+    last_counts(&tdm::FileMemoryHardware::readPorts);
     break;
   case KEY_write_ports:
-    last_counts(memory.writePorts);
+    last_counts(&tdm::FileMemoryHardware::writePorts);
     break;
   case KEY_readwrite_ports:
-    last_counts(memory.readWritePorts);
+    last_counts(&tdm::FileMemoryHardware::readWritePorts);
     break;
   case KEY_write_unit:
-    last_counts(memory.writeUnit);
+    last_counts(&tdm::FileMemoryHardware::writeUnit);
     break;
   case KEY_map:
     append_mapping(memory);

@@ -8,8 +8,19 @@
 #include "model/mapping_builder.h"
 
 namespace {
+
 constexpr int32_t rom = 2;
+
+constexpr tdm::MemoryHardware implied_hardware(bool of_rom)
+{
+  tdm::MemoryHardware hardware;
+  (of_rom ? hardware.read_ports : hardware.readwrite_ports) = 1;
+  return hardware;
 }
+constexpr tdm::MemoryHardware implied_by_rom = implied_hardware(true);
+constexpr tdm::MemoryHardware implied_by_others = implied_hardware(false);
+
+} // namespace
 
 TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scope)
     : TDMObject{record.sourceLocations}, name(record.name.value_or(""))
@@ -47,28 +58,37 @@ TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scop
   type = static_cast<int32_t>(record.memtype);
   reserved = record.reserved;
 
-  write_unit = tdm::number32_or(record, "name", record.writeUnit.get(), scope, 1);
-  write_mode = record.writeMode;
-  setup_time = tdm::number32_or(record, "name", record.setupTime.get(), scope, 0);
-  hold_time = tdm::number32_or(record, "name", record.holdTime.get(), scope, 0);
-  cycles = tdm::number32_or(record, "name", record.cycles.get(), scope, 0);
-  area = tdm::number32_or(record, "name", record.area.get(), scope, 0);
-  read_ports_of(record, scope);
+  if (record.hardware != nullptr) read_hardware(record, scope);
 }
 
 TDMMemory::~TDMMemory() = default;
 
-/// Any count that is given makes the others 0; without one the type decides.
-void TDMMemory::read_ports_of(const TDMFileMemory &record, const tdm::ArgumentScope &scope)
+void TDMMemory::read_hardware(const TDMFileMemory &record, const tdm::ArgumentScope &scope)
 {
-  read_ports = tdm::number32_or(record, "name", record.readPorts.get(), scope, 0);
-  write_ports = tdm::number32_or(record, "name", record.writePorts.get(), scope, 0);
-  readwrite_ports = tdm::number32_or(record, "name", record.readWritePorts.get(), scope, 0);
-  if (record.readPorts || record.writePorts || record.readWritePorts) return;
-  if (type == rom)
-    read_ports = 1;
-  else
-    readwrite_ports = 1;
+  const tdm::FileMemoryHardware &said = *record.hardware;
+  const auto number_or = [&](const tdm::ExpressionPtr &value, std::int32_t otherwise) {
+    return tdm::number32_or(record, "name", value.get(), scope, otherwise);
+  };
+  auto read = std::make_unique<tdm::MemoryHardware>(hardware()); // with the ports of the type
+  read->write_unit = number_or(said.writeUnit, 1);
+  read->write_mode = said.writeMode;
+  read->setup_time = number_or(said.setupTime, 0);
+  read->hold_time = number_or(said.holdTime, 0);
+  read->cycles = number_or(said.cycles, 0);
+  read->area = number_or(said.area, 0);
+  // Any count of ports that is given makes the others 0.
+  if (said.readPorts || said.writePorts || said.readWritePorts) {
+    read->read_ports = number_or(said.readPorts, 0);
+    read->write_ports = number_or(said.writePorts, 0);
+    read->readwrite_ports = number_or(said.readWritePorts, 0);
+  }
+  hardware_ = std::move(read);
+}
+
+const tdm::MemoryHardware &TDMMemory::hardware() const
+{
+  if (hardware_ != nullptr) return *hardware_;
+  return type == rom ? implied_by_rom : implied_by_others;
 }
 
 void TDMMemory::get_full_name(std::string &out) const

@@ -23,6 +23,23 @@ class ArgumentScope;
 class BusesInReach;
 } // namespace tdm
 
+namespace tdm {
+
+/// What a memory says of its hardware beyond sizes and priorities.
+struct MemoryHardware : ObjectMemory {
+  int32_t write_unit = 1;
+  int32_t setup_time = 0;
+  int32_t hold_time = 0;
+  int32_t cycles = 0;
+  int32_t area = 0;
+  int32_t read_ports = 0;
+  int32_t write_ports = 0;
+  int32_t readwrite_ports = 0;
+  std::optional<Text> write_mode;
+};
+
+} // namespace tdm
+
 struct TDMMemory : TDMMapDestination, TDMObject {
   TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
   virtual ~TDMMemory();
@@ -45,6 +62,8 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   {
     return owned_;
   }
+  /// What the description says, or what the type of memory implies.
+  [[nodiscard]] const tdm::MemoryHardware &hardware() const;
   /// The whole memory, [0, size) in its own MAUs.
   [[nodiscard]] Interval address_range() const;
 
@@ -58,18 +77,11 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   std::unique_ptr<TDMFillSpec> fill_spec; ///< null without `fill`
   int32_t type = 0;                       ///< enum tdm_memory_type
   bool reserved = false;
-  int32_t write_unit = 1;
-  std::optional<tdm::Text> write_mode;
-  int32_t setup_time = 0;
-  int32_t hold_time = 0;
-  int32_t cycles = 0;
-  int32_t area = 0;
-  int32_t read_ports = 0;
-  int32_t write_ports = 0;
-  int32_t readwrite_ports = 0;
 
 private:
-  void read_ports_of(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
+  void read_hardware(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
+
+  std::unique_ptr<tdm::MemoryHardware> hardware_; ///< null if nothing is said of it
 
   tdm::PooledVector<TDMMapping *> mappings_;
   tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;

@@ -54,7 +54,7 @@ TEST_F(Parser, KeepsPlacesOfExpressions)
       "memory aa { area = -bb + (\"cc\" * 1k) - checksum(crc32w, 11, addressof(mem:dd))"
       " / sizeof(group:ee); }");
   const auto result = parse_target_file(stream);
-  const TDMFileExpression &area = *result->memories.front()->area;
+  const TDMFileExpression &area = *result->memories.front()->hardware->area;
   EXPECT_EQ(dump_with_places(area),
             "(- (+ (neg bb<name@1/21>)<op@1/21> (par (* \"cc\"<name@1/27> "
             "1024<number@1/34>))<op@1/27>) (/ (checksum:0 11<number@1/57> "

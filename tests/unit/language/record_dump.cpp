@@ -168,14 +168,16 @@ std::string dump(const TDMFileBus &bus)
 
 std::string dump(const TDMFileMemory &memory)
 {
+  const tdm::FileMemoryHardware none;
+  const tdm::FileMemoryHardware &hardware = memory.hardware != nullptr ? *memory.hardware : none;
   return line("memory", memory.sourceLocations, "name", memory.name, "type",
               unless(memory.memtype, 0), "reserved", memory.reserved, "mau", memory.mauSize, "size",
               memory.size, "priority", unless(memory.priority, -1), "exec_priority",
               unless(memory.execPriority, -1), "fill", memory.fillSpec, "write_unit",
-              memory.writeUnit, "write_mode", memory.writeMode, "setuptime", memory.setupTime,
-              "holdtime", memory.holdTime, "cycles", memory.cycles, "area", memory.area,
-              "read_ports", memory.readPorts, "write_ports", memory.writePorts, "readwrite_ports",
-              memory.readWritePorts, "mappings", memory.mappings);
+              hardware.writeUnit, "write_mode", hardware.writeMode, "setuptime", hardware.setupTime,
+              "holdtime", hardware.holdTime, "cycles", hardware.cycles, "area", hardware.area,
+              "read_ports", hardware.readPorts, "write_ports", hardware.writePorts,
+              "readwrite_ports", hardware.readWritePorts, "mappings", memory.mappings);
 }
 
 std::string dump(const TDMFileStartAddress &start)
