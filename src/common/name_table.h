@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "common/block_pool.h"
+#include "common/text.h"
 #include "common/text_hash.h"
 
 namespace tdm {
@@ -19,6 +20,11 @@ namespace tdm {
   return static_cast<uint32_t>(text_hash(name));
 }
 [[nodiscard]] inline bool same_name(std::string_view a, std::string_view b)
+{
+  return a.size() == b.size() && same_bytes(a.data(), b.data(), b.size());
+}
+/// Equal texts of the pool are mostly one.
+[[nodiscard]] inline bool same_name(Text a, Text b)
 {
   return a.size() == b.size() && (a.data() == b.data() || same_bytes(a.data(), b.data(), a.size()));
 }
@@ -53,7 +59,7 @@ public:
   template <typename Name, typename NameAt>
   [[nodiscard]] uint32_t find(const Name &name, NameAt name_at) const
   {
-    if (slots_.empty()) return first_of(name, name_at);
+    if (last_ == 0) return first_of(name, name_at);
     return slots_[slot_of(name, name_hash(name), name_at)].place;
   }
 
@@ -77,11 +83,11 @@ private:
   template <typename Name, typename NameAt>
   [[nodiscard]] size_t slot_of(const Name &name, uint32_t hash, NameAt name_at) const
   {
-    const size_t last = slots_.size() - 1;
-    for (size_t i = hash & last;; i = (i + 1) & last) {
+    for (size_t i = hash & last_;; i = (i + 1) & last_) {
       const Slot &slot = slots_[i];
-      if (slot.place == none || (slot.hash == hash && same_name(name_at(slot.place), name)))
+      if (slot.hash == hash && (slot.place == none || same_name(name_at(slot.place), name)))
         return i;
+      if (slot.place == none) return i;
     }
   }
 
@@ -98,6 +104,7 @@ private:
 
   PooledVector<Slot> slots_; ///< a power of two; none for few names
   uint32_t count_ = 0;
+  uint32_t last_ = 0; ///< of the slots
 };
 
 } // namespace tdm

@@ -43,17 +43,39 @@ namespace tdm {
 [[nodiscard]] inline std::uint64_t text_hash(std::string_view text)
 {
   std::uint64_t h = text.size();
-  for (std::size_t i = 0; i + 8 < text.size(); i += 8)
-    h = mix_hash(h, load_bytes(text.data() + i, 8));
+  if (text.size() > 8) {
+    std::size_t i = 0;
+    do {
+      h = mix_hash(h, load_bytes(text.data() + i, 8));
+      i += 8;
+    } while (i + 8 < text.size());
+  }
   return mix_hash(h, load_tail(text.data(), text.size()));
 }
 
-/// Of two texts of one length.
+/// Whether load_tail() gives the same of two texts of one length.
+[[nodiscard, gnu::always_inline]] inline bool same_tail(const char *a, const char *b,
+                                                        std::size_t length)
+{
+  const auto same = [a, b](std::size_t at, std::size_t count) {
+    return load_bytes(a + at, count) == load_bytes(b + at, count);
+  };
+  if (length >= 8) return same(length - 8, 8);
+  if (length >= 4) return same(length - 4, 4) && same(0, 4);
+  return length == 0 || (same(length - 1, 1) && same(0, 1) && same(length / 2, 1));
+}
+
+/// Of two texts of one length. Names that aren't equal mostly differ at their end.
 [[nodiscard]] inline bool same_bytes(const char *a, const char *b, std::size_t length)
 {
-  for (std::size_t i = 0; i + 8 < length; i += 8)
+  if (!same_tail(a, b, length)) return false;
+  if (length <= 8) return true;
+  std::size_t i = 0;
+  do {
     if (load_bytes(a + i, 8) != load_bytes(b + i, 8)) return false;
-  return load_tail(a, length) == load_tail(b, length);
+    i += 8;
+  } while (i + 8 < length);
+  return true;
 }
 
 } // namespace tdm

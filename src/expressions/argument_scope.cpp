@@ -212,7 +212,7 @@ Arguments ArgumentScope::substitute(const ExpressionList &arguments,
   return result;
 }
 
-const ArgumentScope::Binding *ArgumentScope::find(std::string_view name) const
+const ArgumentScope::Binding *ArgumentScope::find(Text name) const
 {
   if (single_ != nullptr)
     if (const auto found = single_->by_name.find(name); found != single_->by_name.end())
@@ -224,7 +224,7 @@ const ArgumentScope::Binding *ArgumentScope::find(std::string_view name) const
   return memories_ != nullptr ? find_memory(name) : nullptr;
 }
 
-const ArgumentScope::Binding *ArgumentScope::find_memory(std::string_view name) const
+const ArgumentScope::Binding *ArgumentScope::find_memory(Text name) const
 {
   std::optional<std::int64_t> value;
   if (name.substr(0, memory_address_prefix.size()) == memory_address_prefix)

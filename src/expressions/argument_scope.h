@@ -94,7 +94,7 @@ public:
   };
 
   /// What the name is bound to, or null.
-  [[nodiscard]] const Binding *find(std::string_view name) const;
+  [[nodiscard]] const Binding *find(Text name) const;
 
 private:
   struct Parameter {
@@ -106,7 +106,7 @@ private:
   struct NameAt {
     const PooledVector<Parameter> &parameters;
 
-    std::string_view operator()(uint32_t place) const { return parameters[place].name; }
+    Text operator()(uint32_t place) const { return parameters[place].name; }
   };
 
   struct Hash {
@@ -128,7 +128,7 @@ private:
   {
     return &bound_[bound_names_.find(parameter.name, NameAt{bound_})] == &parameter;
   }
-  const Binding *find_memory(std::string_view name) const;
+  const Binding *find_memory(Text name) const;
   Binding &single(Text name) const;
 
   PooledVector<Parameter> bound_;

@@ -188,7 +188,7 @@ private:
   /// number that a failed translation has left behind is never used again.
   void enter_variable(std::string_view name, const TDMSourceLocation &location, Slot &slot)
   {
-    const Binding *binding = scope_.find(name);
+    const Binding *binding = scope_.find(tdm::Text(name));
     if (binding == nullptr) tdm::report_unbound(name, location);
     if (binding->busy_in == number_)
       throw new TDMSyntaxException(location, "TDM variable \"" + std::string(name) +

@@ -44,7 +44,7 @@ private:
   struct NameAt {
     const List &objects;
 
-    std::string_view operator()(uint32_t place) const { return objects[place]->name; }
+    Text operator()(uint32_t place) const { return objects[place]->name; }
   };
 
   const List &objects_;
@@ -66,17 +66,15 @@ template <typename Object>
 class NameSet {
 public:
   /// False if the name has been met before.
-  bool add(std::string_view name)
+  bool add(Text name)
   {
     names_.push_back(name);
-    const auto name_at = [this](uint32_t place) -> const std::string_view & {
-      return names_[place];
-    };
+    const auto name_at = [this](uint32_t place) { return names_[place]; };
     return places_.append(name_at) + 1 == names_.size();
   }
 
 private:
-  InlineStack<std::string_view, 8> names_;
+  InlineStack<Text, 8> names_;
   NameTable places_;
 };
 
