@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -13,29 +14,18 @@
 
 namespace tdm {
 
-/// Where the object goes: a block of the open pool. Its destructor knows the way back.
-template <class T> struct ObjectBlock {
-  static_assert(std::is_base_of_v<TDMObject, T> || std::is_base_of_v<ObjectMemory, T>);
-};
-template <class T> inline constexpr ObjectBlock<T> object_block{};
-
-/// As std::make_unique.
+/// As std::make_unique. The object goes into a block of the open pool, and its class's own delete
+/// knows the way back.
 template <class T, class... Arguments>
-[[nodiscard]] std::unique_ptr<T> make_object(Arguments &&...arguments);
+[[nodiscard]] std::unique_ptr<T> make_object(Arguments &&...arguments)
+{
+  static_assert(std::is_base_of_v<TDMObject, T> || std::is_base_of_v<ObjectMemory, T>);
+  const auto give_back = [](void *block) { pool_free(block, sizeof(T)); };
+  // Should the constructor fail.
+  std::unique_ptr<void, decltype(give_back)> block(pool_allocate(sizeof(T)), give_back);
+  std::unique_ptr<T> object(::new (block.get()) T(std::forward<Arguments>(arguments)...));
+  static_cast<void>(block.release());
+  return object;
+}
 
 } // namespace tdm
-
-template <class T> [[nodiscard]] void *operator new(std::size_t size, tdm::ObjectBlock<T>)
-{
-  return tdm::pool_allocate(size);
-}
-/// For a constructor that fails.
-template <class T> void operator delete(void *block, tdm::ObjectBlock<T>) noexcept
-{
-  tdm::pool_free(block, sizeof(T));
-}
-
-template <class T, class... Arguments> std::unique_ptr<T> tdm::make_object(Arguments &&...arguments)
-{
-  return std::unique_ptr<T>(::new (object_block<T>) T(std::forward<Arguments>(arguments)...));
-}

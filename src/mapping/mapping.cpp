@@ -70,7 +70,7 @@ TDMMapping::~TDMMapping() = default;
 std::unique_ptr<TDMMapping> TDMMapping::forward(const tdm::MapEntry &entry, TDMMapSource &source,
                                                 const tdm::MapEnd &end)
 {
-  std::unique_ptr<TDMMapping> mapping(::new (tdm::object_block<TDMMapping>) TDMMapping(entry, 1));
+  std::unique_ptr<TDMMapping> mapping(new TDMMapping(entry, 1));
   mapping->store_source(source, end);
   mapping->src_dbits = entry.src_dbits.value_or(all_lines(end));
   mapping->src_offset = entry.src_offset;
@@ -83,7 +83,7 @@ std::unique_ptr<TDMMapping> TDMMapping::reversed(const tdm::MapEntry &entry,
                                                  TDMMapDestination &destination,
                                                  const tdm::MapEnd &end)
 {
-  std::unique_ptr<TDMMapping> mapping(::new (tdm::object_block<TDMMapping>) TDMMapping(entry, -1));
+  std::unique_ptr<TDMMapping> mapping(new TDMMapping(entry, -1));
   mapping->store_destination(destination, end);
   mapping->dest_dbits = entry.src_dbits.value_or(all_lines(end));
   mapping->dest_offset = entry.src_offset;
@@ -94,7 +94,7 @@ std::unique_ptr<TDMMapping> TDMMapping::reversed(const tdm::MapEntry &entry,
 
 std::unique_ptr<TDMMapping> TDMMapping::opposite() const
 {
-  std::unique_ptr<TDMMapping> back(::new (tdm::object_block<TDMMapping>) TDMMapping());
+  std::unique_ptr<TDMMapping> back(new TDMMapping());
   back->sourceLocations = sourceLocations;
   back->name = name;
   if (source_ != nullptr)

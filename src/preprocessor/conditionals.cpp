@@ -81,7 +81,8 @@ void skip_group(const TDMInputRecord &input, SkipMemo &memo)
   if (text == nullptr || input.physical_line + 1 != end) return;
   memo.text = text->number;
   memo.place = static_cast<std::uint64_t>(input.cursor - text->text.data());
-  if (text->guarded.opening_line != 0) return;
+  // The guard's group is among the first ones that are skipped.
+  if (text->guarded.opening_line != 0 || ++text->guard_searches > 4) return;
   text->guarded = find_guard(text->text, static_cast<std::uint32_t>(memo.line), memo.place, end);
   text->undefinitions = macro_undefinitions();
 }

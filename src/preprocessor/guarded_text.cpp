@@ -105,8 +105,10 @@ private:
     const std::string_view comment = rest.substr(0, line ? end : end + 2);
     if (comment.find_first_of(std::string_view("\\?\0", 3)) != comment.npos) return false;
     if (!line && comment.find("/*", 1) != comment.npos) return false;
-    for (const char c : comment)
+    for (const char c : comment) {
+      if (!line && static_cast<unsigned char>(c) > 127) return false; // the lexer refuses it
       if (c == '\n') ++line_;
+    }
     return pass_token(comment.size());
   }
 

@@ -21,6 +21,7 @@ struct KeptText {
   std::uint32_t number;  ///< different for all texts of the stream
   bool in_use;
   GuardedText guarded;         ///< what is known of its include guard
+  int guard_searches;          ///< a few are enough
   std::uint32_t undefinitions; ///< how many macros had been undefined when the guard was found
 };
 
@@ -28,7 +29,7 @@ struct KeptText {
 [[nodiscard]] KeptText *find_kept_text(const char *name);
 
 /// The text that this directory's files get for an #include of this text of the pool, as
-/// note_include told; null if the file has to be searched.
+/// note_included_text told; null if the file has to be searched.
 [[nodiscard]] KeptText *find_included_text(const char *directory, const char *written);
 void note_included_text(const char *directory, const char *written, KeptText &text);
 
