@@ -18,13 +18,13 @@ struct Node final : TDMMapSource, TDMMapDestination {
   int get_mau_size() const override { return mau; }
   void get_full_name(std::string &out) const override { out = "node"; }
   void add_outgoing_mapping(TDMMapping *mapping) override { outgoing.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing; }
+  const tdm::MappingList &outgoing_mappings() const override { return outgoing; }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming; }
+  const tdm::MappingList &incoming_mappings() const override { return incoming; }
   tdm::MapEnd end() { return {tdm::NodeKind::bus, width, this, this}; }
 
   int mau, width;
-  tdm::PooledVector<TDMMapping *> outgoing, incoming;
+  tdm::MappingList outgoing, incoming;
 };
 
 /// Whether the call ended in one of the failures of the arithmetic.

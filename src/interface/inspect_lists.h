@@ -16,11 +16,10 @@ template <class Object, class Allocator>
   return guarded_array<void *>([&] { return array_of_pointers(objects); });
 }
 
-template <class Object, class Allocator>
-[[nodiscard]] tdm_arr *handle_list(const std::vector<Object *, Allocator> &objects)
+template <class Pointers> [[nodiscard]] tdm_arr *handle_list(const Pointers &objects)
 {
   return guarded_array<void *>(
-      [&] { return array_of(objects, [](Object *object) { return object; }); });
+      [&] { return array_of(objects, [](auto *object) { return object; }); });
 }
 
 template <typename Texts> [[nodiscard]] tdm_arr *text_list(const Texts &texts)

@@ -50,7 +50,7 @@ tdm_arr *tdm_inspect_memory_own_mappings(const tdm_memory *memory)
 int tdm_inspect_get_mapping(const tdm_mapping *mapping, tdm_inspect_mapping *out)
 {
   return guarded([&] {
-    *out = {.name = tdm::text_result(mapping->name),
+    *out = {.name = tdm::text_result(mapping->name()),
             .source = mapping->source(),
             .destination = mapping->destination(),
             .src_offset = mapping->src_offset,

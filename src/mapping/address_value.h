@@ -97,7 +97,12 @@ struct TDM_CLIENT_API AddressValue {
   /// MauException if the MAUs differ.
   static void require_same_mau(const AddressValue &a, const AddressValue &b)
   {
-    if (a.mau != b.mau) throw_mau_exception();
+    require_unit(a, b.mau);
+  }
+  /// MauException if the address is counted in another unit.
+  static void require_unit(const AddressValue &address, int16_t mau)
+  {
+    if (address.mau != mau) throw_mau_exception();
   }
 
 private:

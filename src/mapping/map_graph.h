@@ -6,9 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common/block_pool.h"
-
-struct TDMMapping;
+#include "mapping/mapping_list.h"
 
 /// The order of the operations is the order of the virtual slots.
 struct TDMMapSource {
@@ -17,7 +15,7 @@ struct TDMMapSource {
   virtual void get_full_name(std::string &out) const = 0;
   virtual void add_outgoing_mapping(TDMMapping *mapping) = 0;
   /// Those that leave this object, in the order in which a translation tries them.
-  virtual const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const = 0;
+  virtual const tdm::MappingList &outgoing_mappings() const = 0;
 
 protected:
   ~TDMMapSource() = default;
@@ -30,7 +28,7 @@ struct TDMMapDestination {
   virtual void get_full_name(std::string &out) const = 0;
   virtual void add_incoming_mapping(TDMMapping *mapping) = 0;
   /// Those that reach this object, in the order in which a translation tries them.
-  virtual const tdm::PooledVector<TDMMapping *> &incoming_mappings() const = 0;
+  virtual const tdm::MappingList &incoming_mappings() const = 0;
 
 protected:
   ~TDMMapDestination() = default;

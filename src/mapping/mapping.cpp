@@ -1,4 +1,4 @@
-// Building the edges of the mapping graph, and the intervals that translations work with.
+// Building the edges of the mapping graph, and what translations work with.
 #include "mapping/mapping.h"
 
 #include <algorithm>
@@ -6,7 +6,6 @@
 
 #include "common/failures.h"
 #include "common/make_object.h"
-#include "mapping/mapping_index.h"
 
 namespace {
 
@@ -21,17 +20,6 @@ Interval::Pattern line_pattern(const tdm::DataLines &lines, int32_t width)
   const uint64_t up_to_high = Pattern::mask(int64_t{lines.high} + 1);
   const uint64_t below_low = Pattern::mask(lines.low < 0 ? 0 : lines.low);
   return {width, up_to_high & ~below_low};
-}
-
-/// Makes a new interval a span of all lines: what the general form comes to for a mapping that
-/// moves by a distance.
-void set_shifted_span(Interval &span, const AddressValue &low, int64_t size)
-{
-  span.low = low;
-  span.high = low;
-  span.high.value += size;
-  span.pattern.width = low.mau;
-  span.pattern.bits = Interval::Pattern::mask(low.mau);
 }
 
 /// 0 and 0 at the end that an entry names stand for all lines.
@@ -56,12 +44,13 @@ tdm::DataLines all_lines(const tdm::MapEnd &end)
 } // namespace
 
 TDMMapping::TDMMapping(const tdm::MapEntry &entry, int32_t sign)
-    : size(entry.size), bank(entry.bank), dest_bank(entry.dest_bank), reserved(entry.reserved),
+    : size(entry.size), bank(entry.bank), dest_bank(entry.dest_bank),
       priority(tdm::wrap_mul(tdm::wrap_mul(entry.priority, Interval::priority_one), sign)),
       exec_priority(
           entry.exec_priority < 0
               ? priority
-              : tdm::wrap_mul(tdm::wrap_mul(entry.exec_priority, Interval::priority_one), sign))
+              : tdm::wrap_mul(tdm::wrap_mul(entry.exec_priority, Interval::priority_one), sign)),
+      reserved(entry.reserved)
 {
 }
 
@@ -96,11 +85,13 @@ std::unique_ptr<TDMMapping> TDMMapping::opposite() const
 {
   std::unique_ptr<TDMMapping> back(new TDMMapping());
   back->sourceLocations = sourceLocations;
-  back->name = name;
+  if (const auto own_name = name()) back->set_name(*own_name);
   if (source_ != nullptr)
-    back->store_destination(*source_end_.destination, source_end_);
+    back->store_destination(*source_as_destination_,
+                            {source_kind_, source_width_, source_, source_as_destination_});
   else
-    back->store_source(*destination_end_.source, destination_end_);
+    back->store_source(*destination_as_source_, {destination_kind_, destination_width_,
+                                                 destination_as_source_, destination_});
   back->dest_dbits = src_dbits;
   back->dest_offset = src_offset;
   back->src_dbits = dest_dbits;
@@ -117,13 +108,17 @@ std::unique_ptr<TDMMapping> TDMMapping::opposite() const
 void TDMMapping::store_source(TDMMapSource &object, const tdm::MapEnd &end)
 {
   source_ = &object;
-  source_end_ = end;
+  source_as_destination_ = end.destination;
+  source_kind_ = end.kind;
+  source_width_ = end.width;
 }
 
 void TDMMapping::store_destination(TDMMapDestination &object, const tdm::MapEnd &end)
 {
   destination_ = &object;
-  destination_end_ = end;
+  destination_as_source_ = end.source;
+  destination_kind_ = end.kind;
+  destination_width_ = end.width;
 }
 
 void TDMMapping::set_destination(TDMMapDestination &object, const tdm::MapEnd &end)
@@ -134,7 +129,7 @@ void TDMMapping::set_destination(TDMMapDestination &object, const tdm::MapEnd &e
   store_destination(object, end);
   object.add_incoming_mapping(this);
   default_lines(dest_dbits, end);
-  compute_intervals();
+  complete();
 }
 
 void TDMMapping::set_source(TDMMapSource &object, const tdm::MapEnd &end)
@@ -146,7 +141,7 @@ void TDMMapping::set_source(TDMMapSource &object, const tdm::MapEnd &end)
   rescale_size();
   default_lines(src_dbits, end);
   object.add_outgoing_mapping(this);
-  compute_intervals();
+  complete();
 }
 
 /// From MAUs of the destination to MAUs of the source, rounded down.
@@ -160,37 +155,46 @@ void TDMMapping::rescale_size()
   size = tdm::wrap_add(tdm::wrap_mul(size / to, from), size % to * from / to);
 }
 
-void TDMMapping::compute_intervals()
+/// Once both ends are set.
+void TDMMapping::complete()
 {
   const AddressValue source_low(src_offset, 0, source_->get_mau_size(), bank);
   const AddressValue destination_low(dest_offset, 0, destination_->get_mau_size(), dest_bank);
-  shift_ = source_low.mau == destination_low.mau && moves_by_distance(source_low.mau);
-  if (shift_) {
-    set_shifted_span(source_interval_, source_low, size);
-    set_shifted_span(destination_interval_, destination_low, size);
-  } else {
-    const Interval::Pattern source_lines = line_pattern(src_dbits, source_end_.width);
-    const Interval::Pattern destination_lines = line_pattern(dest_dbits, destination_end_.width);
-    const AddressValue source_size(size, 0, source_low.mau);
-    source_interval_ = Interval(source_low, source_low + source_size, source_lines);
-    destination_interval_ =
-        Interval(destination_low, destination_low + source_size.in_mau(destination_low.mau),
-                 destination_lines);
+  source_unit_ = source_low.mau;
+  destination_unit_ = destination_low.mau;
+  if (moves_by_distance()) {
+    state_ = State::shift;
+    return;
   }
-  complete_ = true;
+  const Interval::Pattern source_lines = line_pattern(src_dbits, source_width_);
+  const Interval::Pattern destination_lines = line_pattern(dest_dbits, destination_width_);
+  const AddressValue source_size(size, 0, source_unit_);
+  const Interval at_source(source_low, source_low + source_size, source_lines);
+  const Interval at_destination(
+      destination_low, destination_low + source_size.in_mau(destination_unit_), destination_lines);
+  rare().source_interval = at_source;
+  rare().destination_interval = at_destination;
+  state_ = State::general;
 }
 
-/// All lines of both ends in their order, in whole units, and no number wraps.
-bool TDMMapping::moves_by_distance(int32_t mau) const
+TDMMapping::Rare &TDMMapping::rare()
 {
-  const auto all_connected = [mau](const tdm::DataLines &lines, const tdm::MapEnd &end) {
-    return end.width > 0 && end.width <= Interval::Pattern::max_width && end.width % mau == 0 &&
-           lines.low == 0 && lines.high == end.width - 1;
+  if (rare_ == nullptr) rare_ = tdm::make_object<Rare>();
+  return *rare_;
+}
+
+/// One unit, all lines of both ends in their order, in whole units, and no number wraps.
+bool TDMMapping::moves_by_distance() const
+{
+  const int32_t mau = source_unit_;
+  const auto all_connected = [mau](const tdm::DataLines &lines, int32_t width) {
+    return width > 0 && width <= Interval::Pattern::max_width && width % mau == 0 &&
+           lines.low == 0 && lines.high == width - 1;
   };
   int64_t end = 0;
-  return mau > 0 && all_connected(src_dbits, source_end_) &&
-         all_connected(dest_dbits, destination_end_) &&
-         have_common_mask(source_end_.width, destination_end_.width) && size > 0 &&
+  return mau == destination_unit_ && mau > 0 && all_connected(src_dbits, source_width_) &&
+         all_connected(dest_dbits, destination_width_) &&
+         have_common_mask(source_width_, destination_width_) && size > 0 &&
          !__builtin_add_overflow(src_offset, size, &end) &&
          !__builtin_add_overflow(dest_offset, size, &end) && bank >= -1 && dest_bank >= -1;
 }

@@ -18,8 +18,6 @@
 
 namespace tdm {
 
-class MappingIndex;
-
 /// A run of data lines, both numbers included.
 struct DataLines {
   int32_t low = 0;
@@ -69,41 +67,65 @@ struct TDMMapping : TDMObject {
   void set_source(TDMMapSource &object, const tdm::MapEnd &end);
 
   /// Whether both ends are set and the intervals computed.
-  [[nodiscard]] bool is_complete() const { return complete_; }
+  [[nodiscard]] bool is_complete() const { return state_ != State::open; }
   /// Whether all that a translation does is to move by a distance: the ends have one unit, all
   /// lines of both are connected in their order, and no number wraps. Few mappings are anything
   /// else, and the long way through masks and units would give the same.
-  [[nodiscard]] bool is_shift() const { return shift_; }
+  [[nodiscard]] bool is_shift() const { return state_ == State::shift; }
 
   [[nodiscard]] TDMMapSource *source() const { return source_; }
   [[nodiscard]] TDMMapDestination *destination() const { return destination_; }
-  [[nodiscard]] tdm::NodeKind source_kind() const { return source_end_.kind; }
-  [[nodiscard]] tdm::NodeKind destination_kind() const { return destination_end_.kind; }
+  [[nodiscard]] tdm::NodeKind source_kind() const { return source_kind_; }
+  [[nodiscard]] tdm::NodeKind destination_kind() const { return destination_kind_; }
   /// Data lines of the ends, connected or not.
-  [[nodiscard]] int32_t source_width() const { return source_end_.width; }
-  [[nodiscard]] int32_t destination_width() const { return destination_end_.width; }
+  [[nodiscard]] int32_t source_width() const { return source_width_; }
+  [[nodiscard]] int32_t destination_width() const { return destination_width_; }
   /// The source as what mappings reach, and the destination as what mappings leave: the next node
   /// of a walk, or null where it ends.
-  [[nodiscard]] TDMMapDestination *source_as_destination() const { return source_end_.destination; }
-  [[nodiscard]] TDMMapSource *destination_as_source() const { return destination_end_.source; }
+  [[nodiscard]] TDMMapDestination *source_as_destination() const { return source_as_destination_; }
+  [[nodiscard]] TDMMapSource *destination_as_source() const { return destination_as_source_; }
 
-  [[nodiscard]] const Interval &source_interval() const { return source_interval_; }
-  [[nodiscard]] const Interval &destination_interval() const { return destination_interval_; }
+  /// Bits of one MAU at the ends of a complete mapping.
+  [[nodiscard]] int16_t source_unit() const { return source_unit_; }
+  [[nodiscard]] int16_t destination_unit() const { return destination_unit_; }
+  /// What a complete mapping holds at its ends.
+  [[nodiscard]] Interval source_interval() const
+  {
+    if (is_shift()) return shifted_span({src_offset, 0, source_unit_, bank}, size);
+    return rare_ != nullptr ? rare_->source_interval : Interval();
+  }
+  [[nodiscard]] Interval destination_interval() const
+  {
+    if (is_shift()) return shifted_span({dest_offset, 0, destination_unit_, dest_bank}, size);
+    return rare_ != nullptr ? rare_->destination_interval : Interval();
+  }
+
+  [[nodiscard]] std::optional<tdm::Text> name() const
+  {
+    return rare_ != nullptr ? rare_->name : std::nullopt;
+  }
+  void set_name(tdm::Text name) { rare().name = name; }
 
   tdm::DataLines dest_dbits;
   int64_t dest_offset = 0; ///< MAUs of the destination
   int64_t size = 0;        ///< MAUs of the source, once complete
   tdm::DataLines src_dbits;
-  int64_t src_offset = 0; ///< MAUs of the source
-  int32_t bank = -1;      ///< the only bank of the source that it serves, -1 for any
-  int32_t dest_bank = -1; ///< the bank that it selects at the destination, -1 for none
-  bool reserved = false;
+  int64_t src_offset = 0;    ///< MAUs of the source
+  int32_t bank = -1;         ///< the only bank of the source that it serves, -1 for any
+  int32_t dest_bank = -1;    ///< the bank that it selects at the destination, -1 for none
   int32_t priority = 0;      ///< what a route forward adds, 16 fractional bits
   int32_t exec_priority = 0; ///< the same for execution
-  std::optional<tdm::Text> name;
+  bool reserved = false;
 
 private:
-  friend class tdm::MappingIndex;
+  enum class State : uint8_t { open, general, shift };
+
+  /// What few mappings have.
+  struct Rare : tdm::ObjectMemory {
+    std::optional<tdm::Text> name;
+    Interval source_interval; ///< of those that are no shift
+    Interval destination_interval;
+  };
 
   TDMMapping() = default;
   TDMMapping(const tdm::MapEntry &entry, int32_t sign);
@@ -111,19 +133,33 @@ private:
   void store_source(TDMMapSource &object, const tdm::MapEnd &end);
   void store_destination(TDMMapDestination &object, const tdm::MapEnd &end);
   void rescale_size();
-  void compute_intervals();
-  [[nodiscard]] bool moves_by_distance(int32_t mau) const;
+  void complete();
+  [[nodiscard]] bool moves_by_distance() const;
+  [[nodiscard]] static Interval shifted_span(const AddressValue &low, int64_t size);
+  Rare &rare();
 
-  TDMMapSource *source_ = nullptr;
+  State state_ = State::open;
+  tdm::NodeKind source_kind_ = {};
+  tdm::NodeKind destination_kind_ = {};
+  int16_t source_unit_ = 1;
+  int16_t destination_unit_ = 1;
+  int32_t source_width_ = 0;
+  int32_t destination_width_ = 0;
+  TDMMapSource *source_ = nullptr; ///< null until it is set, as the destination
+  TDMMapDestination *source_as_destination_ = nullptr;
   TDMMapDestination *destination_ = nullptr;
-  tdm::MapEnd source_end_{};
-  tdm::MapEnd destination_end_{};
-  bool complete_ = false;
-  bool shift_ = false;
-  Interval source_interval_;
-  Interval destination_interval_;
-
-  // The first mapping of a long list keeps the index of that list: nodes have no place for it.
-  mutable std::unique_ptr<const tdm::MappingIndex> outgoing_index_;
-  mutable std::unique_ptr<const tdm::MappingIndex> incoming_index_;
+  TDMMapSource *destination_as_source_ = nullptr;
+  std::unique_ptr<Rare> rare_;
 };
+
+/// A span of all lines: what the general form comes to for a mapping that moves by a distance.
+inline Interval TDMMapping::shifted_span(const AddressValue &low, int64_t size)
+{
+  Interval span;
+  span.low = low;
+  span.high = low;
+  span.high.value += size;
+  span.pattern.width = low.mau;
+  span.pattern.bits = Interval::Pattern::mask(low.mau);
+  return span;
+}

@@ -6,26 +6,24 @@
 
 namespace tdm {
 
-const MappingIndex *MappingIndex::made_for(const PooledVector<TDMMapping *> &list,
-                                           MapDirection direction)
+const MappingIndex *MappingIndex::made_for(const MappingList &list, MapDirection direction)
 {
   const auto complete = [](const TDMMapping *mapping) { return mapping->is_complete(); };
   if (!std::all_of(list.begin(), list.end(), complete)) return nullptr;
   std::unique_ptr<MappingIndex> made(new MappingIndex(list, direction));
-  made->stay_with(list.front());
-  auto &index = kept_with(*list.front(), direction);
-  index = std::move(made);
-  return index.get();
+  made->stay_with(list[0]);
+  delete list.block_->index; // of when the list was shorter
+  return list.block_->index = made.release();
 }
 
-MappingIndex::MappingIndex(const PooledVector<TDMMapping *> &list, MapDirection direction)
+MappingIndex::MappingIndex(const MappingList &list, MapDirection direction)
 {
   const auto bank_of = [&](uint32_t position) {
     return std::max(near_interval(*list[position], direction).low.bank, -1);
   };
   entries_.reserve(list.size());
   for (const TDMMapping *mapping : list) {
-    const Interval &span = near_interval(*mapping, direction);
+    const Interval span = near_interval(*mapping, direction);
     entries_.push_back(
         {span.low.value, span.high.value, static_cast<uint32_t>(entries_.size()), none, none, 0});
   }

@@ -22,11 +22,16 @@
 namespace tdm {
 
 /// The span at the side of the mapping where a translation begins.
-[[nodiscard]] inline const Interval &near_interval(const TDMMapping &mapping,
-                                                   MapDirection direction)
+[[nodiscard]] inline Interval near_interval(const TDMMapping &mapping, MapDirection direction)
 {
   return direction == MapDirection::forward ? mapping.source_interval()
                                             : mapping.destination_interval();
+}
+
+/// The unit at that side of a complete mapping.
+[[nodiscard]] inline int16_t near_unit(const TDMMapping &mapping, MapDirection direction)
+{
+  return direction == MapDirection::forward ? mapping.source_unit() : mapping.destination_unit();
 }
 
 /// Values of one bank, as an index looks at them: [low, high] in whole MAUs, both included.
@@ -53,11 +58,10 @@ public:
 
   /// The index of a node's list, made when it is first asked for; null for a short list and for one
   /// with a mapping that isn't complete yet.
-  [[nodiscard]] static const MappingIndex *of(const PooledVector<TDMMapping *> &list,
-                                              MapDirection direction)
+  [[nodiscard]] static const MappingIndex *of(const MappingList &list, MapDirection direction)
   {
     if (list.size() < min_length) return nullptr;
-    const MappingIndex *index = kept_with(*list.front(), direction).get();
+    const MappingIndex *index = list.block_->index;
     return index != nullptr && index->entries_.size() == list.size() ? index
                                                                      : made_for(list, direction);
   }
@@ -84,16 +88,9 @@ private:
     uint32_t end;
   };
 
-  MappingIndex(const PooledVector<TDMMapping *> &list, MapDirection direction);
+  MappingIndex(const MappingList &list, MapDirection direction);
 
-  /// Where the index of a list is kept that begins with the mapping.
-  static std::unique_ptr<const MappingIndex> &kept_with(const TDMMapping &first,
-                                                        MapDirection direction)
-  {
-    return direction == MapDirection::forward ? first.outgoing_index_ : first.incoming_index_;
-  }
-  static const MappingIndex *made_for(const PooledVector<TDMMapping *> &list,
-                                      MapDirection direction);
+  static const MappingIndex *made_for(const MappingList &list, MapDirection direction);
   [[gnu::noinline]] static void sort(Positions &positions);
   void link(const Bank &bank);
   void find_in(const Bank &bank, const Reach &reach, Positions &positions) const;

@@ -48,8 +48,7 @@ enum class MapDirection : uint8_t { forward, backward };
 template <class Value>
 [[nodiscard]] bool takes_short_way(const TDMMapping &mapping, const Value &value)
 {
-  return mapping.is_shift() && has_unit(value, mapping.source_interval().low.mau) &&
-         is_plain(value);
+  return mapping.is_shift() && has_unit(value, mapping.source_unit()) && is_plain(value);
 }
 
 /// One end of a mapping, as the short way needs it.
@@ -123,7 +122,8 @@ struct ShiftEnd {
           : AddressValue(far.offset + (high.value - near.offset), high.bits, mau, bank);
   out.low = begin;
   out.high = end;
-  out.pattern = mapping.source_interval().pattern;
+  out.pattern.width = mau;
+  out.pattern.bits = Interval::Pattern::mask(mau);
   if (direction == MapDirection::forward) {
     out.priority = wrap_add(interval.priority, mapping.priority);
     out.exec_priority = wrap_add(interval.exec_priority, mapping.exec_priority);

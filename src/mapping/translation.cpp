@@ -103,7 +103,7 @@ bool map(const TDMMapping &mapping, const AddressValue &address, AddressValue &o
   if (!mapping.is_complete() || !in_range(address, mapping.source_interval(), bound)) return false;
   if (mapping.bank >= 0 && mapping.bank != address.bank) return false;
 
-  const int16_t far_mau = mapping.destination_interval().low.mau;
+  const int16_t far_mau = mapping.destination_unit();
   AddressValue moved = move_bits(address, mapping.src_dbits, mapping.dest_dbits);
   moved -= AddressValue(mapping.src_offset, 0, moved.mau);
   moved = moved.in_mau(far_mau);
@@ -122,7 +122,7 @@ bool map_back(const TDMMapping &mapping, const AddressValue &address, AddressVal
     return false;
   if (mapping.dest_bank >= 0 && mapping.dest_bank != address.bank) return false;
 
-  const int16_t far_mau = mapping.source_interval().low.mau;
+  const int16_t far_mau = mapping.source_unit();
   AddressValue moved = address;
   moved -= AddressValue(mapping.dest_offset, 0, moved.mau);
   moved = moved.in_mau(far_mau);

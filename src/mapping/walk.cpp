@@ -37,10 +37,7 @@ struct Forward {
   using Node = TDMMapSource;
   static constexpr MapDirection direction = MapDirection::forward;
 
-  static const PooledVector<TDMMapping *> &mappings(const Node &node)
-  {
-    return node.outgoing_mappings();
-  }
+  static const MappingList &mappings(const Node &node) { return node.outgoing_mappings(); }
   static const Node *onward(const TDMMapping &mapping) { return mapping.destination_as_source(); }
   template <class Value> static bool cross(const TDMMapping &mapping, const Value &in, Value &out)
   {
@@ -52,10 +49,7 @@ struct Backward {
   using Node = TDMMapDestination;
   static constexpr MapDirection direction = MapDirection::backward;
 
-  static const PooledVector<TDMMapping *> &mappings(const Node &node)
-  {
-    return node.incoming_mappings();
-  }
+  static const MappingList &mappings(const Node &node) { return node.incoming_mappings(); }
   static const Node *onward(const TDMMapping &mapping) { return mapping.source_as_destination(); }
   template <class Value> static bool cross(const TDMMapping &mapping, const Value &in, Value &out)
   {
@@ -84,13 +78,14 @@ template <class Value> using Hops = InlineStack<Hop<Value>, 16>;
 /// All mappings of a node have the node's unit at this side. The test is made once, so that
 /// mappings out of reach can be passed over without another look at the unit.
 template <class Way, class Value>
-void require_unit(const PooledVector<TDMMapping *> &list, const Value &value)
+[[gnu::always_inline]] inline void require_unit(std::span<TDMMapping *const> list,
+                                                const Value &value)
 {
   for (const TDMMapping *mapping : list) {
     if (!mapping->is_complete()) continue;
-    const AddressValue &unit = near_interval(*mapping, Way::direction).low;
-    AddressValue::require_same_mau(low_of(value), unit);
-    AddressValue::require_same_mau(high_of(value), unit);
+    const int16_t unit = near_unit(*mapping, Way::direction);
+    AddressValue::require_unit(low_of(value), unit);
+    AddressValue::require_unit(high_of(value), unit);
     return;
   }
 }
@@ -120,7 +115,7 @@ template <class Way, class Value> struct Step {
   }
 
   /// Of a plain value.
-  void cross_few(const PooledVector<TDMMapping *> &list) const
+  void cross_few(std::span<TDMMapping *const> list) const
   {
     for (const TDMMapping *mapping : list)
       if (mapping->is_shift() ? in_reach(Way::direction, *mapping, value)
@@ -129,7 +124,7 @@ template <class Way, class Value> struct Step {
   }
 
   /// Of any value.
-  [[gnu::noinline]] void cross_many(const PooledVector<TDMMapping *> &list) const
+  [[gnu::noinline]] void cross_many(const MappingList &list) const
   {
     if (low_of(value).bank != high_of(value).bank) {
       // A span over several banks holds all values of the banks between its ends.
@@ -137,7 +132,8 @@ template <class Way, class Value> struct Step {
     } else if (const MappingIndex *index = MappingIndex::of(list, Way::direction)) {
       MappingIndex::Positions positions;
       index->find(reach(), positions);
-      for (const uint32_t position : positions) cross(*list[position]);
+      const std::span<TDMMapping *const> all = list.all();
+      for (const uint32_t position : positions) cross(*all[position]);
     } else {
       for (const TDMMapping *mapping : list)
         if (may_meet(near_interval(*mapping, Way::direction), reach())) cross(*mapping);
@@ -151,11 +147,12 @@ template <class Way, class Value>
 [[gnu::always_inline]] inline void append_hops(const typename Way::Node &node, const Value &value,
                                                RouteState before, Hops<Value> &hops)
 {
-  const PooledVector<TDMMapping *> &list = Way::mappings(node);
-  require_unit<Way>(list, value);
+  const MappingList &list = Way::mappings(node);
+  const std::span<TDMMapping *const> all = list.all();
+  require_unit<Way>(all, value);
   const Step<Way, Value> step{value, is_plain(value), before, hops};
-  if (step.plain && list.size() < MappingIndex::min_length)
-    step.cross_few(list);
+  if (step.plain && all.size() < MappingIndex::min_length)
+    step.cross_few(all);
   else
     step.cross_many(list);
 }
@@ -205,7 +202,11 @@ void walk(const typename Way::Node &start, const Value &value, Trail &trail, Arr
       steps += count;
       if (steps > max_walk_steps) give_up();
       visited.insert(node, entry);
-      if (count > 1) std::reverse(ahead.begin() + others, ahead.end());
+      // Mostly there are two: one further on, and the way back that belongs to the last one.
+      if (count == 2)
+        std::swap(ahead[others], ahead[others + 1]);
+      else if (count > 2)
+        std::reverse(ahead.begin() + others, ahead.end());
     }
     // On to the next hop behind which the walk goes on.
     for (node = nullptr; node == nullptr;) {

@@ -32,10 +32,10 @@ TDMBus::TDMBus(const TDMFileBus &record, Form form, const tdm::ArgumentScope &sc
   for (const auto &entry : record.mappings) {
     if (form == Form::reversed) {
       owned_.push_back(tdm::make_reversed_mapping(*entry, scope, *this, tdm::map_end(*this)));
-      tdm::append(incoming_, owned_.back().get());
+      incoming_.push_back(owned_.back().get());
     } else {
       owned_.push_back(tdm::make_forward_mapping(*entry, scope, *this, tdm::map_end(*this)));
-      tdm::append(outgoing_, owned_.back().get());
+      outgoing_.push_back(owned_.back().get());
     }
   }
   if (width < mau_size)
@@ -74,12 +74,12 @@ void TDMBus::resolve_mappings(const TDMFileBus &record, Form form, const tdm::Bu
     std::unique_ptr<TDMMapping> opposite = owned_[i]->opposite();
     if (form == Form::reversed) {
       owned_[i]->set_source(*other, tdm::map_end(*other));
-      tdm::append(outgoing_, opposite.get());
+      outgoing_.push_back(opposite.get());
       owned_.push_back(std::move(opposite));
       owned_.back()->set_destination(*other, tdm::map_end(*other));
     } else {
       owned_[i]->set_destination(*other, tdm::map_end(*other));
-      tdm::append(incoming_, opposite.get());
+      incoming_.push_back(opposite.get());
       owned_.push_back(std::move(opposite));
       owned_.back()->set_source(*other, tdm::map_end(*other));
     }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "common/tdm_object.h"
 #include "common/text.h"
 #include "mapping/map_graph.h"
@@ -38,10 +39,10 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
 
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
-  void add_outgoing_mapping(TDMMapping *mapping) override { tdm::append(outgoing_, mapping); }
-  void add_incoming_mapping(TDMMapping *mapping) override { tdm::append(incoming_, mapping); }
-  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
+  void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
+  void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
+  const tdm::MappingList &outgoing_mappings() const override { return outgoing_; }
+  const tdm::MappingList &incoming_mappings() const override { return incoming_; }
 
   [[nodiscard]] std::string full_name() const;
   /// Those that the definition of this object states, whichever way they go.
@@ -60,8 +61,8 @@ struct TDMBus final : TDMMapSource, TDMMapDestination, TDMObject {
   bool wishbone = false;
 
 private:
-  tdm::PooledVector<TDMMapping *> outgoing_;
-  tdm::PooledVector<TDMMapping *> incoming_;
+  tdm::MappingList outgoing_;
+  tdm::MappingList incoming_;
   /// The mappings of this bus's own entries; those of others that reach it belong to the others.
   tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
 };

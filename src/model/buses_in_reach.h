@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/block_pool.h"
 #include "common/name_table.h"
 #include "mapping/inline_stack.h"
 #include "model/bus.h"

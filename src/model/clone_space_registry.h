@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "common/source_location.h"
 
 struct TDMCloneSpace;

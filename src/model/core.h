@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "common/tdm_object.h"
 #include "common/text.h"
 #include "layout/section_names.h"

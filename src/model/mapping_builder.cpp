@@ -82,7 +82,7 @@ std::unique_ptr<TDMMapping> make_forward_mapping(const TDMFileMapping &record,
   require(record, source);
   auto mapping = TDMMapping::forward(evaluate(record, scope), source, end);
   mapping->sourceLocations = record.sourceLocations;
-  if (record.name) mapping->name = record.name;
+  if (record.name) mapping->set_name(*record.name);
   return mapping;
 }
 
@@ -93,7 +93,7 @@ std::unique_ptr<TDMMapping> make_reversed_mapping(const TDMFileMapping &record,
   require(record, destination);
   auto mapping = TDMMapping::reversed(evaluate(record, scope), destination, end);
   mapping->sourceLocations = record.sourceLocations;
-  if (record.name) mapping->name = record.name;
+  if (record.name) mapping->set_name(*record.name);
   return mapping;
 }
 

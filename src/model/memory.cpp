@@ -41,11 +41,8 @@ TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scop
   priority = record.priority < 0 ? 1 : record.priority;
   exec_priority = record.execPriority < 0 ? priority : record.execPriority;
 
-  owned_.reserve(record.mappings.size());
-  mappings_.reserve(record.mappings.size());
   for (const auto &entry : record.mappings) {
-    owned_.push_back(tdm::make_reversed_mapping(*entry, scope, *this, tdm::map_end(*this)));
-    mappings_.push_back(owned_.back().get());
+    mappings_.push_back_own(tdm::make_reversed_mapping(*entry, scope, *this, tdm::map_end(*this)));
   }
   if (mappings_.empty())
     throw new TDMSyntaxException(at_name(), "no mappings defined for memory " + name);
@@ -55,7 +52,7 @@ TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scop
         tdm::make_object<TDMFillSpec>(*record.fillSpec, scope, tdm::place_of(record, "fillSpec"));
   if (record.memtype == 0)
     throw new TDMSyntaxException(at_name(), "no type or attributes set for memory " + name);
-  type = static_cast<int32_t>(record.memtype);
+  type = static_cast<int16_t>(record.memtype);
   reserved = record.reserved;
 
   if (record.hardware != nullptr) read_hardware(record, scope);
@@ -111,7 +108,7 @@ void TDMMemory::resolve_mappings(std::span<const tdm::Text> destinations,
                                  const tdm::BusesInReach &reach, const tdm::Text *processor)
 {
   for (size_t i = 0; i < destinations.size(); ++i) {
-    TDMMapping &mapping = *owned_[i];
+    TDMMapping &mapping = *mappings_[i];
     TDMBus *bus = reach.find(destinations[i]);
     if (bus == nullptr)
       throw new TDMSyntaxException(mapping.location_or("destination"),
@@ -120,7 +117,7 @@ void TDMMemory::resolve_mappings(std::span<const tdm::Text> destinations,
                                        "\" in mapping from memory " + full_name());
     mapping.set_source(*bus, tdm::map_end(*bus));
     // A bank that the mapping selects has no bearing on the bounds.
-    const Interval &reached = mapping.destination_interval();
+    const Interval reached = mapping.destination_interval();
     const bool inside =
         reached.low.value >= 0 &&
         (reached.high.value < size || (reached.high.value == size && reached.high.bits == 0));

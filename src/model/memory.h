@@ -19,11 +19,9 @@
 class TDMFileMemory;
 
 namespace tdm {
+
 class ArgumentScope;
 class BusesInReach;
-} // namespace tdm
-
-namespace tdm {
 
 /// What a memory says of its hardware beyond sizes and priorities.
 struct MemoryHardware : ObjectMemory {
@@ -54,35 +52,31 @@ struct TDMMemory : TDMMapDestination, TDMObject {
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
   void add_incoming_mapping(TDMMapping *mapping) override { mappings_.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return mappings_; }
+  const tdm::MappingList &incoming_mappings() const override { return mappings_; }
 
   [[nodiscard]] std::string full_name() const;
   /// Those that the definition of this object states, whichever way they go.
-  [[nodiscard]] const tdm::PooledVector<std::unique_ptr<TDMMapping>> &own_mappings() const
-  {
-    return owned_;
-  }
+  [[nodiscard]] std::span<TDMMapping *const> own_mappings() const { return mappings_.own(); }
   /// What the description says, or what the type of memory implies.
   [[nodiscard]] const tdm::MemoryHardware &hardware() const;
   /// The whole memory, [0, size) in its own MAUs.
   [[nodiscard]] Interval address_range() const;
 
+  // In an order without gaps: there may be very many.
   tdm::Text name;
-  mutable tdm::KnownNames known_names;
-  const tdm::Text *processor_name = nullptr; ///< null for a global memory
+  [[no_unique_address]] mutable tdm::KnownNames known_names;
   int32_t mau_size = 0;                      ///< bits
   int64_t size = 0;                          ///< MAUs
+  const tdm::Text *processor_name = nullptr; ///< null for a global memory
+  std::unique_ptr<TDMFillSpec> fill_spec;    ///< null without `fill`
   int32_t priority = 1;
   int32_t exec_priority = 1;
-  std::unique_ptr<TDMFillSpec> fill_spec; ///< null without `fill`
-  int32_t type = 0;                       ///< enum tdm_memory_type
+  int16_t type = 0; ///< enum tdm_memory_type
   bool reserved = false;
 
 private:
   void read_hardware(const TDMFileMemory &record, const tdm::ArgumentScope &scope);
 
   std::unique_ptr<tdm::MemoryHardware> hardware_; ///< null if nothing is said of it
-
-  tdm::PooledVector<TDMMapping *> mappings_;
-  tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
+  tdm::MappingList mappings_;                     ///< the own ones in front, which belong to it
 };

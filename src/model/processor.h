@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "common/tdm_object.h"
 #include "common/text.h"
 #include "expressions/argument_scope.h"

@@ -221,7 +221,7 @@ const TDMMapping *SectionTargets::find_mapping(const TDMMapDestination &memory,
   NamedMappings &mappings = entry->second;
   if (added)
     for (const TDMMapping *mapping : memory.incoming_mappings())
-      if (mapping->name) mappings.emplace(*mapping->name, mapping);
+      if (const auto its_name = mapping->name()) mappings.emplace(*its_name, mapping);
   const auto found = mappings.find(name);
   return found != mappings.end() ? found->second : nullptr;
 }

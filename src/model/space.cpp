@@ -79,7 +79,6 @@ TDMAllocSpace::TDMAllocSpace(const TDMFileSpace &record, TDMCore &core,
   create_definitions(record, core, scope);
 
   owned_.reserve(record.mappings.size());
-  outgoing_.reserve(record.mappings.size());
   for (const auto &entry : record.mappings) {
     owned_.push_back(tdm::make_forward_mapping(*entry, scope, *this, tdm::map_end(*this)));
     outgoing_.push_back(owned_.back().get());
@@ -144,9 +143,10 @@ void TDMAllocSpace::check_mappings() const
   IntervalSet occupied;
   for (const TDMMapping *mapping : outgoing_) {
     // What connects no data line overlaps nothing, but would be cut at all that lies in its span.
-    if (mapping->source_interval().pattern.bits == 0) continue;
+    const Interval held = mapping->source_interval();
+    if (held.pattern.bits == 0) continue;
     try {
-      occupied.insert(mapping->source_interval(), true, false);
+      occupied.insert(held, true, false);
     } catch (IntervalSet::OverlapException *overlap) {
       delete overlap;
       throw new TDMSyntaxException(location_or("map"),

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "common/tdm_object.h"
 #include "common/text.h"
 #include "layout/bank_def.h"
@@ -40,8 +41,8 @@ class BusesInReach;
 struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   int get_mau_size() const override { return mau_size; }
   void get_full_name(std::string &out) const override;
-  void add_incoming_mapping(TDMMapping *mapping) override { tdm::append(incoming_, mapping); }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming_; }
+  void add_incoming_mapping(TDMMapping *mapping) override { incoming_.push_back(mapping); }
+  const tdm::MappingList &incoming_mappings() const override { return incoming_; }
 
   /// Refuses mappings that share addresses and data lines.
   virtual void check_mappings() const = 0;
@@ -54,7 +55,7 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
   virtual void walk(TDMSpaceWalker &walker);
 
   void add_outgoing_mapping(TDMMapping *mapping) override { outgoing_.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing_; }
+  const tdm::MappingList &outgoing_mappings() const override { return outgoing_; }
 
   TDMSpace(const TDMSpace &) = delete;
   TDMSpace &operator=(const TDMSpace &) = delete;
@@ -102,8 +103,8 @@ protected:
   void compute_valid_interval();
 
   Interval valid_interval_;
-  tdm::PooledVector<TDMMapping *> outgoing_;
-  tdm::PooledVector<TDMMapping *> incoming_;
+  tdm::MappingList outgoing_;
+  tdm::MappingList incoming_;
   tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
 
 private:

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "common/block_pool.h"
 #include "expressions/argument_scope.h"
 #include "language/records.h"
 

@@ -22,10 +22,10 @@ public:
   void get_full_name(std::string &out) const override { out = "c:k:s"; }
   void add_outgoing_mapping(TDMMapping *) override {}
   void add_incoming_mapping(TDMMapping *) override {}
-  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return none_; }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return none_; }
+  const tdm::MappingList &outgoing_mappings() const override { return none_; }
+  const tdm::MappingList &incoming_mappings() const override { return none_; }
 
 private:
   tdm::ObjectList<std::unique_ptr<TDMRange>> page_ranges_;
-  tdm::PooledVector<TDMMapping *> none_;
+  tdm::MappingList none_;
 };

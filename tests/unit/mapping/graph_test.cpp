@@ -60,7 +60,8 @@ TEST(Mapping, ForwardAndReversedFormsOfOneEntry)
   EXPECT_EQ(reversed->size, 0x20);
   EXPECT_EQ(reversed->priority, -0x30000);
   EXPECT_EQ(reversed->exec_priority, -0x30000);
-  EXPECT_EQ(bus.outgoing.back(), reversed.get());
+  ASSERT_EQ(bus.outgoing.size(), 2U);
+  EXPECT_EQ(bus.outgoing[1], reversed.get());
 }
 
 std::string shown(const TDMMapping &mapping)
@@ -323,8 +324,8 @@ public:
   std::ostringstream text;
 
 private:
-  void go(const tdm::PooledVector<TDMMapping *> &list, const void *node, const Value &value,
-          bool reserved, bool onward)
+  void go(const tdm::MappingList &list, const void *node, const Value &value, bool reserved,
+          bool onward)
   {
     std::vector<std::pair<const TDMMapping *, Value>> hops;
     for (const TDMMapping *mapping : list) {

@@ -66,11 +66,11 @@ struct TestMemory final : TDMMapDestination {
   int get_mau_size() const override { return mau; }
   void get_full_name(std::string &out) const override { out = "memory"; }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming; }
+  const tdm::MappingList &incoming_mappings() const override { return incoming; }
   tdm::MapEnd end() { return {tdm::NodeKind::memory, mau, nullptr, this}; }
 
   int mau;
-  tdm::PooledVector<TDMMapping *> incoming;
+  tdm::MappingList incoming;
 };
 
 /// A bus, or a space.
@@ -83,16 +83,16 @@ struct TestNode final : TDMMapSource, TDMMapDestination {
   int get_mau_size() const override { return mau; }
   void get_full_name(std::string &out) const override { out = "node"; }
   void add_outgoing_mapping(TDMMapping *mapping) override { outgoing.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &outgoing_mappings() const override { return outgoing; }
+  const tdm::MappingList &outgoing_mappings() const override { return outgoing; }
   void add_incoming_mapping(TDMMapping *mapping) override { incoming.push_back(mapping); }
-  const tdm::PooledVector<TDMMapping *> &incoming_mappings() const override { return incoming; }
+  const tdm::MappingList &incoming_mappings() const override { return incoming; }
   tdm::MapEnd end() { return {kind, width, this, this}; }
 
   int mau;
   int width;
   tdm::NodeKind kind;
-  tdm::PooledVector<TDMMapping *> outgoing;
-  tdm::PooledVector<TDMMapping *> incoming;
+  tdm::MappingList outgoing;
+  tdm::MappingList incoming;
 };
 
 /// Owns the mappings of one graph.
