@@ -62,6 +62,14 @@ void *take_spare(std::size_t size)
   return slab;
 }
 
+void unmap_slab(void *slab, std::size_t size) noexcept
+{
+  if (size == largest_slab)
+    unmap_huge_pages(slab, size);
+  else
+    ::operator delete(slab, slab_alignment);
+}
+
 // Slabs double in size until they are large.
 void *allocate_slab(std::size_t size)
 {
@@ -76,10 +84,7 @@ void free_slab(void *slab, std::size_t size) noexcept
     spare.room -= size;
     return;
   }
-  if (size == largest_slab)
-    unmap_huge_pages(slab, size);
-  else
-    ::operator delete(slab, slab_alignment);
+  unmap_slab(slab, size);
 }
 
 } // namespace
@@ -87,13 +92,13 @@ void free_slab(void *slab, std::size_t size) noexcept
 constinit BlockPool process_pool{};
 constinit BlockPool *open_pool = &process_pool;
 
-void BlockPool::add_slab()
+void BlockPool::add_slab(bool of_records)
 {
-  const std::size_t last = slabs == nullptr ? 0 : slabs->size;
-  const std::size_t size = std::clamp(last * 2, first_slab, largest_slab);
-  chunks.cursor = static_cast<char *>(allocate_slab(size));
-  chunks.end = chunks.cursor + size;
-  slabs = new (chunks.cursor + sizeof(Chunk)) Slab{slabs, size};
+  const std::size_t size = std::clamp(slab_size * 2, first_slab, largest_slab);
+  char *const begin = static_cast<char *>(allocate_slab(size));
+  (of_records ? record_chunks : object_chunks) = {begin, begin + size};
+  slabs = new (begin + sizeof(Chunk)) Slab{slabs, size, of_records};
+  slab_size = size;
 }
 
 BlockPool::Room BlockPool::next_room(bool of_records)
@@ -104,8 +109,9 @@ BlockPool::Room BlockPool::next_room(bool of_records)
     begins_slab = used_up->begins_slab;
     used_up = used_up->next;
   } else {
+    Room &chunks = of_records ? record_chunks : object_chunks;
     if (chunks.cursor == chunks.end) {
-      add_slab();
+      add_slab(of_records);
       begins_slab = true;
     }
     begin = chunks.cursor;
@@ -126,16 +132,20 @@ void *BlockPool::cut_object(std::size_t size)
   return block;
 }
 
-// A chunk whose blocks were all freed while it was still being cut waits for the next one.
+// A chunk whose blocks were all freed while it was still being cut is used up only now.
+void BlockPool::end_records() noexcept
+{
+  if (records.end == nullptr) return;
+  Chunk *const last = chunk_of(records.end - 1);
+  records = {};
+  if (last->in_use == 0) use_up(last);
+}
+
 void *BlockPool::cut_record(std::size_t size)
 {
   const Room next = next_room(true);
   void *const block = next.cursor;
-  if (records.end != nullptr) {
-    Chunk *const last = chunk_of(records.end - 1);
-    records = {};
-    if (last->in_use == 0) use_up(last);
-  }
+  end_records();
   records = {next.cursor + size, next.end};
   ++chunk_of(block)->in_use;
   return block;
@@ -144,8 +154,9 @@ void *BlockPool::cut_record(std::size_t size)
 void BlockPool::use_up(Chunk *chunk) noexcept
 {
   if (records.end != nullptr && chunk == chunk_of(records.end - 1)) return;
-  chunk->next = used_up;
-  used_up = chunk;
+  chunk->next = nullptr;
+  (used_up != nullptr ? last_used_up->next : used_up) = chunk;
+  last_used_up = chunk;
 }
 
 void *BlockPool::allocate_large(std::size_t size)
@@ -163,6 +174,54 @@ void BlockPool::free_large(LargeBlock *block) noexcept
   (block->previous != nullptr ? block->previous->next : block->pool->large_blocks) = block->next;
   if (block->next != nullptr) block->next->previous = block->previous;
   ::operator delete(block);
+}
+
+/// The chunks of a slab for records that have been cut so far.
+std::span<BlockPool::WholeChunk> BlockPool::cut_chunks(const Slab &slab) const
+{
+  auto *const first = reinterpret_cast<WholeChunk *>(chunk_of(&slab));
+  const bool is_newest = record_chunks.end == reinterpret_cast<char *>(first) + slab.size;
+  auto *const last = is_newest ? reinterpret_cast<WholeChunk *>(record_chunks.cursor)
+                               : first + slab.size / chunk_size;
+  return {first, last};
+}
+
+// A pool with as little as is kept for the next spec anyway keeps all of it.
+void BlockPool::give_back() noexcept
+{
+  std::size_t held = 0;
+  for (const Slab *slab = slabs; slab != nullptr; slab = slab->next) held += slab->size;
+  if (held <= most_spare) return;
+  end_records();
+
+  Slab *unused = nullptr;
+  for (Slab **link = &slabs; *link != nullptr;) {
+    Slab *const slab = *link;
+    const std::span<WholeChunk> chunks = cut_chunks(*slab);
+    const auto is_used_up = [](const WholeChunk &chunk) {
+      return chunk.head.is_of_records && chunk.head.in_use == 0;
+    };
+    if (!slab->is_of_records || !std::all_of(chunks.begin(), chunks.end(), is_used_up)) {
+      link = &slab->next;
+      continue;
+    }
+    for (WholeChunk &chunk : chunks) chunk.head.pool = nullptr;
+    *link = slab->next;
+    slab->next = unused;
+    unused = slab;
+  }
+  for (Chunk *chunk = std::exchange(used_up, nullptr); chunk != nullptr;) {
+    Chunk *const next = chunk->next;
+    if (chunk->pool != nullptr) use_up(chunk);
+    chunk = next;
+  }
+  while (unused != nullptr) {
+    Slab *const slab = unused;
+    unused = slab->next;
+    char *const begin = reinterpret_cast<char *>(chunk_of(slab));
+    if (record_chunks.end == begin + slab->size) record_chunks = {};
+    unmap_slab(begin, slab->size);
+  }
 }
 
 void BlockPool::clear() noexcept

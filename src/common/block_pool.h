@@ -24,6 +24,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -53,6 +54,7 @@ public:
   static constexpr bool ends_objects = false;
 
   [[nodiscard]] BlockPool &pool() { return pool_; }
+  void give_back() noexcept {}
 
 private:
   BlockPool pool_;
@@ -122,15 +124,21 @@ struct BlockPool {
   /// At the beginning of each chunk.
   struct alignas(grain) Chunk {
     BlockPool *pool;
-    Chunk *next;          ///< of those that have been used up
+    Chunk *next;          ///< the one that was used up after this one
     std::uint32_t in_use; ///< blocks, in a chunk of records
     bool is_of_records;
     bool begins_slab;
   };
-  /// Chunks that were asked for in one piece. Lies in the first one, behind its beginning.
+  struct WholeChunk {
+    Chunk head;
+    char blocks[chunk_size - sizeof(Chunk)];
+  };
+  /// Chunks that were asked for in one piece, the first of them for records or for objects. Lies in
+  /// the first one, behind its beginning.
   struct alignas(grain) Slab {
     Slab *next;
     std::size_t size;
+    bool is_of_records;
   };
   /// In front of each block that is too large for a chunk.
   struct alignas(grain) LargeBlock {
@@ -138,7 +146,7 @@ struct BlockPool {
     LargeBlock *previous;
     LargeBlock *next;
   };
-  /// What is left of the chunk that blocks are cut from.
+  /// What is left of the chunk that blocks are cut from, or of the slab that chunks are.
   struct Room {
     char *cursor;
     char *end;
@@ -161,6 +169,8 @@ struct BlockPool {
   void use_up(Chunk *chunk) noexcept;
   [[nodiscard]] void *allocate_large(std::size_t size);
   static void free_large(LargeBlock *block) noexcept;
+  /// Gives back the slabs of which all is used up, in a pool that has many.
+  void give_back() noexcept;
   /// Gives all memory back.
   void clear() noexcept;
 
@@ -168,15 +178,20 @@ struct BlockPool {
   Room objects;
   Room records;
   bool records_apart; ///< whether a RecordScope is open
-  Chunk *used_up;
-  Room chunks; ///< of the newest slab
+  Chunk *used_up;     ///< the first that was used up, which is the next to be cut
+  Chunk *last_used_up;
+  Room object_chunks; ///< of the newest slab for objects
+  Room record_chunks; ///< of the newest one for records
   Slab *slabs;
+  std::size_t slab_size; ///< of the newest one
   LargeBlock *large_blocks;
   std::size_t in_use; ///< blocks of objects
 
 private:
   [[nodiscard]] Room next_room(bool of_records);
-  void add_slab();
+  void add_slab(bool of_records);
+  void end_records() noexcept;
+  [[nodiscard]] std::span<WholeChunk> cut_chunks(const Slab &slab) const;
 };
 
 // Initialised before any code runs, and trivially destroyed: who frees a block late finds them.
@@ -219,6 +234,9 @@ public:
   Region &operator=(const Region &) = delete;
 
   [[nodiscard]] BlockPool &pool() { return pool_; }
+  /// Gives back what the records of a long text had and the model didn't need, once there are no
+  /// records any more.
+  void give_back() noexcept { pool_.give_back(); }
 
 private:
   friend class RegionGuest;

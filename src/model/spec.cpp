@@ -58,6 +58,12 @@ void with_finished_texts(const std::optional<std::string> &check_failure, Work w
 
 TDMSpec::TDMSpec(const std::vector<std::string> &files, Checks checks)
 {
+  read(files, checks);
+  region_.give_back();
+}
+
+void TDMSpec::read(const std::vector<std::string> &files, Checks checks)
+{
   const tdm::PoolScope blocks(region_.pool());
   const std::unique_ptr<TDMFileInterface> records = parse(files);
   if (records == nullptr)

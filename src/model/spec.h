@@ -67,6 +67,7 @@ public:
   tdm::PooledVector<std::unique_ptr<TDMProcessor>> processors;
 
 private:
+  void read(const std::vector<std::string> &files, Checks checks);
   std::unique_ptr<TDMFileInterface> parse(const std::vector<std::string> &files);
   void build(TDMFileInterface &records, const tdm::CheckRunner &runner);
   void create_processors(const TDMFileInterface &records, const tdm::CheckRunner &runner);

@@ -75,6 +75,58 @@ TEST(BlockPool, ObjectsGrowIntoTheRoomOfRecordsThatAreUsedUp)
   EXPECT_EQ(tdm::record_allocate(size), late);
 }
 
+std::size_t held_by(const BlockPool &pool)
+{
+  std::size_t held = 0;
+  for (const BlockPool::Slab *slab = pool.slabs; slab != nullptr; slab = slab->next)
+    held += slab->size;
+  return held;
+}
+
+TEST(BlockPool, WhatRecordsHadAndObjectsDontNeedIsGivenBack)
+{
+  constexpr std::size_t size = 200;
+  constexpr std::size_t count = (std::size_t{20} << 20) / size;
+  Region region;
+  const PoolScope scope(region.pool());
+  std::vector<void *> records;
+  std::vector<void *> objects;
+  {
+    const tdm::RecordScope reading;
+    for (std::size_t i = 0; i < count; ++i) {
+      records.push_back(tdm::record_allocate(size));
+      if (i % 8 != 0) continue;
+      objects.push_back(tdm::pool_allocate(size));
+      std::memset(objects.back(), 1, size);
+    }
+  }
+  void *const last = records.back();
+  std::memset(last, 2, size);
+  records.pop_back();
+  for (void *record : records) {
+    tdm::record_free(record, size);
+    if (objects.size() >= count / 3) continue;
+    objects.push_back(tdm::pool_allocate(size));
+    std::memset(objects.back(), 1, size);
+  }
+  const std::size_t before = held_by(region.pool());
+  region.give_back();
+  // A slab in which something is left stays.
+  EXPECT_LT(held_by(region.pool()), before - (std::size_t{12} << 20));
+  EXPECT_GT(held_by(region.pool()), count / 3 * size);
+  for (const void *object : objects) EXPECT_EQ(*static_cast<const char *>(object), 1);
+  EXPECT_EQ(*static_cast<char *>(last), 2);
+  for (std::size_t i = 0; i < count / 8; ++i) {
+    const tdm::RecordScope reading;
+    std::memset(tdm::pool_allocate(size), 3, size);
+    std::memset(tdm::record_allocate(size), 3, size);
+  }
+  for (const void *object : objects) EXPECT_EQ(*static_cast<const char *>(object), 1);
+  const std::size_t later = held_by(region.pool());
+  region.give_back();
+  EXPECT_EQ(held_by(region.pool()), later); // nothing is free
+}
+
 TEST(BlockPool, LargeBlocksEndWithTheirRegionOrBefore)
 {
   auto region = std::make_unique<Region>();
