@@ -84,6 +84,7 @@ static void ask_tokens(void)
   CHECK_PUT("main.tdm:1:0");
   main_file = ((const char **)one_file("sources/main.tdm")->items)[0];
   while (tdm_inspect_tokens_next(stream, &token) == 1) {
+    if (token.number == TDM_TOKEN_WHITE) CHECK(strlen(token.text) <= 2);
     if (token.number == TDM_TOKEN_WHITE || token.number == TDM_TOKEN_NEWLINE) continue;
     put("%d %s ", token.number, token.text);
     put_position(&token.position);
@@ -107,7 +108,12 @@ static void ask_tokens(void)
             "10 1.5 main.tdm:9:8\n"
             "17 /* of\ntwo lines */ main.tdm:9:12\n"
             "12 'c' main.tdm:10:14\n"
-            "32 -> main.tdm:10:18\n");
+            "32 -> main.tdm:10:18\n"
+            "7 a main.tdm:11:1\n"
+            "7 b main.tdm:11:1\n"
+            "37 + main.tdm:11:1\n"
+            "7 a main.tdm:11:1\n"
+            "7 b main.tdm:11:1\n");
   CHECK(tdm_inspect_tokens_next(stream, &token) == 0 && tdm_inspect_failure_count() == 1);
   put_files();
   put_reading();

@@ -86,12 +86,27 @@ def many_clones(count):
 
 def messages_of_one_file(count):
     """Each in another reading of it."""
-    return '#include "message.tdm"\n' * count
+    return "#include HEADER\n" * count, "#warning\n"
+
+
+def groups_of_a_header(count):
+    """Comments and skipped groups of a text that is included again."""
+    return "#include HEADER\n" * 2, "/*a*/\n" * count + "#ifdef X\n#endif\n" * count
 
 
 SHAPES = [(copy_destinations, 1500), (named_mappings, 1000), (clone_of_banks, 400),
           (clone_of_mapped_space, 400), (clone_of_many, 250), (many_clones, 1000)]
-TOOL_SHAPES = [(messages_of_one_file, 1000)]
+TOOL_SHAPES = [(messages_of_one_file, 1000), (groups_of_a_header, 600)]
+
+
+def write(path, text):
+    """The text, or one and the header that it includes."""
+    if isinstance(text, tuple):
+        text, header = text
+        write(f"{path}.header", header)
+        text = f'#define HEADER "{path}.header"\n{text}'
+    with open(path, "w", encoding="ascii") as file:
+        file.write(text)
 
 
 def main():
@@ -111,14 +126,11 @@ def main():
         runs = [(args.program, (), 0, shape, count) for shape, count in SHAPES]
         if args.tool:
             runs += [(args.tool, ("check",), 1, shape, count) for shape, count in TOOL_SHAPES]
-        with open(os.path.join(work, "message.tdm"), "w", encoding="ascii") as text:
-            text.write("#warning\n")
         for program, options, code, shape, count in runs:
             taken = []
             for entries in (count, 2 * count):
                 path = os.path.join(work, f"{shape.__name__}_{entries}.tdm")
-                with open(path, "w", encoding="ascii") as text:
-                    text.write(shape(entries))
+                write(path, shape(entries))
                 taken.append(instructions(program, path, f"{path}.counts", *options, code=code))
             ratio = taken[1] / taken[0]
             faster = faster or ratio > LIMIT

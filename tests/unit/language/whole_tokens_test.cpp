@@ -150,7 +150,8 @@ public:
       main += one_of({include("sub/"), include("sub/"), include("sub/"), include("./sub/../sub/"),
                       include("nowhere/"), "a 1\n", "#undef G" + digit() + "\n",
                       "#line 1 \"" + folder_ + "/sub/h" + digit() + "\"\n", "#define G1\n",
-                      "F(1,\n" + include("sub/") + "2)\n", "\n  \n", "#pragma once\n"});
+                      "F(1,\n" + include("sub/") + "2)\n", "\n  \n", "#pragma once\n",
+                      "F(1,\n" + include("sub/") + include("sub/") + "2)\n"});
     return put("main", "#define F(x, y) x y\n" + main);
   }
 
@@ -170,9 +171,9 @@ private:
   void write_header(const std::string &name, int number)
   {
     const std::string guard = "G" + std::to_string(number);
-    const std::string before =
-        mostly({"", "/* c */\n", "// c\n\n", "/* a\n b */ ", " \t\n", "b\n", "/* /* */\n",
-                "// c \\\n\n", "#define Q\n", "/* a ?\?/\n */\n", "/*/ */\n"});
+    const std::string before = mostly(
+        {"", "/* c */\n", "// c\n\n", "/* a\n b */ ", " \t\n", "b\n", "/* /* */\n", "// c \\\n\n",
+         "#define Q\n", "/* a ?\?/\n */\n", "/*/ */\n", "// \xe4\n", "/* \xc3\xa4 */ "});
     const std::string opening =
         mostly({"#ifndef ", " # ifndef ", "#ifndef/**/", "#ifndef \\\n", "#if !defined "});
     const std::string rest = mostly({"\n", " // c\n", " /* c\n */\n", " x\n", "/* */ /* */\n"});
@@ -181,8 +182,9 @@ private:
     const std::string closing =
         mostly({"#endif\n", "#endif /* G */\n", "\t#endif // G\n", "#endif x\n",
                 "#else\nf\n#endif\n", "#endif", "#endif /* a\n */\n", "#elif 0\n#endif\n"});
-    const std::string behind = mostly({"", "\n\n", "/* c\n */\n", "// c", "g\n", "// c\n",
-                                       "#undef " + guard + "\n", "#ifndef Q\nr\n#endif\n"});
+    const std::string behind =
+        mostly({"", "\n\n", "/* c\n */\n", "// c", "g\n", "// c\n", "#undef " + guard + "\n",
+                "#ifndef Q\nr\n#endif\n", "/* \xff */\n"});
     put(name, before + opening + guard + rest + body + closing + behind);
   }
 
