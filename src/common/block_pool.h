@@ -9,7 +9,7 @@
 // of records aren't while a text is read (RecordScope): they lie in chunks of their own, in the
 // order of the text, which is the order in which they are used up later; and a chunk that has been
 // used up is cut anew, into whatever the model is made of. So the model grows into the room of the
-// records that it is made from.
+// records that it is made from, the first ones first, and what is left over behind goes back.
 //
 // The pool of a spec is a region: it ends with all that is still in it. So the many objects of a
 // model needn't be destroyed one by one, which would fetch all of them into the caches for nothing.

@@ -204,7 +204,7 @@ private:
 
   void enter_group_name(Text name, const TDMFileGroup &record)
   {
-    if (!context_.names.group_names.insert(name).second)
+    if (!context_.names.group_names.add(name))
       fail_at(record, "group",
               "group " + name + " defined more than once for core " + context_.core.text());
   }
