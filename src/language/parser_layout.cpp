@@ -352,7 +352,7 @@ TDMFileStructStatement::Member TDMParser::struct_member()
 std::unique_ptr<TDMFileSelectSectionStatement> TDMParser::select_statement()
 {
   auto record = std::make_unique<TDMFileSelectSectionStatement>();
-  record->sourceLocations.reserve(4);
+  record->sourceLocations.reserve(2); // what most of them need
   keep(*record, "select");
   match(KEY_select);
   if (at(KEY_ref_tree)) {
