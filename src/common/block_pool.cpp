@@ -176,14 +176,17 @@ void BlockPool::free_large(LargeBlock *block) noexcept
   ::operator delete(block);
 }
 
-/// The chunks of a slab for records that have been cut so far.
-std::span<BlockPool::WholeChunk> BlockPool::cut_chunks(const Slab &slab) const
+/// Of a slab for records: whether nothing is left in what has been cut of it.
+bool BlockPool::is_used_up(const Slab &slab) const
 {
-  auto *const first = reinterpret_cast<WholeChunk *>(chunk_of(&slab));
-  const bool is_newest = record_chunks.end == reinterpret_cast<char *>(first) + slab.size;
-  auto *const last = is_newest ? reinterpret_cast<WholeChunk *>(record_chunks.cursor)
-                               : first + slab.size / chunk_size;
-  return {first, last};
+  char *const begin = reinterpret_cast<char *>(chunk_of(&slab));
+  char *const end = begin + slab.size;
+  char *const cut = record_chunks.end == end ? record_chunks.cursor : end;
+  for (char *at = begin; at != cut; at += chunk_size) {
+    const auto *const chunk = reinterpret_cast<const Chunk *>(at);
+    if (!chunk->is_of_records || chunk->in_use != 0) return false;
+  }
+  return true;
 }
 
 // A pool with as little as is kept for the next spec anyway keeps all of it.
@@ -192,32 +195,16 @@ void BlockPool::give_back() noexcept
   std::size_t held = 0;
   for (const Slab *slab = slabs; slab != nullptr; slab = slab->next) held += slab->size;
   if (held <= most_spare) return;
-  end_records();
 
-  Slab *unused = nullptr;
+  end_records();
+  used_up = nullptr; // as hardly anything is made from here on
   for (Slab **link = &slabs; *link != nullptr;) {
     Slab *const slab = *link;
-    const std::span<WholeChunk> chunks = cut_chunks(*slab);
-    const auto is_used_up = [](const WholeChunk &chunk) {
-      return chunk.head.is_of_records && chunk.head.in_use == 0;
-    };
-    if (!slab->is_of_records || !std::all_of(chunks.begin(), chunks.end(), is_used_up)) {
+    if (!slab->is_of_records || !is_used_up(*slab)) {
       link = &slab->next;
       continue;
     }
-    for (WholeChunk &chunk : chunks) chunk.head.pool = nullptr;
     *link = slab->next;
-    slab->next = unused;
-    unused = slab;
-  }
-  for (Chunk *chunk = std::exchange(used_up, nullptr); chunk != nullptr;) {
-    Chunk *const next = chunk->next;
-    if (chunk->pool != nullptr) use_up(chunk);
-    chunk = next;
-  }
-  while (unused != nullptr) {
-    Slab *const slab = unused;
-    unused = slab->next;
     char *const begin = reinterpret_cast<char *>(chunk_of(slab));
     if (record_chunks.end == begin + slab->size) record_chunks = {};
     unmap_slab(begin, slab->size);

@@ -24,7 +24,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -129,10 +128,6 @@ struct BlockPool {
     bool is_of_records;
     bool begins_slab;
   };
-  struct WholeChunk {
-    Chunk head;
-    char blocks[chunk_size - sizeof(Chunk)];
-  };
   /// Chunks that were asked for in one piece, the first of them for records or for objects. Lies in
   /// the first one, behind its beginning.
   struct alignas(grain) Slab {
@@ -169,7 +164,8 @@ struct BlockPool {
   void use_up(Chunk *chunk) noexcept;
   [[nodiscard]] void *allocate_large(std::size_t size);
   static void free_large(LargeBlock *block) noexcept;
-  /// Gives back the slabs of which all is used up, in a pool that has many.
+  /// Gives back the slabs of which all is used up, in a pool that has many. What is used up of the
+  /// others isn't cut anew any more.
   void give_back() noexcept;
   /// Gives all memory back.
   void clear() noexcept;
@@ -191,7 +187,7 @@ private:
   [[nodiscard]] Room next_room(bool of_records);
   void add_slab(bool of_records);
   void end_records() noexcept;
-  [[nodiscard]] std::span<WholeChunk> cut_chunks(const Slab &slab) const;
+  [[nodiscard]] bool is_used_up(const Slab &slab) const;
 };
 
 // Initialised before any code runs, and trivially destroyed: who frees a block late finds them.

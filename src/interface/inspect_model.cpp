@@ -85,7 +85,7 @@ tdm_arr *tdm_inspect_core_referenced_names(const tdm_core *core)
 
 tdm_arr *tdm_inspect_core_group_names(const tdm_core *core)
 {
-  const auto &names = core->section_names.group_names.in_order_of_arrival();
+  const auto &names = core->section_names.group_names.names();
   return guarded_array<const char *>([&] {
     std::vector<std::string_view> sorted(names.begin(), names.end());
     std::sort(sorted.begin(), sorted.end());

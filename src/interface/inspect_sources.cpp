@@ -115,8 +115,6 @@ int tdm_inspect_tokens_next(tdm_token_stream *stream, tdm_inspect_token *out)
     tdm::PpToken token = stream->input.current_token();
     if (token.number == tEOF) return 0;
     tdm::keep_text(token);
-    // A blank that stands for itself may be the first of a run that lies where it was read.
-    if (token.number == tWHITE) token.text = tdm::intern(token.view());
     *out = {token.number, token.text, without_pragmas(token.position)};
     stream->input.skip_token();
     return 1;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "common/block_pool.h"
-#include "common/name_table.h"
+#include "common/name_set.h"
 #include "common/text.h"
 
 namespace tdm {
@@ -19,28 +19,12 @@ struct RequiredSymbol {
   int64_t count = 0; ///< 0: one symbol without a number; else the numbers go from 0 to count - 1
 };
 
-/// The names of all groups of a core, which has each once.
-class GroupNames {
-public:
-  /// False if the name is there already.
-  [[nodiscard]] bool add(Text name)
-  {
-    names_.push_back(name);
-    return places_.append([this](uint32_t place) { return names_[place]; }) + 1 == names_.size();
-  }
-  [[nodiscard]] const PooledVector<Text> &in_order_of_arrival() const { return names_; }
-
-private:
-  PooledVector<Text> names_;
-  NameTable places_;
-};
-
 struct SectionNames {
   PooledVector<Text> assigned_symbols;
   PooledVector<Text> optional_symbols;
   std::vector<RequiredSymbol, PoolAllocator<RequiredSymbol>> required_symbols;
   PooledVector<Text> referenced_names;
-  GroupNames group_names;
+  NameSet group_names;
 };
 
 } // namespace tdm

@@ -146,7 +146,6 @@ void TDMCloneSpace::connect()
   for (const auto &[memory, intervals] : reached.memories())
     for (const Interval &interval : intervals)
       append_connections(*memory, interval, in_reach, connections);
-  owned_.reserve(connections.size());
   for (const auto &[span, member] : connections) add_member_mapping(span, *member);
 }
 
@@ -159,9 +158,10 @@ void TDMCloneSpace::add_member_mapping(const Interval &span, TDMSpace &member)
   entry.dest_offset = span.low.value;
   entry.size = static_cast<int64_t>(static_cast<uint64_t>(span.high.value) -
                                     static_cast<uint64_t>(span.low.value));
-  owned_.push_back(TDMMapping::forward(entry, *this, tdm::map_end(*this)));
-  outgoing_.push_back(owned_.back().get());
-  owned_.back()->set_destination(member, tdm::map_end(member));
+  auto mapping = TDMMapping::forward(entry, *this, tdm::map_end(*this));
+  TDMMapping &own = *mapping;
+  outgoing_.push_back_own(std::move(mapping));
+  own.set_destination(member, tdm::map_end(member));
 }
 
 namespace {

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "common/make_object.h"
+#include "common/name_set.h"
 #include "language/records.h"
 #include "layout/record_values.h"
 #include "model/buses_in_reach.h"

@@ -41,9 +41,8 @@ TDMMemory::TDMMemory(const TDMFileMemory &record, const tdm::ArgumentScope &scop
   priority = record.priority < 0 ? 1 : record.priority;
   exec_priority = record.execPriority < 0 ? priority : record.execPriority;
 
-  for (const auto &entry : record.mappings) {
+  for (const auto &entry : record.mappings)
     mappings_.push_back_own(tdm::make_reversed_mapping(*entry, scope, *this, tdm::map_end(*this)));
-  }
   if (mappings_.empty())
     throw new TDMSyntaxException(at_name(), "no mappings defined for memory " + name);
 

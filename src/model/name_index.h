@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "common/name_table.h"
-#include "mapping/inline_stack.h"
 
 namespace tdm {
 
@@ -61,21 +60,5 @@ template <typename Object>
   index.update();
   return index.first_repeated();
 }
-
-/// Names that have been met. They belong to somebody else.
-class NameSet {
-public:
-  /// False if the name has been met before.
-  bool add(Text name)
-  {
-    names_.push_back(name);
-    const auto name_at = [this](uint32_t place) { return names_[place]; };
-    return places_.append(name_at) + 1 == names_.size();
-  }
-
-private:
-  InlineStack<Text, 8> names_;
-  NameTable places_;
-};
 
 } // namespace tdm

@@ -2,8 +2,10 @@
 #include "model/processor.h"
 
 #include "common/make_object.h"
+#include "common/name_set.h"
 #include "language/records.h"
 #include "layout/record_values.h"
+#include "mapping/inline_stack.h"
 #include "mapping/interval_set.h"
 #include "model/buses_in_reach.h"
 #include "model/check_runner.h"

@@ -78,11 +78,8 @@ TDMAllocSpace::TDMAllocSpace(const TDMFileSpace &record, TDMCore &core,
   locate_direction = record.locateDirection == tdm::kHighToLow ? TDM_HIGH_TO_LOW : TDM_LOW_TO_HIGH;
   create_definitions(record, core, scope);
 
-  owned_.reserve(record.mappings.size());
-  for (const auto &entry : record.mappings) {
-    owned_.push_back(tdm::make_forward_mapping(*entry, scope, *this, tdm::map_end(*this)));
-    outgoing_.push_back(owned_.back().get());
-  }
+  for (const auto &entry : record.mappings)
+    outgoing_.push_back_own(tdm::make_forward_mapping(*entry, scope, *this, tdm::map_end(*this)));
   create_layouts(record, core, scope);
   if (outgoing_.empty())
     throw new TDMSyntaxException(tdm::place_of(record, "name"),
@@ -159,7 +156,7 @@ void TDMAllocSpace::resolve_mappings(TDMCore &core, const tdm::BusesInReach &bus
                                      const TDMFileSpace &record)
 {
   for (size_t i = 0; i < record.mappings.size(); ++i)
-    resolve_mapping(*owned_[i], *record.mappings[i], core, buses);
+    resolve_mapping(*outgoing_[i], *record.mappings[i], core, buses);
 
   const tdm::CoreSpaceLookup lookup(core);
   if (bank_def != nullptr && bank_def->space_name) {

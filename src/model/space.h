@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -62,10 +63,7 @@ struct TDMSpace : TDMMapDestination, TDMMapSource, TDMObject {
 
   [[nodiscard]] std::string full_name() const;
   /// Those that the definition of this object states, whichever way they go.
-  [[nodiscard]] const tdm::PooledVector<std::unique_ptr<TDMMapping>> &own_mappings() const
-  {
-    return owned_;
-  }
+  [[nodiscard]] std::span<TDMMapping *const> own_mappings() const { return outgoing_.own(); }
   [[nodiscard]] const Interval &valid_interval() const { return valid_interval_; }
   /// The space as layouts see it.
   [[nodiscard]] const tdm::LayoutSpace &layout_view() const { return view_; }
@@ -103,9 +101,8 @@ protected:
   void compute_valid_interval();
 
   Interval valid_interval_;
-  tdm::MappingList outgoing_;
+  tdm::MappingList outgoing_; ///< the own ones belong to it
   tdm::MappingList incoming_;
-  tdm::PooledVector<std::unique_ptr<TDMMapping>> owned_;
 
 private:
   class View final : public tdm::LayoutSpace {

@@ -202,7 +202,8 @@ const char *token_text(int number)
 
 void keep_text(PpToken &token)
 {
-  if (token.number == tCOMMENT || token.number == tSTRING) token.text = intern(token.view());
+  if (token.number == tCOMMENT || token.number == tSTRING || token.number == tWHITE)
+    token.text = intern(token.view());
 }
 
 void scanner_scan_text(std::string_view text, std::vector<PpToken> &tokens)

@@ -82,7 +82,7 @@ TEST_F(Building, LayoutsMentionSymbolsSectionsAndGroups)
   EXPECT_FALSE(dynamic_cast<TDMAssignment &>(*statements[1]).plain);
   EXPECT_EQ(texts(names.assigned_symbols), (Texts{"x", "y"}));
   EXPECT_EQ(texts(names.referenced_names), (Texts{"a", "c*", "d"}));
-  EXPECT_EQ(texts(names.group_names.in_order_of_arrival()), (Texts{"g"}));
+  EXPECT_EQ(texts(names.group_names.names()), (Texts{"g"}));
 
   EXPECT_EQ(failure_of([&] { static_cast<void>(tdm::build_section_layout(layout, context)); }),
             "[\"\" 0/0] syntax error: group g defined more than once for core c:k");

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "common/name_set.h"
 #include "model/name_index.h"
 
 namespace {
